@@ -1,0 +1,49 @@
+# Common settings of every target: language, warnings as errors, sanitizers, compiler cache.
+#
+#   kq_library(<target> SOURCES <file>... [LINKS <target>...])   a room of src/, include paths start at src/
+#   kq_test(<name> SOURCES <file>... LINKS <target>...)          a GoogleTest program, every case its own ctest
+
+find_program(KQ_CCACHE ccache)
+if(KQ_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${KQ_CCACHE}")
+endif()
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+add_library(kq_settings INTERFACE)
+target_compile_options(kq_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+                                             -Woverloaded-virtual -Werror)
+target_include_directories(kq_settings INTERFACE
+  "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>" "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>")
+if(KQ_SANITIZE)
+  target_compile_options(kq_settings INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                               -fno-omit-frame-pointer)
+  target_link_options(kq_settings INTERFACE -fsanitize=address,undefined)
+endif()
+
+function(kq_library target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE kq_settings)
+  target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}/include" "${PROJECT_SOURCE_DIR}/src")
+  if(KQ_SANITIZE)
+    target_link_options(${target} PUBLIC -fsanitize=address,undefined)
+  endif()
+endfunction()
+
+function(kq_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(${name} PRIVATE ${ARG_LINKS} kq_settings GTest::gmock_main)
+  target_compile_definitions(${name} PRIVATE KQ_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+                                             KQ_BINARY_DIR="${PROJECT_BINARY_DIR}")
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
+endfunction()

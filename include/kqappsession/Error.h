@@ -1,0 +1,79 @@
+// The one exception type of the library.
+//
+// Every failure that a caller is told about is a kq::Error with three parts: a number (an automation code, so
+// negative when read as a signed 32-bit integer), the source that reports it and a sentence for a person.
+// A user's "no" is never an error; it is a result.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace kq {
+
+// The source of every error that the login and session procedures raise.
+inline constexpr std::string_view kLibrarySource = "KQAppSessionLib";
+
+class Error : public std::exception {
+ public:
+    Error(std::int32_t number, std::string source, std::string description)
+        : number_(number), source_(std::move(source)), description_(std::move(description)) {}
+
+    std::int32_t Number() const { return number_; }
+    const std::string& Source() const { return source_; }
+    const std::string& Description() const { return description_; }
+    const char* what() const noexcept override { return description_.c_str(); }
+
+ private:
+    std::int32_t number_;
+    std::string source_;
+    std::string description_;
+};
+
+// Errors of the automation run time. The number of an Error made from one is 0x800A0000 plus the value here.
+enum class RuntimeError : std::int32_t {
+    InvalidProcedureCall = 5,  // "Invalid procedure call or argument"
+    Overflow = 6,              // "Overflow"
+    TypeMismatch = 13,         // "Type mismatch"
+    ObjectNotSet = 91,         // "Object variable or With block variable not set"
+    ResourceNotFound = 326,    // "Resource with identifier not found"
+    DuplicateKey = 457,        // "This key is already associated with an element of this collection"
+};
+
+// The automation code of a run-time error, for comparison with Error::Number.
+constexpr std::int32_t NumberOf(RuntimeError error) {
+    return static_cast<std::int32_t>(0x800A0000U + static_cast<std::uint32_t>(error));
+}
+
+// Raises the run-time error with its usual English description, or with `description` when one is given that
+// tells the caller more. The source is kLibrarySource.
+[[noreturn]] void Raise(RuntimeError error, std::string_view description = {});
+
+// Errors of connections carry Winsock's numbers on every platform.
+enum class NetError : std::int32_t {
+    AccessDenied = 10013,
+    InvalidArgument = 10022,
+    MessageTooLong = 10040,
+    AddressInUse = 10048,
+    AddressNotAvailable = 10049,
+    NetworkUnreachable = 10051,
+    ConnectionAborted = 10053,
+    ConnectionReset = 10054,
+    NoBufferSpace = 10055,
+    NotConnected = 10057,
+    TimedOut = 10060,
+    Refused = 10061,
+    HostUnreachable = 10065,
+    HostNotFound = 11001,
+};
+
+// The sentence for a Winsock number: "The connection was refused." and so on; unknown numbers get a sentence
+// that names the number.
+std::string NetErrorText(std::int32_t number);
+
+// Raises an Error with the Winsock number itself (a positive number), the given source and its sentence, or
+// `description` when one is given.
+[[noreturn]] void Raise(NetError error, std::string_view source, std::string_view description = {});
+
+}  // namespace kq

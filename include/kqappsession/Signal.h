@@ -1,0 +1,103 @@
+// Events inside one thread: a Signal calls the handlers that were connected to it, an Owner ends what was handed
+// out on its behalf.
+//
+// A handler may do anything while it runs: disconnect itself or others, connect new handlers (they hear the next
+// event), destroy the signal's object or its own owner. After an Owner is destroyed or cancelled, nothing that
+// was bound to it is called again. Signals and owners belong to the thread of their event loop.
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace kq {
+
+// What a callback is bound to. A class that hands out callbacks keeps one Owner as its last member, so that the
+// callbacks die first.
+class Owner {
+ public:
+    Owner() : token_(std::make_shared<Token>()) {}
+    Owner(const Owner&) = delete;
+    Owner& operator=(const Owner&) = delete;
+
+    // Ends everything bound so far; what is bound from now on lives again.
+    void Cancel() { token_ = std::make_shared<Token>(); }
+
+    // A callable that does nothing once the owner is gone.
+    template <class F>
+    auto Bind(F f) const {
+        return [alive = std::weak_ptr<Token>(token_), f = std::move(f)](auto&&... args) mutable {
+            if (auto hold = alive.lock()) f(std::forward<decltype(args)>(args)...);
+        };
+    }
+
+    std::weak_ptr<const void> Life() const { return token_; }
+
+ private:
+    struct Token {};
+    std::shared_ptr<Token> token_;
+};
+
+// Told of an exception that left an event handler; exceptions never pass through a Signal into the code that
+// raised the event. The default handler drops it. `set` returns the handler that was set before.
+using StrayExceptionHandler = std::function<void(std::exception_ptr)>;
+StrayExceptionHandler SetStrayExceptionHandler(StrayExceptionHandler handler);
+void ReportStrayException(std::exception_ptr exception) noexcept;
+
+template <class... Args>
+class Signal {
+ public:
+    using Handler = std::function<void(Args...)>;
+
+    Signal() = default;
+    Signal(const Signal&) = delete;
+    Signal& operator=(const Signal&) = delete;
+
+    // Calls `handler` at every event until `owner` is gone. Handlers are called in the order of connection.
+    void Connect(const Owner& owner, Handler handler) {
+        slots_->push_back(std::make_shared<Slot>(Slot{owner.Life(), std::move(handler)}));
+    }
+
+    // Ends what was connected for this owner.
+    void Disconnect(const Owner& owner) {
+        const auto life = owner.Life().lock();
+        for (auto& slot : *slots_) {
+            if (slot->life.lock() == life) slot->life.reset();
+        }
+    }
+
+    bool HasHandlers() const {
+        for (const auto& slot : *slots_) {
+            if (!slot->life.expired()) return true;
+        }
+        return false;
+    }
+
+    // Raises the event. By-reference arguments are the same objects for every handler.
+    void operator()(Args... args) const {
+        const auto slots = slots_;                             // outlives a handler that destroys the signal
+        std::erase_if(*slots, [](const auto& s) { return s->life.expired(); });
+        const auto copy = *slots;
+        for (const auto& slot : copy) {
+            const auto alive = slot->life.lock();
+            if (!alive) continue;
+            try {
+                slot->handler(args...);
+            } catch (...) {
+                ReportStrayException(std::current_exception());
+            }
+        }
+    }
+
+ private:
+    struct Slot {
+        std::weak_ptr<const void> life;
+        Handler handler;
+    };
+    std::shared_ptr<std::vector<std::shared_ptr<Slot>>> slots_ =
+        std::make_shared<std::vector<std::shared_ptr<Slot>>>();
+};
+
+}  // namespace kq

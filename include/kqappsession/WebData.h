@@ -1,0 +1,169 @@
+// The data that a login delivers and a client keeps: the translation table, the user's profiles with their
+// tables. Each object has a text form (XML) with a root element of its own; loading accepts only that root,
+// replaces everything on success, and changes nothing when it raises (number kNotWebData, source "KQWebDataLib").
+//
+// Objects belong to the thread of their creator. Names are compared exactly, upper and lower case apart.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <kqappsession/Signal.h>
+
+namespace kq {
+
+inline constexpr std::int32_t kNotWebData = static_cast<std::int32_t>(0x80040B11U);
+
+// A user's texts by key.
+class TranslationTable {
+ public:
+    std::string Language() const { return language_; }
+    void SetLanguage(std::string_view language) { language_ = language; }
+    std::int32_t Count() const;
+    bool Exists(std::string_view key) const;
+    // The text of the key; the key itself when the table has none, so that a screen never shows a gap.
+    std::string Translate(std::string_view key) const;
+    void Set(std::string_view key, std::string_view text);
+    void Remove(std::string_view key);
+    std::vector<std::string> Keys() const;  // in order
+
+    std::string ToXML() const;
+    void LoadXML(std::string_view xml);
+
+ private:
+    std::string language_;
+    std::map<std::string, std::string, std::less<>> texts_;
+};
+
+class DataTable;
+
+// One row of a DataTable: a text in each column that was set.
+class DataRow {
+ public:
+    // Raises RuntimeError::InvalidProcedureCall when the table has no such column.
+    void SetValue(std::string_view column, std::string_view value);
+    // `default_value` when the row has no value in the column, or an empty one.
+    std::string Value(std::string_view column, std::string_view default_value = {}) const;
+
+ private:
+    friend class DataTable;
+    explicit DataRow(std::shared_ptr<const std::vector<std::string>> columns) : columns_(std::move(columns)) {}
+    std::shared_ptr<const std::vector<std::string>> columns_;
+    std::map<std::string, std::string, std::less<>> values_;
+};
+
+// Rows found by Select: a count and items from 1.
+class DataRows {
+ public:
+    std::int32_t Count() const { return static_cast<std::int32_t>(rows_.size()); }
+    // Raises RuntimeError::InvalidProcedureCall outside 1 to Count.
+    std::shared_ptr<DataRow> Item(std::int32_t index) const;
+    auto begin() const { return rows_.begin(); }
+    auto end() const { return rows_.end(); }
+
+ private:
+    friend class DataTable;
+    std::vector<std::shared_ptr<DataRow>> rows_;
+};
+
+class DataTable {
+ public:
+    DataTable() : DataTable("", "") {}
+    // `columns`: names separated by commas.
+    DataTable(std::string_view name, std::string_view columns);
+
+    const std::string& Name() const { return name_; }
+    const std::vector<std::string>& Columns() const { return *columns_; }
+    DataRows Rows() const;
+    // The rows whose column holds exactly `value`, in order. Errors as DataRow::SetValue.
+    DataRows Select(std::string_view column, std::string_view value) const;
+    std::shared_ptr<DataRow> AddRow();
+    void RemoveRow(const std::shared_ptr<DataRow>& row);
+
+    std::string ToXML() const;
+    void LoadXML(std::string_view xml);
+
+ private:
+    friend class Profile;
+    std::string name_;
+    std::shared_ptr<const std::vector<std::string>> columns_;
+    std::vector<std::shared_ptr<DataRow>> rows_;
+};
+
+// The tables of one profile.
+class TableStore {
+ public:
+    std::int32_t Count() const { return static_cast<std::int32_t>(tables_.size()); }
+    bool Exists(std::string_view name) const;
+    // Raises RuntimeError::DuplicateKey when the store has a table of that name.
+    std::shared_ptr<DataTable> Create(std::string_view name, std::string_view columns);
+    std::shared_ptr<DataTable> Add(std::shared_ptr<DataTable> table);
+    // Raises RuntimeError::InvalidProcedureCall when there is none. By position: from 1.
+    std::shared_ptr<DataTable> Item(std::string_view name) const;
+    std::shared_ptr<DataTable> Item(std::int32_t index) const;
+    void Remove(std::string_view name);
+
+ private:
+    std::vector<std::shared_ptr<DataTable>> tables_;
+};
+
+// A named set of application settings.
+class Profile {
+ public:
+    explicit Profile(std::string_view name = {}) : name_(name) {}
+    const std::string& Name() const { return name_; }
+    TableStore& Tables() { return tables_; }
+    const TableStore& Tables() const { return tables_; }
+    // The same contents under another name; no row or table is shared.
+    std::shared_ptr<Profile> Copy(std::string_view name) const;
+
+    std::string ToXML() const;
+    void LoadXML(std::string_view xml);
+
+ private:
+    friend class Profiles;
+    std::string name_;
+    TableStore tables_;
+};
+
+// A user's profiles, in the order in which they were added.
+class Profiles {
+ public:
+    // Raised after the collection has changed (not by LoadXML).
+    Signal<std::shared_ptr<Profile>> ProfileAdded;
+    Signal<const std::string&> ProfileRemoved;
+
+    std::int32_t Count() const { return static_cast<std::int32_t>(profiles_.size()); }
+    bool Exists(std::string_view name) const;
+    // Raises RuntimeError::InvalidProcedureCall when there is none. By position: from 1.
+    std::shared_ptr<Profile> Item(std::string_view name) const;
+    std::shared_ptr<Profile> Item(std::int32_t index) const;
+    // Adds the object itself and returns it. Raises RuntimeError::DuplicateKey when the name is taken,
+    // RuntimeError::ObjectNotSet when it is null.
+    std::shared_ptr<Profile> Add(std::shared_ptr<Profile> profile);
+    // Raises RuntimeError::InvalidProcedureCall when there is none of that name.
+    void Remove(std::string_view name);
+    // Gives the profile another name in its place. Raises RuntimeError::DuplicateKey when that is taken. The last
+    // used name follows. No event.
+    void Rename(std::string_view name, std::string_view new_name);
+    auto begin() const { return profiles_.begin(); }
+    auto end() const { return profiles_.end(); }
+
+    // The name of the profile that was chosen last; it travels with the text form. Empty: none yet.
+    const std::string& LastUsed() const { return last_used_; }
+    void SetLastUsed(std::string_view name) { last_used_ = name; }
+
+    std::string ToXML() const;
+    void LoadXML(std::string_view xml);
+
+ private:
+    std::vector<std::shared_ptr<Profile>> profiles_;
+    std::string last_used_;
+};
+
+}  // namespace kq
