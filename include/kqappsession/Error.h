@@ -52,6 +52,7 @@ constexpr std::int32_t NumberOf(RuntimeError error) {
 
 // Errors of connections carry Winsock's numbers on every platform.
 enum class NetError : std::int32_t {
+    Interrupted = 10004,
     AccessDenied = 10013,
     InvalidArgument = 10022,
     MessageTooLong = 10040,

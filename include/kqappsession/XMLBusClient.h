@@ -1,0 +1,106 @@
+// A client of the XML bus: sends messages to addresses, hears the addresses that it subscribed to, and owns one
+// reply address that no other client has.
+//
+// A started client keeps its place on the bus by itself: when the bus goes away it reconnects with growing delay
+// (0.25 s doubling to 15 s), subscribes again and delivers what was sent meanwhile. What waits is bounded (Limits).
+// Everything happens on the loop's thread; event handlers may call back into the object or drop it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <kqappsession/Platform.h>
+#include <kqappsession/Signal.h>
+#include <kqappsession/XMLMessage.h>
+
+namespace kq {
+
+class BusTransport;
+
+// Where the hub is. The key is shared by all peers of a hub; a hub without one listens on loopback only.
+struct BusSettings {
+    std::string address = "127.0.0.1";
+    std::int32_t port = 0;
+    std::string key;
+};
+
+// The option of a subscription.
+enum class BusSubscription : std::int32_t {
+    Ordinary = 0,  // every subscriber gets each message
+    Shared = 1,    // one of the subscribers that share the address gets each message
+};
+
+// The option of a sending.
+enum class BusSending : std::int32_t {
+    Message = 0,  // an ordinary message
+    // A state message ("ApplicationInfos/ApplicationInfo/InfoState" holds its letter). While it waits to be
+    // written, a newer one of this sender that says at least as much takes its place: a "C" replaces the "C" and
+    // "E" that wait behind the last waiting "D" and goes to the end of the queue; "E" and "D" replace nothing.
+    State = 1,
+};
+
+struct BusStatistics {
+    std::int64_t sent = 0;        // handed to Send
+    std::int64_t written = 0;     // written to the bus
+    std::int64_t replaced = 0;    // state messages that a newer one replaced
+    std::int64_t received = 0;
+    std::int64_t reconnects = 0;
+    std::int64_t waiting = 0;     // in the queue now
+};
+
+class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
+ public:
+    using MessagePtr = std::shared_ptr<XMLMessage>;
+    struct Limits {
+        std::size_t waiting_messages = 100'000;
+        std::size_t waiting_bytes = 64U << 20;  // estimated size of the waiting messages
+    };
+    static constexpr std::string_view kSource = "KQXMLBusClientLib";
+
+    // A client of a hub, and a client over any transport (one inside the process for tests).
+    static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform, BusSettings settings);
+    static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform, std::shared_ptr<BusTransport> transport);
+    XMLBusClient(const XMLBusClient&) = delete;
+    XMLBusClient& operator=(const XMLBusClient&) = delete;
+    ~XMLBusClient();
+
+    // A message for one of the subscribed addresses or the reply address. A handler that has dealt with it sets
+    // the flag; later handlers see it set.
+    Signal<const MessagePtr&, bool&> ReceiveMessage;
+    // Every 60 s while running, and when the client stops.
+    Signal<const BusStatistics&> StatisticsEvent;
+    // The place on the bus was gained (true) or lost (false, with a sentence).
+    Signal<bool, const std::string&> ConnectionChanged;
+
+    bool Running() const;    // started and not stopped, whether or not the bus is there at the moment
+    bool Connected() const;  // has its place on the bus
+    void Start();            // returns at once
+    // Runs the loop until what waits is written, 1 s at most; does nothing when not running.
+    void Stop();
+
+    // Subscriptions hold over stop and start. Adding one twice changes its option; removing an unknown one raises
+    // RuntimeError::InvalidProcedureCall.
+    void AddSubscription(const std::string& type, BusSubscription option, const std::string& subtype);
+    void RemoveSubscription(const std::string& type, const std::string& subtype);
+
+    // This client's own reply address.
+    const std::string& ReplyType() const;
+    const std::string& ReplySubType() const;
+    const std::string& EnterpriseID() const;
+    void SetEnterpriseID(const std::string& id);
+
+    // Queues the message for its destination. Raises RuntimeError::InvalidProcedureCall when not running or
+    // without a destination, and NetError::NoBufferSpace when the queue is full.
+    void Send(const XMLMessage& message, BusSending option = BusSending::Message);
+    BusStatistics Statistics() const;
+    void SetLimits(const Limits& limits);
+
+ private:
+    class Impl;
+    XMLBusClient();
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace kq
