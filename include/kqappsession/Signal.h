@@ -1,9 +1,9 @@
-// Events inside one thread: a Signal calls the handlers that were connected to it, an Owner ends what was handed
-// out on its behalf.
+// Events inside one thread: a Signal calls the handlers that were connected to it, an Owner ends what was
+// handed out on its behalf.
 //
-// A handler may do anything while it runs: disconnect itself or others, connect new handlers (they hear the next
-// event), destroy the signal's object or its own owner. After an Owner is destroyed or cancelled, nothing that
-// was bound to it is called again. Signals and owners belong to the thread of their event loop.
+// A handler may do anything while it runs: disconnect itself or others, connect new handlers (they hear the
+// next event), destroy the signal's object or its own owner. After an Owner is destroyed or cancelled,
+// nothing that was bound to it is called again. Signals and owners belong to the thread of their event loop.
 #pragma once
 
 #include <exception>
@@ -14,8 +14,8 @@
 
 namespace kq {
 
-// What a callback is bound to. A class that hands out callbacks keeps one Owner as its last member, so that the
-// callbacks die first.
+// What a callback is bound to. A class that hands out callbacks keeps one Owner as its last member, so that
+// the callbacks die first.
 class Owner {
  public:
     Owner() : token_(std::make_shared<Token>()) {}
@@ -29,7 +29,7 @@ class Owner {
     template <class F>
     auto Bind(F f) const {
         return [alive = std::weak_ptr<Token>(token_), f = std::move(f)](auto&&... args) mutable {
-            if (auto hold = alive.lock()) f(std::forward<decltype(args)>(args)...);
+            if (!alive.expired()) f(std::forward<decltype(args)>(args)...);
         };
     }
 
@@ -77,12 +77,12 @@ class Signal {
 
     // Raises the event. By-reference arguments are the same objects for every handler.
     void operator()(Args... args) const {
-        const auto slots = slots_;                             // outlives a handler that destroys the signal
+        const auto slots = slots_;  // outlives a handler that destroys the signal
         std::erase_if(*slots, [](const auto& s) { return s->life.expired(); });
         const auto copy = *slots;
         for (const auto& slot : copy) {
-            const auto alive = slot->life.lock();
-            if (!alive) continue;
+            if (slot->life.expired())
+                continue;  // not held: an event inside the handler must see the owner gone
             try {
                 slot->handler(args...);
             } catch (...) {

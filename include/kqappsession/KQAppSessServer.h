@@ -1,0 +1,105 @@
+// The session manager of an application server: accepts registrations of clients, relays login traffic between
+// clients and the login server over the XML bus, keeps the live sessions, announces itself, raises events.
+//
+//   kq::KQAppSessServer server(platform);
+//   server.Connected.Connect(owner, [](const auto& session) { ... });
+//   server.Initialize("Demo", app, bus, statistics, kq::InterfaceVersions("1.0|2.0"));
+//   server.Listen(7000);
+//
+// One thread: all members and events belong to the thread of the platform's event loop. A handler may call back
+// into the object.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <kqappsession/KQAppSessErrorEnum.h>
+#include <kqappsession/KQAppSessionInfo.h>
+#include <kqappsession/Listener.h>
+#include <kqappsession/Platform.h>
+#include <kqappsession/Statistics.h>
+#include <kqappsession/XMLBusClient.h>
+
+namespace kq {
+
+// The host program's own object, whose properties are read by name at run time ("Path", "ProductName", ...).
+class AppObject {
+ public:
+    virtual ~AppObject() = default;
+    // The property as text; nothing when the object has none of that name.
+    virtual std::optional<std::string> Property(std::string_view name) const = 0;
+};
+
+// The interface versions that an application accepts, in order: given as a list, or as a text that is split at
+// every "|" when it holds one, else at every "," (no trimming, empty pieces kept).
+class InterfaceVersions {
+ public:
+    InterfaceVersions() = default;
+    explicit InterfaceVersions(std::string_view text);
+    explicit InterfaceVersions(std::vector<std::string> versions) : versions_(std::move(versions)) {}
+    const std::vector<std::string>& All() const { return versions_; }
+
+ private:
+    std::vector<std::string> versions_;
+};
+
+class KQAppSessServer {
+ public:
+    using SessionPtr = std::shared_ptr<KQAppSessionInfo>;
+    using MessagePtr = std::shared_ptr<XMLMessage>;
+    using ClientPtr = std::shared_ptr<APClient>;
+
+    explicit KQAppSessServer(PlatformPtr platform);
+    ~KQAppSessServer();  // Terminate
+    KQAppSessServer(const KQAppSessServer&) = delete;
+    KQAppSessServer& operator=(const KQAppSessServer&) = delete;
+
+    // A client's registration was confirmed and its session added.
+    Signal<const SessionPtr&> Connected;
+    // A registered client sent data that is no session management: the block, always of type XML, and its session.
+    Signal<const SessionPtr&, const Block&> ReceivedData;
+    // A client with a session has gone; its session was removed before.
+    Signal<const SessionPtr&> Disconnected;
+    Signal<std::int32_t, const std::string&> Error;
+    Signal<const SessionPtr&, const ClientPtr&, std::int32_t, const std::string&> SessionError;
+    // A message was handed to the bus client.
+    Signal<const MessagePtr&> XMLBusSend;
+    // A bus message for this object arrived; number 0 and no text unless it is a refusal.
+    Signal<const MessagePtr&, std::int32_t, const std::string&> XMLBusReceive;
+    // A session was added or removed.
+    Signal<> Count;
+
+    // Seconds between announcements, default 120. A value above 2147483 is stored and raises
+    // RuntimeError::Overflow (an enabled announcement timer is then off); 0 or less stops the ticks.
+    std::int32_t InfoInterval() const;
+    void SetInfoInterval(std::int32_t seconds);
+    // kqaserrNotInitialized before Initialize.
+    std::shared_ptr<kq::Listener> Listener() const;
+    const std::shared_ptr<KQAppSessionInfos>& Sessions() const;
+
+    // May be called again at any time; sessions stay. Without `client` or `statistics` the object stays
+    // uninitialised. `app_obj` may be null; its "Path" says where the client installer is.
+    void Initialize(const std::string& app_id, std::shared_ptr<AppObject> app_obj,
+                    std::shared_ptr<XMLBusClient> client, std::shared_ptr<Statistics> statistics,
+                    const InterfaceVersions& interfaces_versions);
+    void Terminate();
+    // Listens on the port (0: a free one) and local address (empty: all), takes the place on the bus and announces.
+    // kqaserrAlreadyConnected while listening, kqaserrNotInitialized before Initialize, the listener's errors.
+    void Listen(std::int32_t listen_port, const std::string& local_address = {});
+    void StopListening(bool disconnect_all = false);
+    // Whether a bus message belongs to this object. Null is no message.
+    bool CheckMessage(const MessagePtr& message) const;
+    bool IsInitialized() const;
+    // The client installer's file name in the folder "Install" of the application's "Path".
+    void setInstallExeFile(const std::string& install_exe_file);
+
+ private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace kq

@@ -1,0 +1,79 @@
+// The record of one session, on both sides: what the login server said of it and the connection it lives on.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <kqappsession/APClient.h>
+#include <kqappsession/XMLMessage.h>
+
+namespace kq {
+
+// Reads every property out of the message that the login server returned for the session, at the moment it is
+// asked; nothing is copied. Reading a property of a record that was never filled raises
+// RuntimeError::ObjectNotSet; a field that the message lacks reads as empty text.
+class KQAppSessionInfo {
+ public:
+    std::string AppID() const { return Field("AppID"); }
+    std::string SessionID() const { return Field("SessionID"); }
+    std::string LoginID() const { return Field("LoginID"); }
+    std::string FirstName() const { return Field("FirstName"); }
+    std::string LastName() const { return Field("LastName"); }
+    std::int32_t UserUID() const;  // RuntimeError::TypeMismatch when it is no number, absence included
+    std::string EnterpriseID() const { return Field("EnterpriseID"); }
+    std::string OperatorID() const { return Field("OperatorID"); }
+    std::string Language() const { return Field("Language"); }
+    std::string TZ() const { return Field("TZ"); }
+    std::string DST() const { return Field("DST"); }
+    std::string BUID() const { return Field("BUID"); }
+    // The field "BUIDUnionList" split at every "|"; an empty field gives one empty element.
+    std::vector<std::string> BUIDList() const;
+    std::vector<std::string> PrivilegeList() const;
+    // The session's connection; may be null. Needs no filled record.
+    const std::shared_ptr<APClient>& Client() const { return client_; }
+    // The message itself, not a copy: what is changed in it changes the record. Null before the record is filled.
+    const std::shared_ptr<XMLMessage>& Export() const { return message_; }
+    std::string Password() const { return Field("Password"); }
+    bool IsInitialized() const { return initialized_; }
+
+    // For the library. Keeps `message`; `client` unless null; writes the ids and the password into the message
+    // where they are not empty.
+    void Fill(std::shared_ptr<XMLMessage> message, const std::string& session_id = {}, const std::string& app_id = {},
+              std::shared_ptr<APClient> client = nullptr, const std::string& password = {});
+    void SetClient(std::shared_ptr<APClient> client) { client_ = std::move(client); }
+
+ private:
+    std::string Field(std::string_view name) const;
+
+    std::shared_ptr<XMLMessage> message_;
+    std::shared_ptr<APClient> client_;
+    bool initialized_ = false;
+};
+
+// The live sessions of an application server, in the order of their coming, keyed by session id.
+class KQAppSessionInfos {
+ public:
+    using SessionPtr = std::shared_ptr<KQAppSessionInfo>;
+
+    // RuntimeError::InvalidProcedureCall when there is no such session. Positions count from 1.
+    SessionPtr Session(const std::string& session_id) const;
+    SessionPtr Session(std::int32_t position) const;
+    bool Exists(const std::string& session_id) const;
+    std::int32_t Count() const;
+    // A snapshot to iterate over while sessions come and go.
+    std::vector<SessionPtr> All() const;
+
+    // For the library. Add raises RuntimeError::DuplicateKey for a second session of the same id, Remove
+    // RuntimeError::InvalidProcedureCall for an unknown one.
+    SessionPtr Add(SessionPtr session);
+    void Remove(const std::string& session_id);
+
+ private:
+    std::vector<std::pair<std::string, SessionPtr>> sessions_;
+};
+
+}  // namespace kq
