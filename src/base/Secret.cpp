@@ -1,6 +1,6 @@
 // Overwriting memory that held a password. The text's whole capacity is wiped, not only its length: a
 // shortened text leaves its old characters behind the end.
-#include "base/Secret.h"
+#include <kqappsession/Secret.h>
 
 namespace kq {
 

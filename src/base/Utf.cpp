@@ -95,6 +95,12 @@ std::string RepairUtf8(std::string_view text) {
     return out;
 }
 
+std::string_view FirstCharacters(std::string_view text, std::size_t count) {
+    std::size_t end = 0;
+    for (; count > 0 && end < text.size(); --count) end += DecodeFront(text.substr(end)).length;
+    return text.substr(0, end);
+}
+
 std::string Utf16ToUtf8(std::u16string_view text) {
     std::string out;
     out.reserve(text.size());

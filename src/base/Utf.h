@@ -2,6 +2,7 @@
 // boundary and in calls of the Windows port.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,9 @@ bool IsValidUtf8(std::string_view text);
 
 // Ill-formed sequences become U+FFFD, one for each maximal ill-formed part.
 std::string RepairUtf8(std::string_view text);
+
+// The first `count` characters of a text, never ending inside one; an ill-formed part counts as one character.
+std::string_view FirstCharacters(std::string_view text, std::size_t count);
 
 // A lone surrogate becomes U+FFFD. Ill-formed UTF-8 likewise.
 std::string Utf16ToUtf8(std::u16string_view text);

@@ -1,0 +1,59 @@
+// Numbers, sources and sentences of errors.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <kqappsession/Error.h>
+
+namespace kq {
+namespace {
+
+TEST(RuntimeErrors, CarryTheAutomationNumberTheLibrarysNameAndTheUsualSentence) {
+    try {
+        Raise(RuntimeError::ObjectNotSet);
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(static_cast<std::uint32_t>(error.Number()), 0x800A005BU);
+        EXPECT_EQ(error.Source(), "KQAppSessionLib");
+        EXPECT_EQ(error.Description(), "Object variable or With block variable not set");
+        EXPECT_STREQ(error.what(), error.Description().c_str());
+    }
+}
+
+TEST(RuntimeErrors, TakeADescriptionThatTellsMore) {
+    try {
+        Raise(RuntimeError::TypeMismatch, "No such kind");
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Description(), "No such kind");
+    }
+}
+
+TEST(NetErrors, CarryWinsocksNumberAndTheGivenSource) {
+    try {
+        Raise(NetError::Refused, "KQAppProtocolLib");
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), 10061);
+        EXPECT_EQ(error.Source(), "KQAppProtocolLib");
+        EXPECT_EQ(error.Description(), "The connection was refused.");
+    }
+}
+
+TEST(NetErrors, NameTheNumberWhenItHasNoSentence) {
+    EXPECT_EQ(NetErrorText(12345), "The network reported error 12345.");
+}
+
+TEST(NetErrors, EveryNamedOneHasASentence) {
+    for (const auto error :
+         {NetError::AccessDenied, NetError::InvalidArgument, NetError::MessageTooLong, NetError::AddressInUse,
+          NetError::AddressNotAvailable, NetError::NetworkUnreachable, NetError::ConnectionAborted,
+          NetError::ConnectionReset, NetError::NoBufferSpace, NetError::NotConnected, NetError::TimedOut,
+          NetError::Refused, NetError::HostUnreachable, NetError::HostNotFound}) {
+        const auto number = static_cast<std::int32_t>(error);
+        EXPECT_EQ(NetErrorText(number).find(std::to_string(number)), std::string::npos) << number;
+    }
+}
+
+}  // namespace
+}  // namespace kq
