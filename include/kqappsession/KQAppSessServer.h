@@ -12,11 +12,11 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include <kqappsession/AppObject.h>
 #include <kqappsession/KQAppSessErrorEnum.h>
 #include <kqappsession/KQAppSessionInfo.h>
 #include <kqappsession/Listener.h>
@@ -25,14 +25,6 @@
 #include <kqappsession/XMLBusClient.h>
 
 namespace kq {
-
-// The host program's own object, whose properties are read by name at run time ("Path", "ProductName", ...).
-class AppObject {
- public:
-    virtual ~AppObject() = default;
-    // The property as text; nothing when the object has none of that name.
-    virtual std::optional<std::string> Property(std::string_view name) const = 0;
-};
 
 // The interface versions that an application accepts, in order: given as a list, or as a text that is split at
 // every "|" when it holds one, else at every "," (no trimming, empty pieces kept).
