@@ -22,7 +22,7 @@ class Statistics {
 
     void Increment(std::string_view name, std::int64_t by = 1);  // saturates at the ends of 64 bits
     void Set(std::string_view name, std::int64_t value);
-    void Record(std::string_view name, double milliseconds);  // negative and not-a-number values raise error 5
+    void Record(std::string_view name, double milliseconds);  // negative and not finite values raise error 5
 
     std::int64_t Value(std::string_view name) const;              // 0 for an unknown name
     Duration DurationOf(std::string_view name) const;             // empty for an unknown name
