@@ -20,12 +20,14 @@ class IniFile {
 
     // Sets the file's path and creates the folders on the way to it. With a special folder and an empty
     // `custom_or_partial_folder` the path is left as it was before the file name is appended.
-    void SetLocation(int folder_type, const std::string& custom_or_partial_folder, const std::string& file_name);
+    void SetLocation(int folder_type, const std::string& custom_or_partial_folder,
+                     const std::string& file_name);
     const std::string& Path() const { return path_; }
 
     // The value of a key; `default_value` when the key is missing or its value is empty. An empty section is
     // "Default". Never raises.
-    std::string Value(const std::string& prop_name, const std::string& section, const std::string& default_value) const;
+    std::string Value(const std::string& prop_name, const std::string& section,
+                      const std::string& default_value) const;
     // `default_value` is ignored. A write that fails is silent.
     void SetValue(const std::string& prop_name, const std::string& section, const std::string& default_value,
                   const std::string& value);

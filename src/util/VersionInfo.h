@@ -12,9 +12,9 @@ namespace kq {
 
 class VersionBlock;
 
-// Every member but Initialize and Initialized raises an Error with number -1 and description "Not Inited" until a
-// file with a version resource was read. A missing value is empty text. Indexes count from 1; the index is divided
-// by 4, not multiplied, where the table is read, so callers use 1.
+// Every member but Initialize and Initialized raises an Error with number -1 and description "Not Inited"
+// until a file with a version resource was read. A missing value is empty text. Indexes count from 1; the
+// index is divided by 4, not multiplied, where the table is read, so callers use 1.
 class VersionInfo {
  public:
     explicit VersionInfo(PlatformPtr platform);
