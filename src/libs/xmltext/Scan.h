@@ -1,0 +1,14 @@
+// The check that every text passes before a tree is made of it.
+#pragma once
+
+#include <string_view>
+
+#include "libs/xmltext/XMLText.h"
+
+namespace kq::xmltext {
+
+// Raises what `refusal` says, with the offset of the first fault, when the text is not well-formed or over a
+// limit. Uses memory for the open elements only.
+void Scan(std::string_view text, const Limits& limits, const Refusal& refusal);
+
+}  // namespace kq::xmltext
