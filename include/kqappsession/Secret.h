@@ -14,6 +14,7 @@ class Secret {
  public:
     Secret() = default;
     explicit Secret(std::string_view text) : text_(text) {}
+    explicit Secret(const char* text) : text_(text) {}
     explicit Secret(std::string&& text) : text_(text) { Wipe(text); }
     Secret(const Secret&) = default;
     Secret(Secret&& other) noexcept : text_(other.text_) { Wipe(other.text_); }

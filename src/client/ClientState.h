@@ -1,0 +1,99 @@
+// What a client object holds between and during its procedures.
+//
+// Procedures keep a reference to it, so the client object itself may be dropped while one runs; the procedure
+// then finds itself ended, as after TerminateClient.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <kqappsession/KQAppSessClient.h>
+
+#include "client/SessConfig.h"
+#include "messages/modASMsg.h"
+
+namespace kq {
+
+class ClientState : public std::enable_shared_from_this<ClientState> {
+ public:
+    explicit ClientState(PlatformPtr platform);
+
+    const PlatformPtr platform;
+    const modASMsg texts;
+
+    std::optional<SessConfig> config;  // none before the application identifier is known
+    bool busy = false;                 // holds back uploads by events of the profile collection
+    bool use_profiles = true;
+    std::shared_ptr<TranslationTable> translation_table;
+    std::shared_ptr<Profile> current_profile;
+    std::shared_ptr<KQAppSessionInfo> session_info = std::make_shared<KQAppSessionInfo>();
+    KQAppSessLoginState login_state = kqaslsNotLoggedIn;
+    std::string app_server_address;
+    std::int32_t app_server_port = 0;
+    std::int32_t app_server_time_out = 0;  // ms
+    std::string restrict_ip;
+    std::int32_t restrict_port = 0;
+    bool use_as_server_for_login = false;
+
+    // A new settings object for the application.
+    SessConfig& OpenConfig(const std::string& app_id);
+
+    // Kept with its events: a profile added or removed while nothing is busy uploads the collection.
+    const std::shared_ptr<Profiles>& GetProfiles() const { return profiles_; }
+    void SetProfiles(std::shared_ptr<Profiles> profiles);
+
+    // A new connection, ready to exchange messages, takes the place of the old one, which is disconnected.
+    std::shared_ptr<APClient> NewLoginClient();
+    std::shared_ptr<APClient> NewSessionClient();
+    const std::shared_ptr<APClient>& LoginClient() const { return login_client_; }
+    const std::shared_ptr<APClient>& SessionClient() const { return session_client_; }
+    void ReleaseLoginClient();
+    // A released connection is not heard any more.
+    void ReleaseSessionClient();
+
+    // Disconnects and drops both connections and ends the wait of a procedure that runs. The end of the
+    // session connection is still heard, until another takes its place.
+    void Terminate();
+    std::uint32_t Terminations() const { return terminations_; }
+
+    // Lets `seconds` pass on the clock of the day while the loop runs. Ends at once when the loop quits or
+    // the client is terminated. The difference of two times of day never reaches `seconds` across midnight,
+    // so a pause that would span it first waits for the new day.
+    void Pause(float seconds);
+
+ private:
+    friend class Procedure;
+
+    float TimeOfDay() const;
+
+    std::shared_ptr<Profiles> profiles_;
+    std::shared_ptr<APClient> login_client_;
+    std::shared_ptr<APClient> session_client_;
+    std::uint32_t terminations_ = 0;
+    bool procedure_runs_ = false;
+    Owner profiles_owner_;
+    Owner session_owner_;
+};
+
+// One run of a long procedure, as the host started it: sets Busy and keeps a second one out, on every way.
+class Procedure {
+ public:
+    // RuntimeError::InvalidProcedureCall when a procedure of this client runs already.
+    explicit Procedure(ClientState& state);
+    ~Procedure();
+    Procedure(const Procedure&) = delete;
+    Procedure& operator=(const Procedure&) = delete;
+
+    // Raises NetError::Interrupted once the client was terminated during the run.
+    void CheckTermination() const;
+    bool Terminated() const { return state_.Terminations() != terminations_; }
+
+ private:
+    ClientState& state_;
+    std::uint32_t terminations_;
+    bool was_busy_;
+};
+
+}  // namespace kq

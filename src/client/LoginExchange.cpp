@@ -1,0 +1,73 @@
+// A block that is no message is told apart from a message of another type: texts 500 and 501.
+#include "client/LoginExchange.h"
+
+#include <cmath>
+#include <limits>
+
+#include <kqappsession/Error.h>
+
+#include "base/Convert.h"
+#include "client/ClientState.h"
+
+namespace kq {
+
+namespace {
+
+constexpr std::int32_t kUnknownResponse = 500;
+constexpr std::int32_t kImproperResponse = 501;
+
+}  // namespace
+
+Reply TakeReply(APClient& client, std::string_view awaited_type, std::int32_t time_out) {
+    Reply reply;
+    Block block;
+    try {
+        block = client.TakeBlock(time_out);
+    } catch (const Error& error) {
+        reply.failure = error.Description();
+        return reply;
+    }
+    if (block.data.empty()) {
+        reply.failure = "The reply was empty.";
+        return reply;
+    }
+    reply.received = true;
+    reply.message = modASMsg::ParseASData(block.data).Message();
+    if (!reply.message) {
+        reply.improper = kUnknownResponse;
+    } else if (reply.message->Type() != awaited_type) {
+        reply.improper = kImproperResponse;
+    }
+    return reply;
+}
+
+Reply Exchange(ClientState& state, APClient& client, const XMLMessage& request, std::string_view awaited_type,
+               std::int32_t time_out) {
+    try {
+        client.SendText(request.ToXML());
+    } catch (const Error& error) {
+        Reply reply;
+        reply.failure = error.Description();
+        return reply;
+    }
+    state.Pause(kLoginPause);
+    return TakeReply(client, awaited_type, time_out);
+}
+
+ReplyError ReadReplyError(const std::string& error_number) {
+    if (error_number.empty() || error_number == "0") return {};
+    const double value = std::nearbyint(Val(error_number));
+    const bool fits = value >= std::numeric_limits<std::int32_t>::min() &&
+                      value <= std::numeric_limits<std::int32_t>::max();
+    return {true, fits ? static_cast<std::int32_t>(value) : 0};
+}
+
+std::string ZEBFailureText(const modASMsg& texts, const std::string& error_desc,
+                           const std::string& error_param) {
+    for (const std::string& code : {error_param, error_desc}) {
+        if (std::string text = texts.MapZEBError(code); text != code) return text;
+    }
+    return error_desc.empty() ? error_param : error_desc;
+}
+
+}  // namespace kq

@@ -1,0 +1,46 @@
+// One request and its reply on a connection, as every login step makes it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <kqappsession/APClient.h>
+
+#include "messages/modASMsg.h"
+
+namespace kq {
+
+class ClientState;
+
+// The pause between a request and the wait for its reply.
+inline constexpr float kLoginPause = 0.25F;
+
+struct Reply {
+    bool received = false;
+    std::string failure;                  // not received: why, in a sentence
+    std::shared_ptr<XMLMessage> message;  // null when the block was no message
+    std::int32_t improper = 0;            // received, but not the awaited message: text 500 or 501 says so
+};
+
+// Waits for the next block and sees what it is. An empty block counts as no reply.
+Reply TakeReply(APClient& client, std::string_view awaited_type, std::int32_t time_out);
+// Sends the request, pauses, then takes the reply; a request that cannot be sent has no reply.
+Reply Exchange(ClientState& state, APClient& client, const XMLMessage& request, std::string_view awaited_type,
+               std::int32_t time_out);
+
+// What a reply's "ErrorNumber" says in the system login: absent, empty and "0" are success, every other text
+// is an error, with its numeric value as code (0: none of its own).
+struct ReplyError {
+    bool failed = false;
+    std::int32_t code = 0;
+};
+ReplyError ReadReplyError(const std::string& error_number);
+
+// The text for a failure that the login server reports: its codes mapped to texts, "ErrorParam" before
+// "ErrorDesc", else the first of "ErrorDesc" and "ErrorParam" that is not empty.
+std::string ZEBFailureText(const modASMsg& texts, const std::string& error_desc,
+                           const std::string& error_param);
+
+}  // namespace kq

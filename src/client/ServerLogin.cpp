@@ -1,0 +1,134 @@
+// A session connection that is lost between connecting and sending (10057) is made again a few times without
+// a word.
+#include "client/ServerLogin.h"
+
+#include <kqappsession/Error.h>
+
+#include "base/Convert.h"
+#include "messages/ASMessages.h"
+#include "platform/Locale.h"
+
+namespace kq {
+
+namespace {
+
+constexpr std::int32_t kUnexpectedError = 409;
+constexpr std::int32_t kWaitRegistering = 304;
+constexpr std::int32_t kWaitConnecting = 306;
+constexpr int kMaxRetries = 5;
+
+}  // namespace
+
+ServerLogin::ServerLogin(ClientState& state, bool interactive) : state_(state), procedure_(state) {
+    if (state_.login_state == kqaslsNotLoggedIn) state_.texts.RaiseASError(kqaserrLoginNoSystem);
+    attendant_ = MakeAttendant(interactive, state_.platform);
+    state_.OpenConfig(state_.session_info->AppID());
+    if (state_.login_state == kqaslsServerLogin) state_.login_state = kqaslsSystemLogin;
+}
+
+bool ServerLogin::Run() {
+    LoginStates state = lsAttemptConnectServer;
+    try {
+        while (state == lsAttemptConnectServer || state == lsAttemptRegister) {
+            procedure_.CheckTermination();
+            try {
+                state = Step(state);
+            } catch (const Error& error) {
+                procedure_.CheckTermination();
+                attendant_->HideWait();
+                state = attendant_->MeetUnexpected(kUnexpectedError, error);
+            }
+        }
+        procedure_.CheckTermination();
+    } catch (...) {
+        attendant_->HideWait();
+        state_.ReleaseSessionClient();
+        throw;
+    }
+    attendant_->HideWait();
+    if (state == lsFinish) {
+        Finish();
+    } else if (state == lsGetLoginInfo) {
+        GiveUpLogin();
+    } else {
+        state_.ReleaseSessionClient();
+    }
+    return state == lsFinish;
+}
+
+LoginStates ServerLogin::Step(LoginStates state) {
+    return state == lsAttemptConnectServer ? AttemptConnectServer() : AttemptRegister();
+}
+
+LoginStates ServerLogin::Meet(LoginFailure failure, const Args& question, const Args& error) {
+    procedure_.CheckTermination();
+    attendant_->HideWait();
+    return attendant_->Meet(failure, question, error);
+}
+
+LoginStates ServerLogin::AttemptConnectServer() {
+    attendant_->ShowWait(kWaitConnecting);
+    connection_ = state_.NewSessionClient();
+    try {
+        connection_->Connect(state_.app_server_address, state_.app_server_port, "",
+                             state_.app_server_time_out);
+        if (connection_->Connected()) return lsAttemptRegister;
+    } catch (const Error&) {
+        // The error and the question name no reason.
+    }
+    return Meet(LoginFailure::NoConnectAS);
+}
+
+LoginStates ServerLogin::AttemptRegister() {
+    attendant_->ShowWait(kWaitRegistering);
+    ASRegisterRequest request;
+    request.AppID = state_.session_info->AppID();
+    request.SessionID = state_.session_info->SessionID();
+    request.LocaleID = TextOf(state_.platform->locale->UserLocaleId());
+    state_.Pause(kLoginPause);
+    try {
+        connection_->SendText(request.Build().ToXML());
+    } catch (const Error& error) {
+        const bool not_connected = error.Number() == static_cast<std::int32_t>(NetError::NotConnected);
+        if (not_connected && retries_ < kMaxRetries && !procedure_.Terminated()) {
+            ++retries_;
+            return lsAttemptConnectServer;
+        }
+        return NoReply();
+    }
+    state_.Pause(kLoginPause);
+    const Reply reply = TakeReply(*connection_, ASRegisterResponse::kType, state_.app_server_time_out);
+    if (!reply.received) return NoReply();
+    if (reply.improper != 0 || Val(reply.message->Field("ErrorNum")) != 0) return Refused(reply);
+    return lsFinish;
+}
+
+LoginStates ServerLogin::NoReply() {
+    const LoginStates next = Meet(LoginFailure::NoRegisterReply);
+    const bool again = next == lsAttemptRegister;
+    return again && !connection_->Connected() ? lsGetLoginInfo : next;
+}
+
+LoginStates ServerLogin::Refused(const Reply& reply) {
+    std::string text = reply.message ? reply.message->Field("ErrorDesc") : std::string();
+    if (text.empty() && reply.improper != 0) text = state_.texts.Text(reply.improper);
+    return Meet(LoginFailure::RegisterFailed, {text}, {text});
+}
+
+void ServerLogin::Finish() {
+    state_.session_info->SetClient(connection_);
+    state_.login_state = kqaslsServerLogin;
+    connection_->SetReceiveType(DataType::Any);
+    connection_->SetReceiveMode(ReceiveMode::Events);
+}
+
+void ServerLogin::GiveUpLogin() {
+    state_.session_info = std::make_shared<KQAppSessionInfo>();
+    state_.ReleaseSessionClient();
+    state_.ReleaseLoginClient();
+    state_.SetProfiles(nullptr);
+    state_.current_profile.reset();
+    state_.login_state = kqaslsNotLoggedIn;
+}
+
+}  // namespace kq
