@@ -1,0 +1,389 @@
+// The event loop on asio. The only file that knows asio's types.
+//
+// asio's completions do not call anybody: they put an event into a queue of our own and make sure that a pump
+// is posted to the context, which takes one event out and runs it. So a cancelled timer or a removed watch
+// takes its event along, what was ready is told from what became ready since, and a wait inside a task goes
+// on where the outer one stands, whoever runs the context.
+#include <algorithm>
+#include <atomic>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <poll.h>
+#include <utility>
+#include <vector>
+
+#include <asio/executor_work_guard.hpp>
+#include <asio/io_context.hpp>
+#include <asio/posix/stream_descriptor.hpp>
+#include <asio/post.hpp>
+#include <asio/steady_timer.hpp>
+
+#include <kqappsession/AsioEventLoop.h>
+#include <kqappsession/Error.h>
+
+#include "platform/posix/PosixPlatform.h"
+
+namespace kq {
+namespace {
+
+using Task = EventLoop::Task;
+using TimePoint = EventLoop::TimePoint;
+using Readiness = EventLoop::Readiness;
+
+struct Watched {
+    Watched(asio::io_context& context, Readiness w, std::function<void(Readiness)> r)
+        : descriptor(context), wanted(w), ready(std::move(r)) {}
+    Watched(const Watched&) = delete;
+    Watched& operator=(const Watched&) = delete;
+    // The socket is the caller's: it is let go, never closed.
+    ~Watched() {
+        if (descriptor.is_open()) descriptor.release();
+    }
+
+    asio::posix::stream_descriptor descriptor;
+    Readiness wanted;
+    std::function<void(Readiness)> ready;
+    bool reading_awaited = false;
+    bool writing_awaited = false;
+    bool queued = false;  // an event of this watch is in the queue
+    bool calling =
+        false;  // its callback is running: awaited again afterwards, or when the loop runs inside it
+};
+
+struct Timed {
+    asio::steady_timer timer;
+    Task task;
+};
+
+enum class Kind { Post, Timer, Watch };
+
+struct Event {
+    std::uint64_t sequence;
+    Kind kind;
+    std::uint64_t id;
+    Task task;
+};
+
+Readiness ReadyNow(int fd, Readiness wanted) {
+    pollfd asked{fd, static_cast<short>((wanted.readable ? POLLIN : 0) | (wanted.writable ? POLLOUT : 0)), 0};
+    if (::poll(&asked, 1, 0) <= 0) return {};
+    const bool broken = (asked.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
+    return {wanted.readable && (broken || (asked.revents & POLLIN) != 0),
+            wanted.writable && (broken || (asked.revents & POLLOUT) != 0)};
+}
+
+// Everything the loop is made of. Completions hold it weakly; a wait holds it firmly, so that the loop may be
+// destroyed by a task that it runs.
+class LoopState : public std::enable_shared_from_this<LoopState> {
+ public:
+    explicit LoopState(std::unique_ptr<asio::io_context> own) : own_(std::move(own)), context_(*own_) {}
+    explicit LoopState(asio::io_context& context) : context_(context) {}
+
+    void Post(Task task) { Push(Kind::Post, 0, std::move(task)); }
+
+    EventLoop::TimerId StartTimer(Milliseconds delay, Task task) {
+        const std::uint64_t id = ++last_id_;
+        // Far enough for any wait, near enough for the clock to count.
+        constexpr Milliseconds kLongest = std::chrono::hours(24 * 365);
+        delay = std::clamp(delay, Milliseconds(0), kLongest);
+        auto& timed =
+            timers_.emplace(id, Timed{asio::steady_timer(context_, delay), std::move(task)}).first->second;
+        timed.timer.async_wait([weak = weak_from_this(), id](const asio::error_code& error) {
+            const auto self = weak.lock();
+            if (self && !error && self->timers_.count(id) != 0) self->Push(Kind::Timer, id, {});
+        });
+        return id;
+    }
+
+    void CancelTimer(EventLoop::TimerId id) {
+        const auto node = timers_.extract(id);  // the task goes after the table is whole again
+    }
+
+    EventLoop::WatchId Watch(int fd, Readiness wanted, std::function<void(Readiness)> ready) {
+        auto watched = std::make_shared<Watched>(context_, wanted, std::move(ready));
+        asio::error_code error;
+        watched->descriptor.assign(fd, error);
+        if (error)
+            Raise(RuntimeError::InvalidProcedureCall, "The socket cannot be watched: " + error.message());
+        const std::uint64_t id = ++last_id_;
+        watches_.emplace(id, watched);
+        Await(id, *watched);
+        return id;
+    }
+
+    void ChangeWatch(EventLoop::WatchId id, Readiness wanted) {
+        const auto entry = watches_.find(id);
+        if (entry == watches_.end()) return;
+        entry->second->wanted = wanted;
+        Await(id, *entry->second, true);
+    }
+
+    void Unwatch(EventLoop::WatchId id) {
+        const auto node = watches_.extract(id);
+        if (node && node.mapped()->descriptor.is_open()) node.mapped()->descriptor.release();
+    }
+
+    void ProcessPending() {
+        const auto self = shared_from_this();
+        const Wait wait(*this);
+        Gather();
+        std::uint64_t last;
+        {
+            const std::lock_guard lock(mutex_);
+            last = last_sequence_;
+        }
+        while (!quitting_ && !closed_) {
+            std::optional<Event> event = Take(last);
+            if (!event) break;
+            RunEvent(std::move(*event));
+        }
+    }
+
+    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) {
+        const auto self = shared_from_this();
+        const Wait wait(*this);
+        for (;;) {
+            if (done()) return true;
+            // A context that stops while it is waited on was stopped by the host.
+            if (quitting_ || closed_ || context_.stopped()) return false;
+            if (std::chrono::steady_clock::now() >= deadline) return false;
+            // First without waiting: this also takes over what the outer run of the context holds back.
+            if (context_.poll_one() == 0) context_.run_one_until(deadline);
+        }
+    }
+
+    void Quit() {
+        quitting_ = true;
+        asio::post(context_, [] {});  // ends the wait for the next event
+    }
+
+    bool Quitting() const { return quitting_; }
+
+    // The loop object is gone: nothing is called any more and nothing of the callers' is kept.
+    void Close() {
+        closed_ = true;
+        const auto watches = std::exchange(watches_, {});
+        for (const auto& [id, watched] : watches) {
+            if (watched->descriptor.is_open()) watched->descriptor.release();
+        }
+        const auto timers = std::exchange(timers_, {});
+        std::deque<Event> events;
+        {
+            const std::lock_guard lock(mutex_);
+            events.swap(events_);
+        }
+        asio::post(context_, [] {});
+    }
+
+ private:
+    // The frame of every wait of ours: the context has work, is not left over as stopped, and nothing is held
+    // back because of an outer wait or a callback that runs it.
+    class Wait {
+     public:
+        explicit Wait(LoopState& state)
+            : state_(state),
+              outermost_(!state.context_.get_executor().running_in_this_thread()),
+              held_(std::exchange(state.holding_, false)) {
+            if (outermost_ && state_.context_.stopped()) state_.context_.restart();
+            guard_.emplace(state_.context_.get_executor());
+            for (const auto& [id, watched] : state_.watches_) {
+                if (watched->calling) state_.Await(id, *watched, true);
+            }
+            state_.EnsurePump();
+        }
+        Wait(const Wait&) = delete;
+        Wait& operator=(const Wait&) = delete;
+        ~Wait() {
+            state_.holding_ = held_;
+            const bool stopped_by_host = state_.context_.stopped();
+            guard_.reset();
+            // Without our guard the context may have run out of work; a later run by the host must not find
+            // it stopped for that.
+            if (outermost_ && !stopped_by_host && state_.context_.stopped()) state_.context_.restart();
+            state_.EnsurePump();
+        }
+
+     private:
+        LoopState& state_;
+        bool outermost_;
+        bool held_;
+        std::optional<asio::executor_work_guard<asio::io_context::executor_type>> guard_;
+    };
+
+    void Push(Kind kind, std::uint64_t id, Task task) {
+        if (closed_) return;
+        {
+            const std::lock_guard lock(mutex_);
+            events_.push_back({++last_sequence_, kind, id, std::move(task)});
+        }
+        EnsurePump();
+    }
+
+    void EnsurePump() {
+        {
+            const std::lock_guard lock(mutex_);
+            if (events_.empty() || std::exchange(pump_posted_, true)) return;
+        }
+        asio::post(context_, [weak = weak_from_this()] {
+            if (const auto self = weak.lock()) self->Pump();
+        });
+    }
+
+    void Pump() {
+        {
+            const std::lock_guard lock(mutex_);
+            pump_posted_ = false;
+        }
+        if (holding_) return;
+        std::optional<Event> event = Take(~std::uint64_t{0});
+        EnsurePump();
+        if (event) RunEvent(std::move(*event));
+    }
+
+    // The first event unless it is younger than `last`.
+    std::optional<Event> Take(std::uint64_t last) {
+        const std::lock_guard lock(mutex_);
+        if (events_.empty() || events_.front().sequence > last) return std::nullopt;
+        std::optional<Event> event(std::move(events_.front()));
+        events_.pop_front();
+        return event;
+    }
+
+    // Lets the context put everything that is ready into the queue, running none of it. What the sockets have
+    // ready comes behind the first mark, hence two.
+    void Gather() {
+        const bool held = std::exchange(holding_, true);
+        const auto reached = std::make_shared<int>(0);
+        for (int mark = 1; mark <= 2; ++mark) {
+            asio::post(context_, [reached] { ++*reached; });
+            while (*reached < mark && context_.poll_one() != 0) {
+            }
+        }
+        holding_ = held;
+    }
+
+    void RunEvent(Event event) {
+        try {
+            switch (event.kind) {
+                case Kind::Post:
+                    event.task();
+                    break;
+                case Kind::Timer:
+                    if (auto node = timers_.extract(event.id)) node.mapped().task();
+                    break;
+                case Kind::Watch:
+                    CallWatch(event.id);
+                    break;
+            }
+        } catch (...) {
+            ReportStrayException(std::current_exception());
+        }
+    }
+
+    void CallWatch(std::uint64_t id) {
+        const auto entry = watches_.find(id);
+        if (entry == watches_.end()) return;
+        const std::shared_ptr<Watched> watched = entry->second;
+        watched->queued = false;
+        // Asked again: what was ready may have been consumed or be unwanted since.
+        const Readiness ready = ReadyNow(watched->descriptor.native_handle(), watched->wanted);
+        if (ready.readable || ready.writable) {
+            const bool outer_call = std::exchange(watched->calling, true);
+            try {
+                watched->ready(ready);
+            } catch (...) {
+                ReportStrayException(std::current_exception());
+            }
+            watched->calling = outer_call;
+        }
+        // Also when this ran inside an outer callback of the same watch: the loop in there wants the next
+        // event.
+        if (watches_.count(id) != 0) Await(id, *watched, true);
+    }
+
+    void Await(std::uint64_t id, Watched& watched, bool inside_callback = false) {
+        if (watched.queued || (watched.calling && !inside_callback)) return;
+        using Side = asio::posix::stream_descriptor::wait_type;
+        if (watched.wanted.readable && !std::exchange(watched.reading_awaited, true)) {
+            AwaitSide(id, watched, Side::wait_read, &Watched::reading_awaited, &Readiness::readable);
+        }
+        if (watched.wanted.writable && !std::exchange(watched.writing_awaited, true)) {
+            AwaitSide(id, watched, Side::wait_write, &Watched::writing_awaited, &Readiness::writable);
+        }
+    }
+
+    void AwaitSide(std::uint64_t id, Watched& watched, asio::posix::stream_descriptor::wait_type side,
+                   bool Watched::*awaited, bool Readiness::*wanted) {
+        watched.descriptor.async_wait(
+            side, [weak = weak_from_this(), id, awaited, wanted](const asio::error_code& error) {
+                const auto self = weak.lock();
+                if (!self) return;
+                const auto entry = self->watches_.find(id);
+                if (entry == self->watches_.end()) return;
+                Watched& w = *entry->second;
+                w.*awaited = false;
+                if (error == asio::error::operation_aborted || !(w.wanted.*wanted) || w.queued) return;
+                w.queued = true;
+                self->Push(Kind::Watch, id, {});
+            });
+    }
+
+    std::unique_ptr<asio::io_context> own_;  // null with a host's context; goes last
+    asio::io_context& context_;
+    std::map<std::uint64_t, std::shared_ptr<Watched>> watches_;
+    std::map<std::uint64_t, Timed> timers_;
+    std::uint64_t last_id_ = 0;
+    bool holding_ = false;  // ProcessPending gathers; the pump runs nothing
+    std::atomic<bool> quitting_{false};
+    std::atomic<bool> closed_{false};
+
+    std::mutex mutex_;  // what follows, for Post from other threads
+    std::deque<Event> events_;
+    std::uint64_t last_sequence_ = 0;
+    bool pump_posted_ = false;
+};
+
+class AsioEventLoop final : public EventLoop {
+ public:
+    explicit AsioEventLoop(std::shared_ptr<LoopState> state) : state_(std::move(state)) {}
+    ~AsioEventLoop() override { state_->Close(); }
+
+    TimePoint Now() const override { return std::chrono::steady_clock::now(); }
+    void Post(Task task) override { state_->Post(std::move(task)); }
+    TimerId StartTimer(Milliseconds delay, Task task) override {
+        return state_->StartTimer(delay, std::move(task));
+    }
+    void CancelTimer(TimerId id) override { state_->CancelTimer(id); }
+    WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) override {
+        return state_->Watch(socket, wanted, std::move(ready));
+    }
+    void ChangeWatch(WatchId id, Readiness wanted) override { state_->ChangeWatch(id, wanted); }
+    void Unwatch(WatchId id) override { state_->Unwatch(id); }
+    void ProcessPending() override { state_->ProcessPending(); }
+    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) override {
+        return state_->RunUntil(done, deadline);
+    }
+    void Run() override {
+        state_->RunUntil([] { return false; }, TimePoint::max());
+    }
+    void Quit() override { state_->Quit(); }
+    bool Quitting() const override { return state_->Quitting(); }
+
+ private:
+    std::shared_ptr<LoopState> state_;
+};
+
+}  // namespace
+
+std::shared_ptr<EventLoop> MakeAsioEventLoop(asio::io_context& context) {
+    return std::make_shared<AsioEventLoop>(std::make_shared<LoopState>(context));
+}
+
+std::shared_ptr<EventLoop> MakeOwnEventLoop() {
+    return std::make_shared<AsioEventLoop>(std::make_shared<LoopState>(std::make_unique<asio::io_context>()));
+}
+
+}  // namespace kq

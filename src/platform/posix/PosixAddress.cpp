@@ -1,0 +1,98 @@
+// One table from errno to Winsock; one way from text to sockaddr and back.
+#include "platform/posix/PosixAddress.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+
+namespace kq {
+namespace {
+
+struct Pair {
+    int posix;
+    std::int32_t winsock;
+};
+
+constexpr Pair kErrors[] = {
+    {EINTR, 10004},           {EBADF, 10038},        {EACCES, 10013},       {EPERM, 10013},
+    {EFAULT, 10014},          {EINVAL, 10022},       {EMFILE, 10024},       {ENFILE, 10024},
+    {EAGAIN, 10035},          {EINPROGRESS, 10036},  {EALREADY, 10037},     {ENOTSOCK, 10038},
+    {EDESTADDRREQ, 10039},    {EMSGSIZE, 10040},     {EPROTOTYPE, 10041},   {ENOPROTOOPT, 10042},
+    {EPROTONOSUPPORT, 10043}, {EOPNOTSUPP, 10045},   {EAFNOSUPPORT, 10047}, {EADDRINUSE, 10048},
+    {EADDRNOTAVAIL, 10049},   {ENETDOWN, 10050},     {ENETUNREACH, 10051},  {ENETRESET, 10052},
+    {ECONNABORTED, 10053},    {ECONNRESET, 10054},   {EPIPE, 10054},        {ENOBUFS, 10055},
+    {ENOMEM, 10055},          {EISCONN, 10056},      {ENOTCONN, 10057},     {ESHUTDOWN, 10058},
+    {ETIMEDOUT, 10060},       {ECONNREFUSED, 10061}, {EHOSTDOWN, 10064},    {EHOSTUNREACH, 10065},
+};
+
+}  // namespace
+
+std::string PosixAddress::Text() const {
+    sockaddr_storage shown = storage;
+    socklen_t shown_length = length;
+    if (Family() == AF_INET6) {
+        sockaddr_in6 six{};
+        std::memcpy(&six, &storage, sizeof six);
+        if (IN6_IS_ADDR_V4MAPPED(&six.sin6_addr)) {
+            sockaddr_in four{};
+            four.sin_family = AF_INET;
+            std::memcpy(&four.sin_addr, six.sin6_addr.s6_addr + 12, 4);
+            std::memcpy(&shown, &four, sizeof four);
+            shown_length = sizeof four;
+        }
+    }
+    std::array<char, NI_MAXHOST> text{};
+    const int failed = getnameinfo(reinterpret_cast<const sockaddr*>(&shown), shown_length, text.data(),
+                                   text.size(), nullptr, 0, NI_NUMERICHOST);
+    return failed ? std::string() : std::string(text.data());
+}
+
+int PosixAddress::Port() const {
+    if (Family() == AF_INET) return ntohs(reinterpret_cast<const sockaddr_in*>(&storage)->sin_port);
+    if (Family() == AF_INET6) return ntohs(reinterpret_cast<const sockaddr_in6*>(&storage)->sin6_port);
+    return 0;
+}
+
+std::optional<PosixAddress> ParseAddress(const std::string& text, int port) {
+    if (text.empty() || text.find('\0') != std::string::npos || port < 0 || port > 65535) return std::nullopt;
+    addrinfo hints{};
+    hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (getaddrinfo(text.c_str(), std::to_string(port).c_str(), &hints, &found) != 0) return std::nullopt;
+    PosixAddress address;
+    address.length = found->ai_addrlen;
+    std::memcpy(&address.storage, found->ai_addr, found->ai_addrlen);
+    freeaddrinfo(found);
+    return address;
+}
+
+PosixAddress LocalAddressOf(int socket) {
+    PosixAddress address;
+    address.length = sizeof address.storage;
+    if (getsockname(socket, address.Get(), &address.length) != 0) return {};
+    return address;
+}
+
+PosixAddress RemoteAddressOf(int socket) {
+    PosixAddress address;
+    address.length = sizeof address.storage;
+    if (getpeername(socket, address.Get(), &address.length) != 0) return {};
+    return address;
+}
+
+std::int32_t WinsockNumber(int error) {
+    for (const auto& pair : kErrors) {
+        if (pair.posix == error) return pair.winsock;
+    }
+    return 10050;  // the network is down: something below it does not work as it should
+}
+
+int NewSocket(int family) {
+    return ::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, IPPROTO_TCP);
+}
+
+}  // namespace kq

@@ -1,0 +1,56 @@
+// Puts the parts together. A program that has dialogs copies the bundle and adds its DialogHost.
+#include "platform/posix/PosixPlatform.h"
+
+#include <time.h>
+#include <utility>
+
+#include "platform/Clock.h"
+#include "platform/Locale.h"
+#include "platform/posix/PosixStringTable.h"
+
+namespace kq {
+namespace {
+
+class PosixClock final : public Clock {
+ public:
+    std::chrono::system_clock::time_point Now() const override { return std::chrono::system_clock::now(); }
+
+    double SecondsSinceMidnight() const override {
+        timespec now{};
+        clock_gettime(CLOCK_REALTIME, &now);
+        tm local{};
+        localtime_r(&now.tv_sec, &local);
+        // A leap second is told as the second before it: the day never has more than 86,400.
+        const int second = local.tm_sec > 59 ? 59 : local.tm_sec;
+        return local.tm_hour * 3600.0 + local.tm_min * 60.0 + second + static_cast<double>(now.tv_nsec) / 1e9;
+    }
+};
+
+}  // namespace
+
+std::shared_ptr<Clock> MakePosixClock() {
+    return std::make_shared<PosixClock>();
+}
+
+PlatformPtr MakePlatform() {
+    return MakePlatform(MakeOwnEventLoop());
+}
+
+PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop) {
+    auto bundle = std::make_shared<Platform>();
+    bundle->clock = MakePosixClock();
+    bundle->network = MakePosixNetwork(loop);
+    bundle->resolver = MakePosixResolver(loop);
+    bundle->folders = MakeXdgFolders();
+    bundle->profile_file = MakePosixProfileFile();
+    bundle->locale = MakePosixLocale();
+    bundle->strings = MakePosixStringTable(*bundle->locale);
+    bundle->process = MakePosixProcess();
+    bundle->file_share = MakeSambaShare();
+    bundle->version_resource = MakePeVersionResource();
+    bundle->crypto = MakeSodiumCrypto();
+    bundle->loop = std::move(loop);
+    return bundle;
+}
+
+}  // namespace kq
