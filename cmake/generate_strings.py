@@ -3,9 +3,9 @@
 
     generate_strings.py OUTPUT.cpp 1033.txt 1046.txt ...
 
-A file is named by its language's locale identifier. Each of its lines is empty, a note ("# ...") or an entry: the
-text's number, a comma, one blank, the text to the end of the line exactly as it is shown. Numbers rise from line to
-line. Any other line is refused with its file and number, and nothing is written.
+A file is named by its language's locale identifier. Each of its lines is empty, a note ("# ...") or an entry:
+the text's number, a comma, one blank, the text to the end of the line exactly as it is shown. Numbers rise
+from line to line. Any other line is refused with its file and number, and nothing is written.
 """
 import os
 import re
@@ -71,7 +71,8 @@ def source(languages):
     parts.append("constexpr LanguageTable kLanguages[] = {")
     parts += [f"    {{{language}, kTexts{language}}}," for language, _ in languages]
     parts += ["};", "", "}  // namespace", "",
-              "std::span<const LanguageTable> LanguageTables() { return kLanguages; }", "", "}  // namespace kq", ""]
+              "std::span<const LanguageTable> LanguageTables() { return kLanguages; }", ""]
+    parts += ["}  // namespace kq", ""]
     return "\n".join(parts)
 
 
