@@ -1,5 +1,5 @@
-// What the client and the server side share: errors with localised texts, message boxes, the classification of
-// received data, the computer's name and the sharing of a folder.
+// What the client and the server side share: errors with localised texts, message boxes, the classification
+// of received data, the computer's name and the sharing of a folder.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,13 @@ namespace kq {
 using Args = std::vector<std::string>;
 
 // What a received text was found to be; the numbers are fixed.
-enum class ASDataKind : std::int32_t { TranslationTable = 0, DataTable = 1, Profiles = 2, XMLMessage = 3, None = 4 };
+enum class ASDataKind : std::int32_t {
+    TranslationTable = 0,
+    DataTable = 1,
+    Profiles = 2,
+    XMLMessage = 3,
+    None = 4
+};
 
 struct ASData {
     ASDataKind kind = ASDataKind::None;
@@ -36,21 +42,24 @@ class modASMsg {
  public:
     explicit modASMsg(PlatformPtr platform) : platform_(std::move(platform)) {}
 
-    // Replaces every %i% by argument i, in increasing order of i, so an argument that holds a later placeholder is
-    // substituted in its turn. An argument without a placeholder is appended after a blank; a placeholder without
-    // an argument stays. More than 32,767 arguments overflow.
+    // Replaces every %i% by argument i, in increasing order of i, so an argument that holds a later
+    // placeholder is substituted in its turn. An argument without a placeholder is appended after a blank; a
+    // placeholder without an argument stays. More than 32,767 arguments overflow.
     static std::string FormatText(std::string text, const Args& args);
 
     // The text of an id in the user's language; RuntimeError::ResourceNotFound when there is none.
     std::string LoadText(std::int32_t text_id) const;
-    std::string Text(std::int32_t text_id, const Args& args = {}) const { return FormatText(LoadText(text_id), args); }
+    std::string Text(std::int32_t text_id, const Args& args = {}) const {
+        return FormatText(LoadText(text_id), args);
+    }
 
-    // The description of a code of KQAppSessErrorEnum. A code far outside the range overflows; one without a text
-    // raises RuntimeError::ResourceNotFound instead.
+    // The description of a code of KQAppSessErrorEnum. A code far outside the range overflows; one without a
+    // text raises RuntimeError::ResourceNotFound instead.
     std::string GetASErrorText(std::int32_t code, const Args& args = {}) const;
     [[noreturn]] void RaiseASError(std::int32_t code, const Args& args = {}) const;
 
-    // The text of one of the login server's password codes ("ZEBError-132"); anything else comes back unchanged.
+    // The text of one of the login server's password codes ("ZEBError-132"); anything else comes back
+    // unchanged.
     std::string MapZEBError(const std::string& error_text) const;
 
     // Modal message boxes with caption 400 (AskYesNoTitled: the text of title_id, with the same arguments).
@@ -69,12 +78,12 @@ class modASMsg {
     // The computer's short name, at most 15 characters.
     std::string GetLocalComputerName() const;
 
-    // The network path of the folder's share, "\\COMPUTER\name\", which is asked for when it cannot be listed.
-    // The path is returned whether or not the share stands. Never raises, never waits.
+    // The network path of the folder's share, "\\COMPUTER\name\", which is asked for when it cannot be
+    // listed. The path is returned whether or not the share stands. Never raises, never waits.
     std::string EnsureShare(const std::string& folder_path, const std::string& share_name) const;
 
  private:
-    BoxButton Box(std::int32_t text_id, std::int32_t title_id, const Args& args, BoxStyle style) const;
+    BoxButton Box(std::int32_t text_id, const std::string& caption, const Args& args, BoxStyle style) const;
 
     PlatformPtr platform_;
 };

@@ -1,0 +1,10 @@
+// docs/messages.md as the list makes it.
+#pragma once
+
+#include <string>
+
+namespace kq {
+
+std::string MessageDocument();
+
+}  // namespace kq
