@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -35,15 +37,17 @@ class KQAppSessionInfo {
     std::vector<std::string> PrivilegeList() const;
     // The session's connection; may be null. Needs no filled record.
     const std::shared_ptr<APClient>& Client() const { return client_; }
-    // The message itself, not a copy: what is changed in it changes the record. Null before the record is filled.
+    // The message itself, not a copy: what is changed in it changes the record. Null before the record is
+    // filled.
     const std::shared_ptr<XMLMessage>& Export() const { return message_; }
     std::string Password() const { return Field("Password"); }
     bool IsInitialized() const { return initialized_; }
 
-    // For the library. Keeps `message`; `client` unless null; writes the ids and the password into the message
-    // where they are not empty.
-    void Fill(std::shared_ptr<XMLMessage> message, const std::string& session_id = {}, const std::string& app_id = {},
-              std::shared_ptr<APClient> client = nullptr, const std::string& password = {});
+    // For the library. Keeps `message`; `client` unless null; writes the ids and the password into the
+    // message where they are not empty.
+    void Fill(std::shared_ptr<XMLMessage> message, const std::string& session_id = {},
+              const std::string& app_id = {}, std::shared_ptr<APClient> client = nullptr,
+              const std::string& password = {});
     void SetClient(std::shared_ptr<APClient> client) { client_ = std::move(client); }
 
  private:
@@ -54,7 +58,8 @@ class KQAppSessionInfo {
     bool initialized_ = false;
 };
 
-// The live sessions of an application server, in the order of their coming, keyed by session id.
+// The live sessions of an application server, in the order of their coming, keyed by session id as it was
+// when the session was added. Adding, removing and finding one by its id do not slow down with many sessions.
 class KQAppSessionInfos {
  public:
     using SessionPtr = std::shared_ptr<KQAppSessionInfo>;
@@ -73,7 +78,13 @@ class KQAppSessionInfos {
     void Remove(const std::string& session_id);
 
  private:
-    std::vector<std::pair<std::string, SessionPtr>> sessions_;
+    const std::vector<SessionPtr>& InOrder() const;
+
+    std::unordered_map<std::string, std::uint64_t> numbers_;  // by session id
+    std::map<std::uint64_t, SessionPtr> sessions_;            // by number; numbers rise with every Add
+    std::uint64_t last_number_ = 0;
+    mutable std::vector<SessionPtr>
+        in_order_;  // the sessions once more, for positions; empty: to be made anew
 };
 
 }  // namespace kq
