@@ -83,8 +83,8 @@ class KQAppSessionInfos {
     std::unordered_map<std::string, std::uint64_t> numbers_;  // by session id
     std::map<std::uint64_t, SessionPtr> sessions_;            // by number; numbers rise with every Add
     std::uint64_t last_number_ = 0;
-    mutable std::vector<SessionPtr>
-        in_order_;  // the sessions once more, for positions; empty: to be made anew
+    // The sessions once more, for positions; empty: to be made anew.
+    mutable std::vector<SessionPtr> in_order_;
 };
 
 }  // namespace kq
