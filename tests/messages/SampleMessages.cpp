@@ -22,7 +22,7 @@ std::string ValueOf(std::string_view name) {
         {"DaysToExpirePassword", "3"},
         {"EnterpriseID", "ACME"},
         {"ErrorCode", "7712"},
-        {"ErrorDesc", "The account is locked"},
+        {"ErrorDesc", "Unknown user or password"},
         {"ErrorDescription", "No such session"},
         {"ErrorNum", "-2147218933"},
         {"ErrorNumber", "7721"},
