@@ -54,7 +54,9 @@ class FakeFolders final : public Folders {
     std::optional<std::string> SpecialFolder(int csidl) const override;
     char Separator() const override { return separator; }
     bool CreateFolder(const std::string& path) override;
-    bool FileExists(const std::string& path) const override { return files.count(path) != 0; }
+    bool FileExists(const std::string& path) const override {
+        return files.count(path) + folders.count(path) != 0;
+    }
     bool DeleteFile(const std::string& path) override { return files.erase(path) != 0; }
 };
 

@@ -69,7 +69,9 @@ struct Event {
 
 Readiness ReadyNow(int fd, Readiness wanted) {
     pollfd asked{fd, static_cast<short>((wanted.readable ? POLLIN : 0) | (wanted.writable ? POLLOUT : 0)), 0};
-    if (::poll(&asked, 1, 0) <= 0) return {};
+    const int answered = ::poll(&asked, 1, 0);
+    if (answered < 0) return wanted;  // it cannot be asked: what was reported before stands
+    if (answered == 0) return {};
     const bool broken = (asked.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
     return {wanted.readable && (broken || (asked.revents & POLLIN) != 0),
             wanted.writable && (broken || (asked.revents & POLLOUT) != 0)};

@@ -20,7 +20,9 @@ std::string Hex(const unsigned char* bytes, std::size_t count) {
     return text;
 }
 
+// An empty view may point nowhere, which the library does not take.
 const unsigned char* Bytes(std::string_view text) {
+    if (text.empty()) text = "";
     return reinterpret_cast<const unsigned char*>(text.data());
 }
 
@@ -31,6 +33,7 @@ class SodiumCrypto final : public Crypto {
     }
 
     std::string RandomHex(std::size_t count) override {
+        if (count == 0) return {};
         std::vector<unsigned char> bytes(count);
         randombytes_buf(bytes.data(), bytes.size());
         return Hex(bytes.data(), bytes.size());

@@ -1,0 +1,367 @@
+// What the port tells about the machine and its user: language, folders, names, programs, shares, secrets.
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <pwd.h>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "platform/Clock.h"
+#include "platform/Crypto.h"
+#include "platform/FileShare.h"
+#include "platform/Folders.h"
+#include "platform/Locale.h"
+#include "platform/Patience.h"
+#include "platform/Process.h"
+#include "platform/Resolver.h"
+#include "platform/StringTable.h"
+#include "platform/TemporaryFolder.h"
+#include "platform/posix/PosixPlatform.h"
+
+namespace kq {
+namespace {
+
+// Environment variables for the time of a test; nothing unsets one.
+class Environment {
+ public:
+    void Set(const std::string& name, const std::optional<std::string>& value) {
+        const char* const before = std::getenv(name.c_str());
+        before_.emplace(name, before ? std::optional<std::string>(before) : std::nullopt);
+        Put(name, value);
+    }
+    Environment() = default;
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+    ~Environment() {
+        for (const auto& [name, value] : before_)
+            Put(name, value);
+    }
+
+ private:
+    static void Put(const std::string& name, const std::optional<std::string>& value) {
+        if (value) {
+            ::setenv(name.c_str(), value->c_str(), 1);
+        } else {
+            ::unsetenv(name.c_str());
+        }
+    }
+    std::map<std::string, std::optional<std::string>> before_;
+};
+
+std::int32_t LocaleFor(const std::optional<std::string>& all, const std::optional<std::string>& messages,
+                       const std::optional<std::string>& lang) {
+    Environment environment;
+    environment.Set("LC_ALL", all);
+    environment.Set("LC_MESSAGES", messages);
+    environment.Set("LANG", lang);
+    return MakePosixLocale()->UserLocaleId();
+}
+
+TEST(PosixLocale, KnowsTheLanguagesOfTheTextsAndOthers) {
+    const std::map<std::string, std::int32_t> expected = {
+        {"en_US.UTF-8", 1033}, {"pt_BR.UTF-8", 1046}, {"es_MX", 2058},       {"es_CO.utf8", 9226},
+        {"es_PE", 10250},      {"es_AR", 11274},      {"es_CL", 13322},      {"es_UY", 14346},
+        {"es_PY", 15370},      {"es_ES@euro", 3082},  {"en_GB.UTF-8", 2057}, {"de_DE.ISO-8859-1@euro", 1031},
+        {"fr_FR", 1036},       {"pt-br", 1046}};
+    for (const auto& [name, id] : expected)
+        EXPECT_EQ(LocaleFor(name, {}, {}), id) << name;
+}
+
+TEST(PosixLocale, IsEnglishForWhatItDoesNotKnow) {
+    for (const char* name : {"C", "POSIX", "C.UTF-8", "xx_YY", "_", "."}) {
+        EXPECT_EQ(LocaleFor(name, {}, {}), 1033) << name;
+    }
+    EXPECT_EQ(LocaleFor({}, {}, {}), 1033);
+}
+
+TEST(PosixLocale, TakesAnUnknownTerritoryAsTheLanguagesMainOne) {
+    EXPECT_EQ(LocaleFor("pt", {}, {}), 1046);
+    EXPECT_EQ(LocaleFor("de_BE.UTF-8", {}, {}), 1031);
+}
+
+TEST(PosixLocale, AsksTheVariablesInTheirOrderAndSkipsEmptyOnes) {
+    EXPECT_EQ(LocaleFor("pt_BR", "es_MX", "fr_FR"), 1046);
+    EXPECT_EQ(LocaleFor("", "es_MX", "fr_FR"), 2058);
+    EXPECT_EQ(LocaleFor({}, "", "fr_FR"), 1036);
+}
+
+class XdgFolder : public testing::Test {
+ protected:
+    XdgFolder() {
+        environment_.Set("HOME", home_.Path());
+        environment_.Set("XDG_CONFIG_HOME", std::nullopt);
+        environment_.Set("XDG_DATA_HOME", std::nullopt);
+    }
+
+    TemporaryFolder home_;
+    Environment environment_;
+    std::shared_ptr<Folders> folders_ = MakeXdgFolders();
+};
+
+TEST_F(XdgFolder, OfTheDocumentsIsTheConfigurationFolder) {
+    EXPECT_EQ(folders_->SpecialFolder(5), home_.File(".config"));
+    environment_.Set("XDG_CONFIG_HOME", "/etc/xdg/me/");
+    EXPECT_EQ(folders_->SpecialFolder(5), "/etc/xdg/me");
+}
+
+TEST_F(XdgFolder, IgnoresARelativeSetting) {
+    environment_.Set("XDG_CONFIG_HOME", "config");
+    EXPECT_EQ(folders_->SpecialFolder(5), home_.File(".config"));
+}
+
+TEST_F(XdgFolder, AsksTheUserDatabaseWithoutHome) {
+    environment_.Set("HOME", std::nullopt);
+    const passwd* const entry = ::getpwuid(::getuid());
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(folders_->SpecialFolder(5), std::string(entry->pw_dir) + "/.config");
+}
+
+TEST_F(XdgFolder, OfTheDesktopIsTheOneThatTheUserNamed) {
+    EXPECT_EQ(folders_->SpecialFolder(16), home_.File("Desktop"));
+    std::filesystem::create_directory(home_.File(".config"));
+    home_.Put(".config/user-dirs.dirs", "# mine\nXDG_DESKTOP_DIR=\"$HOME/Area de trabalho\"\n");
+    EXPECT_EQ(folders_->SpecialFolder(16), home_.File("Area de trabalho"));
+}
+
+TEST_F(XdgFolder, IsNothingForOtherNumbers) {
+    EXPECT_EQ(folders_->SpecialFolder(255), std::nullopt);
+    EXPECT_EQ(folders_->SpecialFolder(-1), std::nullopt);
+}
+
+TEST_F(XdgFolder, IsCreatedOnceAndOnlyInAFolderThatIsThere) {
+    EXPECT_TRUE(folders_->CreateFolder(home_.File("new")));
+    EXPECT_FALSE(folders_->CreateFolder(home_.File("new")));
+    EXPECT_FALSE(folders_->CreateFolder(home_.File("missing/new")));
+    EXPECT_FALSE(folders_->CreateFolder(""));
+}
+
+TEST_F(XdgFolder, ListsItsFilesAsExistingUntilTheyAreDeleted) {
+    const auto path = home_.Put("file", "x");
+    EXPECT_TRUE(folders_->FileExists(path));
+    EXPECT_TRUE(folders_->DeleteFile(path));
+    EXPECT_FALSE(folders_->DeleteFile(path));
+    EXPECT_FALSE(folders_->FileExists(path));
+}
+
+TEST(PosixProcess, KnowsItsProgramAndAShortName) {
+    const auto process = MakePosixProcess();
+    EXPECT_TRUE(process->ExecutablePath().ends_with("/test_platform"));
+    EXPECT_LE(process->ComputerName().size(), 15U);
+    EXPECT_EQ(process->ComputerName().find('.'), std::string::npos);
+}
+
+TEST(PosixProcess, StartsAProgramAndDoesNotWaitForIt) {
+    const TemporaryFolder folder;
+    const std::string script = folder.Put("program", "#!/bin/sh\nread line\ntouch \"$0.ran\"\n");
+    ::chmod(script.c_str(), 0700);
+    EXPECT_TRUE(MakePosixProcess()->Start(script));
+    const auto loop = MakeOwnEventLoop();
+    std::function<void()> tick = [&] { loop->StartTimer(Milliseconds(5), tick); };
+    tick();
+    EXPECT_TRUE(Await(*loop, [&] { return std::filesystem::exists(script + ".ran"); }));
+}
+
+TEST(PosixProcess, LeavesNothingBehindOfAProgramThatHasEnded) {
+    EXPECT_TRUE(MakePosixProcess()->Start("/bin/true"));
+    const auto loop = MakeOwnEventLoop();
+    std::function<void()> tick = [&] { loop->StartTimer(Milliseconds(5), tick); };
+    tick();
+    const auto no_children = [] {
+        siginfo_t ended{};
+        return ::waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) == -1 && errno == ECHILD;
+    };
+    EXPECT_TRUE(Await(*loop, no_children));
+}
+
+TEST(PosixProcess, TellsWhatCouldNotBeStarted) {
+    const TemporaryFolder folder;
+    const auto process = MakePosixProcess();
+    EXPECT_FALSE(process->Start(folder.File("missing")));
+    EXPECT_FALSE(process->Start(folder.Put("no program", "x")));
+    EXPECT_FALSE(process->Start(""));
+    EXPECT_FALSE(process->Start(std::string("/bin/sh\0x", 9)));
+}
+
+class Share : public testing::Test {
+ protected:
+    // A program in the place of Samba's that writes down its arguments, one a line.
+    void StandIn() {
+        const auto program = folder_.Put("net",
+                                         "#!/bin/sh\nprintf '%s\\n' \"$@\" > \"$0.part\"\n"
+                                         "mv \"$0.part\" \"$0.args\"\n");
+        ::chmod(program.c_str(), 0700);
+        environment_.Set("PATH", folder_.Path() + ":/usr/bin:/bin");
+    }
+    std::string Unc(const std::string& name) {
+        return "\\\\" + MakePosixProcess()->ComputerName() + "\\" + name + "\\";
+    }
+    bool Ran() {
+        const auto loop = MakeOwnEventLoop();
+        std::function<void()> tick = [&] { loop->StartTimer(Milliseconds(5), tick); };
+        tick();
+        return Await(*loop, [&] { return std::filesystem::exists(folder_.File("net.args")); });
+    }
+
+    TemporaryFolder folder_;
+    Environment environment_;
+    std::shared_ptr<FileShare> share_ = MakeSambaShare(folder_.Path());
+};
+
+TEST_F(Share, IsThereWhenSambaKeepsAFileForIt) {
+    EXPECT_FALSE(share_->CanList(Unc("Clients")));
+    folder_.Put("clients", "#VERSION 2\n");
+    EXPECT_TRUE(share_->CanList(Unc("Clients")));
+}
+
+TEST_F(Share, IsNotThereForOtherPaths) {
+    folder_.Put("clients", "#VERSION 2\n");
+    for (const char* path : {"", "\\\\", "clients", "\\\\host", "\\\\no.such.host\\clients\\"}) {
+        EXPECT_FALSE(share_->CanList(path)) << path;
+    }
+    EXPECT_FALSE(share_->CanList(Unc("../clients")));
+    EXPECT_FALSE(share_->CanList(Unc(".")));
+    EXPECT_FALSE(share_->CanList(Unc("")));
+}
+
+TEST_F(Share, IsAskedForWithoutAShell) {
+    StandIn();
+    share_->Share("Clients", "/srv/a b;$(c)");
+    ASSERT_TRUE(Ran());
+    EXPECT_EQ(folder_.Get("net.args"), "usershare\nadd\nClients\n/srv/a b;$(c)\n\nEveryone:R\nguest_ok=n\n");
+}
+
+TEST_F(Share, IsRefusedWithNamesThatAreNone) {
+    StandIn();
+    for (const char* name : {"", "a\"b", "a\nb", "-l", "..", "a/b"})
+        share_->Share(name, "/srv");
+    for (const char* folder : {"", "srv", "/a\"b", "/a\tb"})
+        share_->Share("Clients", folder);
+    share_->Share("Good", "/srv");
+    ASSERT_TRUE(Ran());
+    EXPECT_NE(folder_.Get("net.args").find("Good"), std::string::npos);
+}
+
+TEST_F(Share, IsNoErrorWithoutSamba) {
+    environment_.Set("PATH", folder_.Path());
+    EXPECT_NO_THROW(share_->Share("Clients", "/srv"));
+}
+
+TEST(SodiumCrypto, MakesTheWellKnownKeyedHashes) {
+    const auto crypto = MakeSodiumCrypto();
+    EXPECT_EQ(crypto->HmacSha256Hex("Jefe", "what do ya want for nothing?"),
+              "5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843");
+    EXPECT_EQ(crypto->HmacSha256Hex(std::string(131, '\xAA'),
+                                    "Test Using Larger Than Block-Size Key - Hash Key First"),
+              "60e431591ee0b67f0d8a26aacbf5b77f8e0bc6213728c5140546040f0ee37f54");
+    EXPECT_EQ(crypto->HmacSha256Hex("", "").size(), 64U);
+}
+
+TEST(SodiumCrypto, DrawsDifferentNumbersOfTheRightLength) {
+    const auto crypto = MakeSodiumCrypto();
+    const std::string one = crypto->RandomHex(16);
+    EXPECT_EQ(one.size(), 32U);
+    EXPECT_EQ(one.find_first_not_of("0123456789abcdef"), std::string::npos);
+    EXPECT_NE(one, crypto->RandomHex(16));
+    EXPECT_EQ(crypto->RandomHex(0), "");
+}
+
+TEST(SodiumCrypto, ComparesWholeTexts) {
+    const auto crypto = MakeSodiumCrypto();
+    EXPECT_TRUE(crypto->EqualConstantTime("same", "same"));
+    EXPECT_TRUE(crypto->EqualConstantTime("", ""));
+    EXPECT_FALSE(crypto->EqualConstantTime("same", "sama"));
+    EXPECT_FALSE(crypto->EqualConstantTime("same", "sam"));
+}
+
+// A name that the resolver refuses without asking anybody: longer than any name can be.
+const std::string kImpossibleName(300, 'x');
+
+class Names : public testing::Test {
+ protected:
+    void Resolve(const std::string& host) {
+        resolver_->Resolve(host, owner_,
+                           [this](std::vector<std::string> found) { found_ = std::move(found); });
+        EXPECT_FALSE(found_);
+    }
+    bool Answered() {
+        return Await(*loop_, [&] { return found_.has_value(); });
+    }
+
+    std::shared_ptr<EventLoop> loop_ = MakeOwnEventLoop();
+    std::shared_ptr<Resolver> resolver_ = MakePosixResolver(loop_);
+    std::optional<std::vector<std::string>> found_;
+    Owner owner_;
+};
+
+TEST_F(Names, ThatAreDottedAddressesComeBackAsTheyAre) {
+    EXPECT_EQ(resolver_->FirstIPv4("127.0.0.1"), "127.0.0.1");
+    EXPECT_EQ(resolver_->FirstIPv4("192.0.2.77"), "192.0.2.77");
+}
+
+TEST_F(Names, GiveTheFirstIPv4AddressOrNothing) {
+    EXPECT_EQ(resolver_->FirstIPv4("localhost"), "127.0.0.1");
+    EXPECT_EQ(resolver_->FirstIPv4(kImpossibleName), "");
+    EXPECT_EQ(resolver_->FirstIPv4("::1"), "");
+    EXPECT_EQ(resolver_->FirstIPv4(std::string("localhost\0x", 11)), "");
+}
+
+TEST_F(Names, AreResolvedInTheBackground) {
+    Resolve("localhost");
+    ASSERT_TRUE(Answered());
+    ASSERT_FALSE(found_->empty());
+    EXPECT_EQ(found_->front(), "127.0.0.1");
+}
+
+TEST_F(Names, ThatAreNumericNeedNoResolving) {
+    Resolve("::1");
+    ASSERT_TRUE(Answered());
+    EXPECT_EQ(*found_, std::vector<std::string>{"::1"});
+}
+
+TEST_F(Names, ThatAreUnknownGiveAnEmptyAnswer) {
+    Resolve(kImpossibleName);
+    ASSERT_TRUE(Answered());
+    EXPECT_TRUE(found_->empty());
+}
+
+TEST_F(Names, AnswerNobodyWhoHasGone) {
+    Resolve("127.0.0.1");
+    Resolve("localhost");
+    owner_.Cancel();
+    loop_->RunUntil([] { return false; }, loop_->Now() + Milliseconds(50));
+    EXPECT_FALSE(found_);
+}
+
+TEST_F(Names, OutliveTheResolverAndTheLoopWithoutHarm) {
+    const auto held = std::make_shared<int>(0);
+    resolver_->Resolve("localhost", owner_, [held](const std::vector<std::string>&) {});
+    resolver_.reset();
+    EXPECT_EQ(held.use_count(), 1);
+    loop_.reset();
+}
+
+TEST(PosixClock, CountsTheSecondsOfTheDay) {
+    const double seconds = MakePosixClock()->SecondsSinceMidnight();
+    EXPECT_GE(seconds, 0);
+    EXPECT_LT(seconds, 86400);
+}
+
+TEST(PosixPlatform, IsWholeButForTheDialogs) {
+    const PlatformPtr platform = MakePlatform();
+    EXPECT_TRUE(platform->loop && platform->clock && platform->network && platform->resolver &&
+                platform->folders);
+    EXPECT_TRUE(platform->profile_file && platform->locale && platform->strings && platform->process);
+    EXPECT_TRUE(platform->file_share && platform->version_resource && platform->crypto);
+    EXPECT_EQ(platform->dialogs, nullptr);
+    EXPECT_TRUE(platform->strings->Load(101).has_value());
+}
+
+}  // namespace
+}  // namespace kq
