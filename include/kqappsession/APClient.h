@@ -1,13 +1,15 @@
-// A connection of the application protocol: blocks of data with a type and a tag over TCP. The same class stands
-// for a connection that a program makes and for one that a Listener has accepted; docs/wire.md shows the bytes.
+// A connection of the application protocol: blocks of data with a type and a tag over TCP. The same class
+// stands for a connection that a program makes and for one that a Listener has accepted; docs/wire.md shows
+// the bytes.
 //
-// Connect, TakeBlock and Request look like blocking calls, but run the event loop until they are done or timed
-// out: timers, windows and other connections are served meanwhile, so the object may be disconnected or dropped by
-// other code during the call (the call then ends with an error; the object lives until it returns).
+// Connect, TakeBlock and Request look like blocking calls, but run the event loop until they are done or
+// timed out: timers, windows and other connections are served meanwhile, so the object may be disconnected or
+// dropped by other code during the call (the call then ends with an error; the object lives until it
+// returns).
 //
-// Errors are kq::Error with the source "KQAppProtocolLib" and Winsock's numbers on every platform: 10060 timed
-// out, 10061 refused, 10054 dropped by the peer, 10057 not connected, 11001 host not found (see NetError).
-// Time-outs are milliseconds; 0 or less takes kDefaultTimeOut.
+// Errors are kq::Error with the source "KQAppProtocolLib" and Winsock's numbers on every platform: 10060
+// timed out, 10061 refused, 10054 dropped by the peer, 10057 not connected, 11001 host not found (see
+// NetError). Time-outs are milliseconds; 0 or less takes kDefaultTimeOut.
 #pragma once
 
 #include <cstdint>
@@ -40,12 +42,14 @@ struct Block {
     std::string data;  // bytes, or UTF-8 text for DataType::XML
 };
 
-// What a connection bears. A limit that is passed closes that connection, with an Error event that says which.
+// What a connection bears. A limit that is passed closes that connection, with an Error event that says
+// which.
 struct APLimits {
     std::size_t frame = 64U << 10;           // bytes of a block's data before the peer is admitted
     std::size_t admitted_frame = 16U << 20;  // and afterwards
+    std::size_t raw_frame = 256U << 20;      // of a Raw block on a connection that Connect made
     std::size_t unsent = 8U << 20;           // bytes that wait to be written
-    Milliseconds first_frame{10'000};        // an accepted peer's time to its first complete block; 0: no limit
+    Milliseconds first_frame{10'000};  // an accepted peer's time to its first complete block; 0: no limit
 };
 
 class APClient : public std::enable_shared_from_this<APClient> {
@@ -57,33 +61,43 @@ class APClient : public std::enable_shared_from_this<APClient> {
     APClient& operator=(const APClient&) = delete;
     ~APClient();  // disconnects; what waits is still written out, within 1 s
 
-    // The connection has ended: by the peer, the network, a limit or Disconnect (never raised from inside that
-    // call). Blocks that came before are delivered first.
+    // The connection has ended: by the peer, the network, a limit or Disconnect (never raised from inside
+    // that call). Blocks that came before are delivered first; in ReceiveMode Take that is, taken.
     Signal<> Disconnected;
-    // Something failed while no call was waiting to be told: number and sentence. The connection ends.
+    // Something failed while no call was waiting to be told: number and sentence. Disconnected follows.
     Signal<std::int32_t, const std::string&> Error;
-    // A block is on its way: its tag, the bytes so far, the bytes in all.
+    // A block is on its way: its tag, the bytes so far, the bytes in all; the last time with both equal. Not
+    // raised for a block that arrives in one piece, nor for one that would raise no Receive.
     Signal<const std::string&, std::int64_t, std::int64_t> Progress;
     // A block has arrived (ReceiveMode Events, and the type is wanted).
     Signal<const Block&> Receive;
 
-    // Connects to a name or numeric address. `local_address`: the interface to connect from, empty for any. An
-    // existing connection is disconnected first. Trying several addresses of a name shares the one time-out.
+    // Connects to a name or numeric address. `local_address`: the interface to connect from, empty for any.
+    // An existing connection is disconnected first. Trying several addresses of a name shares the one
+    // time-out evenly; the error is the last one's. Raises 10022 when the port is outside 1 to 65535, 10053
+    // when Disconnect was called meanwhile, 10004 when the loop quits, RuntimeError::InvalidProcedureCall
+    // from inside a running Connect.
     void Connect(const std::string& address, std::int32_t port, const std::string& local_address,
                  std::int32_t time_out);
-    // Ends the connection; what waits is written out in the background, within 1 s. Never raises.
+    // Ends the connection; what waits to be written is written in the background, within 1 s. Blocks that
+    // wait to be delivered or taken are dropped. Never raises.
     void Disconnect();
     bool Connected() const;
 
-    // Queues a block; returns before it is written. Raises 10057 when not connected, 10040 when the block is over
-    // 2 GiB or its tag over 1,024 bytes, 10055 when more than APLimits::unsent would wait (the connection is closed).
+    // Queues a block; it is written when the loop runs. Raises 10057 when not connected, 10040 when the block
+    // is over 2 GiB or its tag over 1,024 bytes, 10022 when the tag is not UTF-8, 10055 when more than
+    // APLimits::unsent would wait (the connection is closed).
     void Send(const XMLMessage& message, std::string_view tag = {});
     void SendText(std::string_view text, std::string_view tag = {});  // as SendType says
     void SendBytes(std::string_view bytes, std::string_view tag = {});
-    // Waits for the next block and takes it, whatever its type: a caller that waits for an answer must learn that
-    // a wrong one came. Blocks that were there before the connection ended can still be taken.
+    // Waits for the next block and takes it, whatever its type: a caller that waits for an answer must learn
+    // that a wrong one came. Blocks that were there before the peer ended the connection can still be taken.
+    // A call that waits gets the next block in ReceiveMode Events too. Raises 10060 after `time_out`, 10057
+    // when there is no connection, the reason (10054, 10053) when it ends meanwhile, 10004 when the loop
+    // quits.
     Block TakeBlock(std::int32_t time_out);
-    // Sends the message and takes the next block as its reply. Raises XMLMessage::kNotAMessage when that is none.
+    // Sends the message and takes the next block as its reply. Raises XMLMessage::kNotAMessage when that is
+    // none.
     XMLMessage Request(const XMLMessage& message, std::string_view tag = {}, std::int32_t time_out = 0);
 
     // Settings, kept over reconnections. Leaving Take for Events delivers the blocks that wait, as events.
@@ -96,11 +110,12 @@ class APClient : public std::enable_shared_from_this<APClient> {
     void SetReceiveType(DataType type);
     const APLimits& Limits() const;
     void SetLimits(const APLimits& limits);
-    // The peer has proven itself: the larger frame limit counts from now on. A made connection starts admitted.
+    // The peer has proven itself: the larger frame limit counts from now on. A made connection starts
+    // admitted.
     void Admit();
     void SetKeepAlive(bool on);
 
-    // Names this connection in its process, never used twice, without "|".
+    // Names this object in its process, over reconnections too; never used twice, without "|".
     const std::string& Identifier() const;
     std::string LocalAddress() const;  // empty when not connected
     std::int32_t LocalPort() const;

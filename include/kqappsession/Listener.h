@@ -1,7 +1,7 @@
 // Accepts connections of the application protocol and keeps them in a collection by identifier.
 //
-// Events come one at a time on the loop's thread; a handler may disconnect any client, stop the listener or drop
-// it. Errors have the source "KQAppProtocolLib" and Winsock's numbers (10048: the port is in use).
+// Events come one at a time on the loop's thread; a handler may disconnect any client, stop the listener or
+// drop it. Errors have the source "KQAppProtocolLib" and Winsock's numbers (10048: the port is in use).
 #pragma once
 
 #include <cstdint>
@@ -26,24 +26,26 @@ class Listener : public std::enable_shared_from_this<Listener> {
     Signal<const ClientPtr&, const Block&> Receive;
     // The client has left the collection already.
     Signal<const ClientPtr&> Disconnected;
-    // A failure of one connection (a limit, a reset); Disconnected follows.
+    // A failure of one connection (a limit, a reset); Disconnected follows. Also, with a client that is not
+    // connected and without Disconnected, when there are MaxClients already (10024).
     Signal<const ClientPtr&, std::int32_t, const std::string&> ClientError;
     // A failure of the listener itself; it goes on listening where it can.
     Signal<std::int32_t, const std::string&> Error;
 
-    // Listens on a port (0: a free one, see Port) and local address (empty: all). Raises the network's error, and
-    // RuntimeError::InvalidProcedureCall when it is listening already or the port is outside 0 to 65535.
+    // Listens on a port (0: a free one, see Port) and local address (empty: all). Raises the network's error,
+    // and RuntimeError::InvalidProcedureCall when it is listening already or the port is outside 0 to 65535.
     void Listen(std::int32_t port, const std::string& local_address);
-    // Accepts no more; with `disconnect_all` every client is disconnected too, else they stay. Does nothing when
-    // not listening, except for `disconnect_all`.
+    // Accepts no more; with `disconnect_all` every client is disconnected too, else they stay. Does nothing
+    // when not listening, except for `disconnect_all`.
     void StopListening(bool disconnect_all);
     bool Listening() const;
     std::int32_t Port() const;  // 0 when not listening
-    // The address given to Listen; when that was empty, the machine's first IPv4 address that is not loopback,
-    // else 127.0.0.1. Kept after StopListening.
+    // The address given to Listen; when that was empty, the machine's first IPv4 address that is not
+    // loopback, else 127.0.0.1. Kept after StopListening.
     std::string LocalAddress() const;
 
-    // The connections that stand, in the order of their coming.
+    // The connections that stand, in the order of their coming. One that has ended is there until its
+    // Disconnected.
     std::int32_t Count() const;
     bool Exists(const std::string& identifier) const;
     // Null when there is none.

@@ -1,0 +1,253 @@
+// Receiving, sending and ending. How a connection is made stands in Connecting.cpp.
+#include "libs/appprotocol/APClientImpl.h"
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+#include <kqappsession/Error.h>
+
+#include "base/Utf.h"
+
+namespace kq {
+namespace {
+
+constexpr std::size_t kMostBlocks = 256;
+constexpr std::size_t kMostFullFrames = 4;
+
+std::string NextIdentifier() {
+    static std::atomic<std::uint64_t> last{0};
+    return std::to_string(++last);
+}
+
+[[noreturn]] void Raise(const Ending& ending) {
+    throw kq::Error(ending.number, std::string(kAppProtocolSource), ending.sentence);
+}
+
+}  // namespace
+
+// A call that waits for a block. What is left when it ends goes the way of the mode.
+class APClient::Impl::Waiting {
+ public:
+    explicit Waiting(Impl& impl) : impl_(impl) {
+        ++impl_.waiting_;
+        impl_.UpdateReading();
+    }
+    ~Waiting() {
+        --impl_.waiting_;
+        impl_.UpdateReading();
+        impl_.PostDeliver();
+    }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+
+ private:
+    Impl& impl_;
+};
+
+APClient::Impl::Impl(APClient& face, PlatformPtr platform)
+    : face_(face), platform_(std::move(platform)), loop_(*platform_->loop), identifier_(NextIdentifier()) {}
+
+APClient::Impl::~Impl() {
+    if (Connected()) connection_->Leave();
+}
+
+void APClient::Impl::Adopt(std::unique_ptr<StreamSocket> socket) {
+    made_ = false;
+    ++serial_;
+    connection_ = std::make_unique<Connection>(loop_, std::move(socket), Connection::State::Open,
+                                               CurrentFrameLimits(), *this);
+    if (keep_alive_) connection_->Socket().SetKeepAlive(true);
+    if (limits_.first_frame.count() > 0) connection_->LimitFirstFrame(limits_.first_frame);
+}
+
+void APClient::Impl::Disconnect() {
+    if (connecting_) ++serial_;
+    DropBlocks();
+    if (Connected()) {
+        connection_->Leave();
+        NoteEnd({static_cast<std::int32_t>(NetError::ConnectionAborted),
+                 "The connection was ended by this side.", false},
+                true);
+    }
+    connection_.reset();
+    PostDeliver();
+}
+
+void APClient::Impl::Send(DataType type, std::string_view data, std::string_view tag) {
+    if (!Connected()) kq::Raise(NetError::NotConnected, kAppProtocolSource);
+    if (tag.size() > kMaxTagSize) {
+        kq::Raise(NetError::MessageTooLong, kAppProtocolSource,
+                  "A tag may have at most " + std::to_string(kMaxTagSize) + " bytes.");
+    }
+    if (!IsValidUtf8(tag))
+        kq::Raise(NetError::InvalidArgument, kAppProtocolSource, "A tag must be UTF-8 text.");
+    if (data.size() > kMaxSentData) {
+        kq::Raise(NetError::MessageTooLong, kAppProtocolSource, "A block may have at most 2 GiB.");
+    }
+    if (connection_->Send(type, tag, data, limits_.unsent)) return;
+    const Ending ending{static_cast<std::int32_t>(NetError::NoBufferSpace),
+                        "The other side does not read: more than " + std::to_string(limits_.unsent) +
+                            " bytes would wait to be written.",
+                        true};
+    connection_.reset();
+    NoteEnd(ending, true);
+    PostDeliver();
+    Raise(ending);
+}
+
+Block APClient::Impl::TakeBlock(std::int32_t time_out) {
+    const auto deadline = loop_.Now() + Milliseconds(time_out > 0 ? time_out : kDefaultTimeOut);
+    const Waiting waiting(*this);
+    const bool stood = Connected();
+    const auto mine = serial_;
+    const auto stands = [&] { return Connected() && serial_ == mine; };
+    loop_.RunUntil([&] { return BlockWaits() || !stands(); }, deadline);
+    if (BlockWaits() && serial_ == mine) return PopBlock();
+    if (!stands()) RaiseNotConnected(stood);
+    kq::Raise(loop_.Quitting() ? NetError::Interrupted : NetError::TimedOut, kAppProtocolSource);
+}
+
+// A call that waited learns why the connection ended, and so does the first one after an end that nobody has
+// been told of; for all others there is no connection.
+void APClient::Impl::RaiseNotConnected(bool waited) {
+    if (waited) Raise(last_ending_);
+    if (!inbox_.Empty()) {
+        auto* const end = std::get_if<End>(&inbox_.Front());
+        if (end && !std::exchange(end->told, true)) Raise(end->ending);
+    }
+    kq::Raise(NetError::NotConnected, kAppProtocolSource);
+}
+
+void APClient::Impl::OnBlock(Block block) {
+    ++blocks_;
+    bytes_ += block.tag.size() + block.data.size();
+    inbox_.Push(std::move(block));
+    UpdateReading();
+}
+
+Block APClient::Impl::PopBlock() {
+    Block block = std::get<Block>(inbox_.Pop());
+    --blocks_;
+    bytes_ -= block.tag.size() + block.data.size();
+    UpdateReading();
+    return block;
+}
+
+void APClient::Impl::OnRead() {
+    const auto self = face_.shared_from_this();
+    if (const auto completion = connection_->TakeCompletion()) RaiseProgress(*completion);
+    Deliver();
+    if (!Connected() || !face_.Progress.HasHandlers()) return;
+    if (const auto progress = connection_->TakeProgress()) RaiseProgress(*progress);
+}
+
+void APClient::Impl::OnOver(Ending ending) {
+    const auto self = face_.shared_from_this();
+    const auto completion = connection_->TakeCompletion();
+    // The other side may have stopped sending only; it still gets what waits for it.
+    if (!ending.failure) connection_->Leave();
+    connection_.reset();
+    NoteEnd(std::move(ending), waiting_ > blocks_ || connecting_);
+    if (completion) RaiseProgress(*completion);
+    Deliver();
+}
+
+void APClient::Impl::NoteEnd(Ending ending, bool told) {
+    last_ending_ = ending;
+    inbox_.Push(End{std::move(ending), told});
+}
+
+void APClient::Impl::DropBlocks() {
+    Fifo<Item> ends;
+    while (!inbox_.Empty()) {
+        Item item = inbox_.Pop();
+        if (std::holds_alternative<End>(item)) ends.Push(std::move(item));
+    }
+    inbox_ = std::move(ends);
+    blocks_ = 0;
+    bytes_ = 0;
+}
+
+void APClient::Impl::Deliver() {
+    const auto self = face_.shared_from_this();
+    while (!inbox_.Empty()) {
+        if (!BlockWaits()) {
+            const End end = std::get<End>(inbox_.Pop());
+            if (end.ending.failure && !end.told) face_.Error(end.ending.number, end.ending.sentence);
+            face_.Disconnected();
+        } else {
+            if (HoldsBlocks()) return;
+            const Block block = PopBlock();
+            if (Wanted(block.data_type)) face_.Receive(block);
+        }
+    }
+}
+
+void APClient::Impl::PostDeliver() {
+    if (deliver_posted_ || inbox_.Empty()) return;
+    deliver_posted_ = true;
+    loop_.Post(owner_.Bind([this] {
+        deliver_posted_ = false;
+        Deliver();
+    }));
+}
+
+void APClient::Impl::RaiseProgress(const BlockProgress& progress) {
+    if (!HoldsBlocks() && !Wanted(progress.data_type)) return;
+    face_.Progress(progress.tag, static_cast<std::int64_t>(progress.so_far),
+                   static_cast<std::int64_t>(progress.total));
+}
+
+// Blocks that only a call will take must not pile up: the rest waits with the peer.
+void APClient::Impl::UpdateReading() {
+    if (!Connected()) return;
+    const bool full =
+        blocks_ >= kMostBlocks || bytes_ > std::uint64_t{kMostFullFrames} * CurrentFrameLimits().xml;
+    connection_->SetReading(!(HoldsBlocks() && full));
+}
+
+void APClient::Impl::SetMode(kq::ReceiveMode mode) {
+    if (mode != kq::ReceiveMode::Events && mode != kq::ReceiveMode::Take) {
+        kq::Raise(RuntimeError::InvalidProcedureCall);
+    }
+    mode_ = mode;
+    UpdateReading();
+    PostDeliver();
+}
+
+void APClient::Impl::SetSendType(DataType type) {
+    if (type != DataType::Raw && type != DataType::XML) kq::Raise(RuntimeError::InvalidProcedureCall);
+    send_type_ = type;
+}
+
+void APClient::Impl::SetReceiveType(DataType type) {
+    if (type != DataType::Raw && type != DataType::Any && type != DataType::XML) {
+        kq::Raise(RuntimeError::InvalidProcedureCall);
+    }
+    receive_type_ = type;
+}
+
+FrameLimits APClient::Impl::CurrentFrameLimits() const {
+    if (made_) return {limits_.admitted_frame, limits_.raw_frame};
+    const std::size_t frame = admitted_ ? limits_.admitted_frame : limits_.frame;
+    return {frame, frame};
+}
+
+void APClient::Impl::SetLimits(const APLimits& limits) {
+    limits_ = limits;
+    if (connection_) connection_->SetFrameLimits(CurrentFrameLimits());
+    UpdateReading();
+}
+
+void APClient::Impl::Admit() {
+    admitted_ = true;
+    SetLimits(limits_);
+}
+
+void APClient::Impl::SetKeepAlive(bool on) {
+    keep_alive_ = on;
+    if (Connected()) connection_->Socket().SetKeepAlive(on);
+}
+
+}  // namespace kq

@@ -1,0 +1,119 @@
+// What APClient is made of: the connection that stands, the blocks that wait for the host, and the calls that
+// wait for blocks.
+//
+// Everything that the host is to hear stands in one queue in the order of its coming, the end of a connection
+// included, so that Disconnected comes after the blocks, and once for every connection even when a new one
+// stands already. Deliver is the only place that raises; it runs from the loop, never from inside a call of
+// the host.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include <kqappsession/APClient.h>
+
+#include "libs/appprotocol/Connection.h"
+#include "libs/appprotocol/Fifo.h"
+
+namespace kq {
+
+class APClient::Impl final : public Connection::Sink {
+ public:
+    Impl(APClient& face, PlatformPtr platform);
+    ~Impl();
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    void Connect(const std::string& address, std::int32_t port, const std::string& local_address,
+                 std::int32_t time_out);
+    // Takes over an accepted stream; nothing is raised before this returns.
+    void Adopt(std::unique_ptr<StreamSocket> socket);
+    void Disconnect();
+    bool Connected() const { return connection_ && connection_->GetState() == Connection::State::Open; }
+    // Null when not connected.
+    const StreamSocket* Socket() const { return Connected() ? &connection_->Socket() : nullptr; }
+    const std::string& Identifier() const { return identifier_; }
+
+    void Send(DataType type, std::string_view data, std::string_view tag);
+    Block TakeBlock(std::int32_t time_out);
+
+    kq::ReceiveMode Mode() const { return mode_; }
+    void SetMode(kq::ReceiveMode mode);
+    DataType SendType() const { return send_type_; }
+    void SetSendType(DataType type);
+    DataType ReceiveType() const { return receive_type_; }
+    void SetReceiveType(DataType type);
+    const APLimits& Limits() const { return limits_; }
+    void SetLimits(const APLimits& limits);
+    void Admit();
+    void SetKeepAlive(bool on);
+
+ private:
+    struct End {
+        Ending ending;
+        bool told;  // a call has learned of it, or asked for it
+    };
+    using Item = std::variant<Block, End>;
+    class Waiting;
+
+    void OnConnected() override;
+    void OnConnectFailed(std::int32_t number) override;
+    void OnBlock(Block block) override;
+    void OnRead() override;
+    void OnOver(Ending ending) override;
+
+    std::vector<std::string> Resolve(const std::string& address, EventLoop::TimePoint deadline,
+                                     std::uint64_t mine);
+    // 0: the connection stands; else why not.
+    std::int32_t TryAddress(const std::string& address, int port, const std::string& local_address,
+                            EventLoop::TimePoint until, std::uint64_t mine);
+
+    // The connection has ended: what waits stays, its end takes the last place.
+    void NoteEnd(Ending ending, bool told);
+    void DropBlocks();
+    void Deliver();
+    void PostDeliver();
+    void RaiseProgress(const BlockProgress& progress);
+    bool BlockWaits() const { return !inbox_.Empty() && std::holds_alternative<Block>(inbox_.Front()); }
+    Block PopBlock();
+    // Blocks wait for calls and not for events.
+    bool HoldsBlocks() const { return mode_ == kq::ReceiveMode::Take || waiting_ > 0; }
+    bool Wanted(DataType type) const { return receive_type_ == DataType::Any || receive_type_ == type; }
+    void UpdateReading();
+    [[noreturn]] void RaiseNotConnected(bool waited);
+    FrameLimits CurrentFrameLimits() const;
+
+    APClient& face_;
+    const PlatformPtr platform_;
+    EventLoop& loop_;
+    const std::string identifier_;
+
+    kq::ReceiveMode mode_ = kq::ReceiveMode::Events;
+    DataType send_type_ = DataType::XML;
+    DataType receive_type_ = DataType::Any;
+    APLimits limits_;
+    bool keep_alive_ = false;
+    bool made_ = true;  // by Connect; else accepted
+    bool admitted_ = false;
+
+    std::uint64_t serial_ =
+        0;  // of the connection or the attempt; another number says that it has been given up
+    bool connecting_ = false;  // a call of Connect is running
+    std::optional<std::int32_t> connect_result_;
+    std::unique_ptr<Connection> connection_;
+
+    Fifo<Item> inbox_;
+    std::size_t blocks_ = 0;  // in the inbox
+    std::size_t bytes_ = 0;
+    std::size_t waiting_ = 0;  // calls of TakeBlock
+    Ending last_ending_;
+    bool deliver_posted_ = false;
+    Owner owner_;
+};
+
+}  // namespace kq
