@@ -171,6 +171,10 @@ class ListenerScene : public testing::Test {
     void Note(const std::string& word) { heard_ += heard_.empty() ? word : " " + word; }
     void Run() { machine_.loop->RunReady(); }
     void Listen() { listener_->Listen(kPort, ""); }
+    void ListenWith(const APLimits& limits) {
+        listener_->SetLimits(limits);
+        Listen();
+    }
     std::unique_ptr<RawPeer> Call() {
         auto caller = std::make_unique<RawPeer>(machine_.network->Connect("127.0.0.1", kPort, ""));
         Run();

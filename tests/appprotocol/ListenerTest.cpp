@@ -132,11 +132,7 @@ TEST_F(Listening, LosesOnlyTheClientThatSendsGarbage) {
 }
 
 TEST_F(Listening, AllowsSmallBlocksBeforeAdmissionAndLargerOnesAfterwards) {
-    APLimits limits;
-    limits.frame = 10;
-    limits.admitted_frame = 20;
-    listener_->SetLimits(limits);
-    Listen();
+    ListenWith({.frame = 10, .admitted_frame = 20});
     const auto caller = Call();
     Sends(*caller, RawFrame("0123456789"));
     accepted_[0]->Admit();
@@ -147,10 +143,7 @@ TEST_F(Listening, AllowsSmallBlocksBeforeAdmissionAndLargerOnesAfterwards) {
 }
 
 TEST_F(Listening, ClosesAStrangerWhoseFirstBlockIsTooLong) {
-    APLimits limits;
-    limits.frame = 10;
-    listener_->SetLimits(limits);
-    Listen();
+    ListenWith({.frame = 10});
     const auto caller = Call();
     Sends(*caller, XMLFrame("01234567890"));
     EXPECT_EQ(Heard(), "accepted client-error:10040 gone");
@@ -180,21 +173,15 @@ TEST_F(Listening, LetsAClientBeSilentAfterItsFirstBlock) {
 }
 
 TEST_F(Listening, LimitsNoFirstBlockWhenTheLimitIsZero) {
-    APLimits limits;
-    limits.first_frame = Milliseconds(0);
-    listener_->SetLimits(limits);
-    Listen();
+    ListenWith({.first_frame = Milliseconds(0)});
     const auto caller = Call();
     machine_.loop->Advance(Milliseconds(1'000'000));
     EXPECT_EQ(Heard(), "accepted");
 }
 
 TEST_F(Listening, ClosesAClientThatDoesNotReadAndServesTheOthers) {
-    APLimits limits;
-    limits.unsent = 1000;
-    listener_->SetLimits(limits);
     machine_.network->SetPipeSize(100);
-    Listen();
+    ListenWith({.unsent = 1000});
     const auto deaf = Call();
     const auto good = Call();
     deaf->StopReading();
