@@ -71,6 +71,7 @@ void APClient::Impl::Disconnect() {
                 true);
     }
     connection_.reset();
+    unlearned_ = false;
     PostDeliver();
 }
 
@@ -108,15 +109,15 @@ Block APClient::Impl::TakeBlock(std::int32_t time_out) {
     kq::Raise(loop_.Quitting() ? NetError::Interrupted : NetError::TimedOut, kAppProtocolSource);
 }
 
-// A call that waited learns why the connection ended, and so does the first one after an end that nobody has
-// been told of; for all others there is no connection.
+// A call that waited learns why the connection ended, and so does the first one after an end that no call has
+// learned of; for all others there is no connection.
 void APClient::Impl::RaiseNotConnected(bool waited) {
-    if (waited) Raise(last_ending_);
+    if (!waited && !unlearned_) kq::Raise(NetError::NotConnected, kAppProtocolSource);
+    unlearned_ = false;
     if (!inbox_.Empty()) {
-        auto* const end = std::get_if<End>(&inbox_.Front());
-        if (end && !std::exchange(end->told, true)) Raise(end->ending);
+        if (auto* const end = std::get_if<End>(&inbox_.Front())) end->told = true;
     }
-    kq::Raise(NetError::NotConnected, kAppProtocolSource);
+    Raise(last_ending_);
 }
 
 void APClient::Impl::OnBlock(Block block) {
@@ -155,6 +156,7 @@ void APClient::Impl::OnOver(Ending ending) {
 
 void APClient::Impl::NoteEnd(Ending ending, bool told) {
     last_ending_ = ending;
+    unlearned_ = !told;
     inbox_.Push(End{std::move(ending), told});
 }
 

@@ -112,6 +112,7 @@ class APClient::Impl final : public Connection::Sink {
     std::size_t bytes_ = 0;
     std::size_t waiting_ = 0;  // calls of TakeBlock
     Ending last_ending_;
+    bool unlearned_ = false;  // no call has learned of the last ending
     bool deliver_posted_ = false;
     Owner owner_;
 };
