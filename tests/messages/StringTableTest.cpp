@@ -1,6 +1,5 @@
-// The compiled-in texts: which ids there are, which language is served, what a translation must keep.
+// The loader of the compiled-in texts: which language is served, which ids are known.
 #include <algorithm>
-#include <set>
 
 #include <gtest/gtest.h>
 
@@ -9,55 +8,6 @@
 
 namespace kq {
 namespace {
-
-// First and last id of every run.
-constexpr std::pair<std::int32_t, std::int32_t> kRuns[] = {
-    {101, 109}, {150, 152}, {200, 209}, {250, 251}, {300, 313},   {400, 426},
-    {500, 502}, {550, 559}, {600, 606}, {650, 651}, {700, 712},   {750, 750},
-    {800, 805}, {850, 851}, {900, 901}, {950, 950}, {1000, 1021}, {1099, 1099}};
-
-std::vector<std::int32_t> AllIds() {
-    std::vector<std::int32_t> ids;
-    for (const auto& [first, last] : kRuns) {
-        for (std::int32_t id = first; id <= last; ++id)
-            ids.push_back(id);
-    }
-    return ids;
-}
-
-const LanguageTable& Table(std::int32_t language) {
-    return *std::ranges::find(LanguageTables(), language, &LanguageTable::language);
-}
-
-std::multiset<std::string> PlaceholdersOf(std::string_view text) {
-    std::multiset<std::string> found;
-    for (int i = 0; i < 10; ++i) {
-        const std::string placeholder = "%" + std::to_string(i) + "%";
-        for (auto at = text.find(placeholder); at != text.npos; at = text.find(placeholder, at + 1))
-            found.insert(placeholder);
-    }
-    return found;
-}
-
-TEST(Strings, HaveTheSame135IdsInEveryLanguage) {
-    ASSERT_EQ(AllIds().size(), 135U);
-    for (const auto& table : LanguageTables()) {
-        std::vector<std::int32_t> ids;
-        for (const auto& entry : table.entries)
-            ids.push_back(entry.id);
-        EXPECT_EQ(ids, AllIds()) << table.language;
-    }
-}
-
-TEST(Strings, HaveTheSamePlaceholdersInEveryLanguage) {
-    const auto english = Table(1033).entries;
-    for (const auto& table : LanguageTables()) {
-        ASSERT_EQ(table.entries.size(), english.size()) << table.language;
-        for (std::size_t i = 0; i < english.size(); ++i)
-            EXPECT_EQ(PlaceholdersOf(table.entries[i].text), PlaceholdersOf(english[i].text))
-                << table.language << ": " << table.entries[i].text;
-    }
-}
 
 TEST(Strings, KeepTheBlanksAndQuotationMarksOfTheirSource) {
     FakeLocale user;
