@@ -1,9 +1,10 @@
-// A client of the XML bus: sends messages to addresses, hears the addresses that it subscribed to, and owns one
-// reply address that no other client has.
+// A client of the XML bus: sends messages to addresses, hears the addresses that it subscribed to, and owns
+// one reply address that no other client has.
 //
-// A started client keeps its place on the bus by itself: when the bus goes away it reconnects with growing delay
-// (0.25 s doubling to 15 s), subscribes again and delivers what was sent meanwhile. What waits is bounded (Limits).
-// Everything happens on the loop's thread; event handlers may call back into the object or drop it.
+// A started client keeps its place on the bus by itself: when the bus goes away it reconnects with growing
+// delay (0.25 s doubling to 15 s), subscribes again and delivers what was sent meanwhile. What waits is
+// bounded (Limits). Everything happens on the loop's thread; event handlers may call back into the object or
+// drop it.
 #pragma once
 
 #include <cstdint>
@@ -36,18 +37,21 @@ enum class BusSubscription : std::int32_t {
 enum class BusSending : std::int32_t {
     Message = 0,  // an ordinary message
     // A state message ("ApplicationInfos/ApplicationInfo/InfoState" holds its letter). While it waits to be
-    // written, a newer one of this sender that says at least as much takes its place: a "C" replaces the "C" and
-    // "E" that wait behind the last waiting "D" and goes to the end of the queue; "E" and "D" replace nothing.
+    // written, a newer one of this sender that says at least as much takes its place: a "C" replaces the "C"
+    // and "E" that wait behind the last waiting "D" and goes to the end of the queue; "E" and "D" replace
+    // nothing. Only messages about the same application (type, destination, "AppID", "Address" and "Port")
+    // replace one another.
     State = 1,
 };
 
 struct BusStatistics {
-    std::int64_t sent = 0;        // handed to Send
-    std::int64_t written = 0;     // written to the bus
-    std::int64_t replaced = 0;    // state messages that a newer one replaced
+    std::int64_t sent = 0;      // handed to Send
+    std::int64_t written = 0;   // written to the bus
+    std::int64_t replaced = 0;  // state messages that a newer one replaced
     std::int64_t received = 0;
+    std::int64_t malformed = 0;  // arrived, but dropped because they are no messages
     std::int64_t reconnects = 0;
-    std::int64_t waiting = 0;     // in the queue now
+    std::int64_t waiting = 0;  // in the queue now
 };
 
 class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
@@ -58,30 +62,36 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
         std::size_t waiting_bytes = 64U << 20;  // estimated size of the waiting messages
     };
     static constexpr std::string_view kSource = "KQXMLBusClientLib";
+    static constexpr std::size_t kMaxMessage = 16U << 20;  // bytes of a message's bus form
 
     // A client of a hub, and a client over any transport (one inside the process for tests).
     static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform, BusSettings settings);
-    static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform, std::shared_ptr<BusTransport> transport);
+    static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform,
+                                                std::shared_ptr<BusTransport> transport);
     XMLBusClient(const XMLBusClient&) = delete;
     XMLBusClient& operator=(const XMLBusClient&) = delete;
     ~XMLBusClient();
 
-    // A message for one of the subscribed addresses or the reply address. A handler that has dealt with it sets
-    // the flag; later handlers see it set.
+    // A message for one of the subscribed addresses or the reply address. A handler that has dealt with it
+    // sets the flag; later handlers see it set.
     Signal<const MessagePtr&, bool&> ReceiveMessage;
     // Every 60 s while running, and when the client stops.
     Signal<const BusStatistics&> StatisticsEvent;
-    // The place on the bus was gained (true) or lost (false, with a sentence).
+    // The place on the bus was gained (true) or lost (false, with a sentence). Attempts that fail are told
+    // like a loss, but only when the sentence is another than the last one.
     Signal<bool, const std::string&> ConnectionChanged;
 
     bool Running() const;    // started and not stopped, whether or not the bus is there at the moment
     bool Connected() const;  // has its place on the bus
     void Start();            // returns at once
-    // Runs the loop until what waits is written, 1 s at most; does nothing when not running.
+    // Runs the loop until what waits has arrived on the bus, 1 s at most, then gives the place up; does
+    // nothing when not running. Nothing can be sent meanwhile. What could not be written in time stays for
+    // the next start. A Start while this waits keeps the client running.
     void Stop();
 
-    // Subscriptions hold over stop and start. Adding one twice changes its option; removing an unknown one raises
-    // RuntimeError::InvalidProcedureCall.
+    // Subscriptions hold over stop and start. Adding one twice changes its option; removing an unknown one
+    // raises RuntimeError::InvalidProcedureCall, and so does an address that is none (an empty type, control
+    // characters, more than 512 bytes) or that is the reply address.
     void AddSubscription(const std::string& type, BusSubscription option, const std::string& subtype);
     void RemoveSubscription(const std::string& type, const std::string& subtype);
 
@@ -91,8 +101,9 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
     const std::string& EnterpriseID() const;
     void SetEnterpriseID(const std::string& id);
 
-    // Queues the message for its destination. Raises RuntimeError::InvalidProcedureCall when not running or
-    // without a destination, and NetError::NoBufferSpace when the queue is full.
+    // Queues a copy of the message for its destination. Raises RuntimeError::InvalidProcedureCall when not
+    // running, without a type or without a destination, NetError::MessageTooLong when its text is over
+    // kMaxMessage, and NetError::NoBufferSpace when the queue is full.
     void Send(const XMLMessage& message, BusSending option = BusSending::Message);
     BusStatistics Statistics() const;
     void SetLimits(const Limits& limits);

@@ -1,0 +1,53 @@
+// What a bus client and the hub say to each other besides the messages they carry: the names, the builders
+// and the proof. docs/wire.md shows the order and a worked example.
+//
+// A block with a tag carries a message, the tag being its address (BusNameOf); a block without one is
+// control.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include <kqappsession/XMLMessage.h>
+
+namespace kq {
+
+class Crypto;
+
+inline constexpr std::string_view kBusHello = "BusHello";
+inline constexpr std::string_view kBusChallenge = "BusChallenge";
+inline constexpr std::string_view kBusProof = "BusProof";
+inline constexpr std::string_view kBusWelcome = "BusWelcome";
+inline constexpr std::string_view kBusSubscribe = "BusSubscribe";
+inline constexpr std::string_view kBusUnsubscribe = "BusUnsubscribe";
+inline constexpr std::string_view kBusTaken = "BusTaken";
+inline constexpr std::string_view kBusRefused = "BusRefused";
+
+inline constexpr std::string_view kBusVersion = "1";     // of every control message
+inline constexpr std::size_t kBusRandomBytes = 32;       // of nonce and challenge
+inline constexpr std::size_t kMaxBusControl = 8U << 10;  // bytes of a control message
+inline constexpr std::size_t kMaxBusRandomText = 128;    // characters of a client name, nonce or challenge
+
+// What both sides of one greeting know, and what the proofs are made over.
+struct BusGreeting {
+    std::string client;     // names the client over its reconnections
+    std::string nonce;      // drawn by the client
+    std::string challenge;  // drawn by the hub
+};
+
+// HMAC-SHA-256 under the shared key of "role:challenge:nonce:client". The roles keep a proof from being sent
+// back as the other side's; the nonce and the challenge keep an old one from being used again.
+std::string BusProofOf(const Crypto& crypto, std::string_view key, std::string_view role,
+                       const BusGreeting& greeting);
+inline constexpr std::string_view kPeerRole = "peer";
+inline constexpr std::string_view kHubRole = "hub";
+
+XMLMessage MakeBusControl(std::string_view type);
+// Raises an Error for what is no control message of this version.
+XMLMessage ParseBusControl(std::string_view text);
+// A count in a field; -1 when it is none.
+std::int64_t BusCount(const XMLMessage& message, std::string_view field);
+
+}  // namespace kq

@@ -1,0 +1,284 @@
+// The hub. A peer is a number that is never used twice; whatever happens later, or after a sending, looks it
+// up again, because sending to a peer may end it. Notes are raised by tasks, so that their handlers may stop
+// or destroy the hub.
+#include "libs/xmlbus/Hub.h"
+
+#include <algorithm>
+
+#include <kqappsession/Error.h>
+#include <kqappsession/XMLBusClient.h>
+
+#include "libs/xmlbus/BusNames.h"
+#include "platform/Crypto.h"
+
+namespace kq {
+namespace {
+
+bool IsLoopback(const std::string& address) {
+    const auto of_a_number = [](char c) { return c == '.' || (c >= '0' && c <= '9'); };
+    return address == "::1" ||
+           (address.starts_with("127.") && std::all_of(address.begin(), address.end(), of_a_number));
+}
+
+bool IsRandomText(const std::string& text) {
+    const auto plain = [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); };
+    return !text.empty() && text.size() <= kMaxBusRandomText && std::all_of(text.begin(), text.end(), plain);
+}
+
+}  // namespace
+
+Hub::Hub(PlatformPtr platform) : platform_(std::move(platform)) {}
+
+Hub::~Hub() {
+    Stop();
+}
+
+void Hub::Listen(const std::string& address, std::int32_t port, const std::string& key) {
+    if (Listening()) Raise(RuntimeError::InvalidProcedureCall, "The hub is listening already.");
+    std::string local = address == "localhost" ? "127.0.0.1" : address;
+    if (key.empty() && local.empty()) local = "127.0.0.1";
+    if (key.empty() && !IsLoopback(local)) {
+        Raise(RuntimeError::InvalidProcedureCall,
+              "A hub without a key listens on loopback only.  Give it a key, or the address 127.0.0.1.");
+    }
+    const auto listener = Listener::Create(platform_);
+    APLimits limits;
+    limits.frame = limits_.greeting_frame;
+    limits.admitted_frame = XMLBusClient::kMaxMessage;
+    limits.unsent = limits_.unsent;
+    limits.first_frame = Milliseconds(0);  // the hub has a deadline of its own, and says so when it passes
+    listener->SetLimits(limits);
+    listener->SetMaxClients(limits_.peers);
+    listener->SetReceiveType(DataType::Any);
+    listener->SetKeepAlive(true);
+    listener->Accepted.Connect(owner_, [this](const auto& connection) { OnAccepted(connection); });
+    listener->Receive.Connect(owner_,
+                              [this](const auto& connection, const Block& b) { OnBlock(connection, b); });
+    listener->Disconnected.Connect(owner_, [this](const auto& connection) { OnGone(connection); });
+    listener->ClientError.Connect(owner_,
+                                  [this](const auto& connection, std::int32_t, const std::string& text) {
+                                      NoteSoon("Bus peer " + connection->RemoteAddress() + ": " + text);
+                                  });
+    listener->Error.Connect(owner_,
+                            [this](std::int32_t, const std::string& text) { NoteSoon("Bus hub: " + text); });
+    listener->Listen(port, local);
+    listener_ = listener;
+    key_ = Secret(std::string_view(key));
+}
+
+void Hub::Stop() {
+    owner_.Cancel();
+    while (!peers_.empty())
+        Remove(peers_.begin()->first);
+    if (const auto listener = std::exchange(listener_, nullptr)) listener->StopListening(true);
+}
+
+bool Hub::Listening() const {
+    return listener_ != nullptr;
+}
+
+std::int32_t Hub::Port() const {
+    return listener_ != nullptr ? listener_->Port() : 0;
+}
+
+HubStatistics Hub::Statistics() const {
+    auto statistics = statistics_;
+    statistics.peers = std::count_if(peers_.begin(), peers_.end(),
+                                     [](const auto& peer) { return peer.second.stage == Stage::Admitted; });
+    return statistics;
+}
+
+Hub::PeerId Hub::IdOf(const Listener::ClientPtr& connection) const {
+    const auto found = ids_.find(connection->Identifier());
+    return found == ids_.end() ? 0 : found->second;
+}
+
+void Hub::OnAccepted(const Listener::ClientPtr& connection) {
+    const PeerId id = ++last_id_;
+    connection->SetSendType(DataType::XML);
+    auto& peer = peers_[id];
+    peer.connection = connection;
+    peer.deadline = platform_->loop->StartTimer(
+        limits_.greeting_time, owner_.Bind([this, id] { Refuse(id, "The key was not proven in time."); }));
+    ids_[connection->Identifier()] = id;
+}
+
+void Hub::OnBlock(const Listener::ClientPtr& connection, const Block& block) {
+    const PeerId id = IdOf(connection);
+    const auto peer = peers_.find(id);
+    if (peer == peers_.end()) return;
+    if (block.data_type != DataType::XML) return Refuse(id, "The bus carries XML messages only.");
+    if (!block.tag.empty()) {
+        if (peer->second.stage != Stage::Admitted) return Refuse(id, "The key was not proven.");
+        return OnMessage(id, block);
+    }
+    XMLMessage message;
+    try {
+        message = ParseBusControl(block.data);
+    } catch (const Error& error) {
+        return Refuse(id, error.Description());
+    }
+    OnControl(id, message);
+}
+
+void Hub::OnControl(PeerId id, const XMLMessage& message) {
+    const Stage stage = peers_.at(id).stage;
+    const std::string& type = message.Type();
+    if (type == kBusHello && stage == Stage::Connected) {
+        OnHello(id, message);
+    } else if (type == kBusProof && stage == Stage::Challenged) {
+        OnProof(id, message);
+    } else if ((type == kBusSubscribe || type == kBusUnsubscribe) && stage == Stage::Admitted) {
+        OnSubscription(id, message);
+    } else {
+        Refuse(id, "This was not expected here.");
+    }
+}
+
+void Hub::OnHello(PeerId id, const XMLMessage& message) {
+    auto& peer = peers_.at(id);
+    peer.greeting = {message.Field("Client"), message.Field("Nonce"),
+                     platform_->crypto->RandomHex(kBusRandomBytes)};
+    peer.taken = BusCount(message, "Taken");
+    if (!IsRandomText(peer.greeting.client) || !IsRandomText(peer.greeting.nonce) || peer.taken < 0) {
+        return Refuse(id, "The greeting is malformed.");
+    }
+    peer.stage = Stage::Challenged;
+    auto challenge = MakeBusControl(kBusChallenge);
+    challenge.SetField("Challenge", peer.greeting.challenge);
+    Send(id, challenge);
+}
+
+void Hub::OnProof(PeerId id, const XMLMessage& message) {
+    auto& peer = peers_.at(id);
+    const auto& crypto = *platform_->crypto;
+    const auto proof = BusProofOf(crypto, key_.Reveal(), kPeerRole, peer.greeting);
+    if (!crypto.EqualConstantTime(proof, message.Field("Proof")))
+        return Refuse(id, "The key is another one.");
+    platform_->loop->CancelTimer(peer.deadline);
+    peer.connection->Admit();
+    ReplaceOlderPlace(id);
+    peer.stage = Stage::Admitted;
+    auto welcome = MakeBusControl(kBusWelcome);
+    welcome.SetField("Proof", BusProofOf(crypto, key_.Reveal(), kHubRole, peer.greeting));
+    welcome.SetField("Taken", std::to_string(peer.taken));
+    Send(id, welcome);
+}
+
+// A client that comes back before its old connection was seen to end takes the place over, and its count with
+// it.
+void Hub::ReplaceOlderPlace(PeerId id) {
+    auto& peer = peers_.at(id);
+    const auto older = std::find_if(peers_.begin(), peers_.end(), [&](const auto& other) {
+        return other.second.stage == Stage::Admitted && other.second.greeting.client == peer.greeting.client;
+    });
+    if (older != peers_.end()) {
+        const auto connection = older->second.connection;
+        Remove(older->first);
+        connection->Disconnect();
+    }
+    const auto known = std::find_if(remembered_.begin(), remembered_.end(),
+                                    [&](const auto& entry) { return entry.first == peer.greeting.client; });
+    if (known == remembered_.end()) return;
+    peer.taken = std::max(peer.taken, known->second);
+    remembered_.erase(known);
+}
+
+void Hub::OnSubscription(PeerId id, const XMLMessage& message) {
+    std::string name;
+    try {
+        name = BusNameOf({message.Field("Type"), message.Field("SubType")});
+    } catch (const Error& error) {
+        return Refuse(id, error.Description());
+    }
+    if (message.Type() == kBusUnsubscribe) return routes_.Unsubscribe(id, name);
+    const auto option = BusCount(message, "Option");
+    if (option != 0 && option != 1) return Refuse(id, "This option of a subscription is not known.");
+    if (routes_.SubscriptionsOf(id) >= limits_.subscriptions)
+        return Refuse(id, "These are too many subscriptions.");
+    routes_.Subscribe(id, name, static_cast<BusSubscription>(option));
+}
+
+void Hub::OnMessage(PeerId id, const Block& block) {
+    if (!BusAddressOf(block.tag)) return Refuse(id, "This is not an address of the bus.");
+    ++peers_.at(id).taken;
+    ++statistics_.taken;
+    TellTakenSoon(id);
+    const auto copies = routes_.Deliver(block.tag, [&](PeerId receiver) { return Hand(receiver, block); });
+    statistics_.delivered += static_cast<std::int64_t>(copies);
+    statistics_.dropped += copies == 0 ? 1 : 0;
+}
+
+bool Hub::Hand(PeerId id, const Block& block) {
+    const auto found = peers_.find(id);
+    if (found == peers_.end()) return false;
+    const auto connection = found->second.connection;
+    try {
+        connection->SendText(block.data, block.tag);
+        return true;
+    } catch (const Error& error) {
+        const std::string remote = connection->RemoteAddress();
+        Remove(id);
+        connection->Disconnect();
+        NoteSoon("Bus peer " + remote + " was cut: " + error.Description());
+        return false;
+    }
+}
+
+void Hub::Send(PeerId id, const XMLMessage& control) {
+    const auto connection = peers_.at(id).connection;
+    try {
+        connection->SendText(control.ToBusXML());
+    } catch (const Error&) {
+        connection->Disconnect();  // its Disconnected event removes the peer
+    }
+}
+
+// One count answers all messages of one turn of the loop.
+void Hub::TellTakenSoon(PeerId id) {
+    if (std::exchange(peers_.at(id).telling, true)) return;
+    platform_->loop->Post(owner_.Bind([this, id] {
+        const auto peer = peers_.find(id);
+        if (peer == peers_.end()) return;
+        peer->second.telling = false;
+        auto taken = MakeBusControl(kBusTaken);
+        taken.SetField("Taken", std::to_string(peer->second.taken));
+        Send(id, taken);
+    }));
+}
+
+void Hub::Refuse(PeerId id, const std::string& text) {
+    const auto connection = peers_.at(id).connection;
+    ++statistics_.refused;
+    auto refused = MakeBusControl(kBusRefused);
+    refused.SetField("ErrorDesc", text);
+    Send(id, refused);
+    Remove(id);
+    const std::string remote = connection->RemoteAddress();
+    connection->Disconnect();
+    NoteSoon("Bus peer " + remote + " was refused: " + text);
+}
+
+void Hub::NoteSoon(const std::string& text) {
+    platform_->loop->Post(owner_.Bind([this, text] { Note(text); }));
+}
+
+void Hub::OnGone(const Listener::ClientPtr& connection) {
+    Remove(IdOf(connection));
+}
+
+void Hub::Remove(PeerId id) {
+    const auto found = peers_.find(id);
+    if (found == peers_.end()) return;
+    const auto& peer = found->second;
+    if (peer.stage == Stage::Admitted) {
+        remembered_.emplace_back(peer.greeting.client, peer.taken);
+        if (remembered_.size() > limits_.remembered) remembered_.pop_front();
+    }
+    platform_->loop->CancelTimer(peer.deadline);
+    ids_.erase(peer.connection->Identifier());
+    routes_.Remove(id);
+    peers_.erase(found);
+}
+
+}  // namespace kq

@@ -1,0 +1,328 @@
+// The bus client: the queue of what is sent, the subscriptions, and the way back to the bus after a loss.
+//
+// Messages are written by a posted task, not inside Send, so that a burst of state messages within one turn
+// of the loop costs one text even while the bus has room. Every callback holds the client while it raises
+// events.
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include <kqappsession/Error.h>
+#include <kqappsession/Timer.h>
+#include <kqappsession/XMLBusClient.h>
+
+#include "libs/xmlbus/BusNames.h"
+#include "libs/xmlbus/BusTransport.h"
+#include "libs/xmlbus/HubTransport.h"
+#include "libs/xmlbus/SendQueue.h"
+#include "platform/Crypto.h"
+
+namespace kq {
+namespace {
+
+constexpr Milliseconds kFirstDelay{250};
+constexpr Milliseconds kLongestDelay{15'000};
+constexpr Milliseconds kStopTime{1'000};
+constexpr std::int32_t kStatisticsInterval = 60'000;  // ms
+constexpr std::size_t kReplyBytes = 16;
+
+}  // namespace
+
+class XMLBusClient::Impl {
+ public:
+    Impl(XMLBusClient& face, PlatformPtr platform, std::shared_ptr<BusTransport> transport);
+    ~Impl();
+
+    void Start();
+    void Stop();
+    void AddSubscription(const BusAddress& address, BusSubscription option);
+    void RemoveSubscription(const BusAddress& address);
+    void Send(const XMLMessage& message, BusSending option);
+    BusStatistics Statistics() const;
+
+    bool Running() const { return state_ == State::Running; }
+    bool Connected() const { return connected_; }
+
+    const BusAddress reply;
+    std::string enterprise_id;
+    SendQueue queue;
+
+ private:
+    enum class State { Stopped, Running, Stopping };
+
+    void OnReady();
+    void OnLost(const std::string& text);
+    void OnMessage(const std::string& text);
+    void Attempt();
+    void AttemptLater();
+    void SubscribeAll();
+    void UnsubscribeAll();
+    void WriteSoon();
+    void WriteWhileThereIsRoom();
+    void Close();
+
+    XMLBusClient& face_;
+    PlatformPtr platform_;
+    std::shared_ptr<BusTransport> transport_;
+    std::map<BusAddress, BusSubscription> subscriptions_;
+    State state_ = State::Stopped;
+    bool connected_ = false;
+    bool was_lost_ = false;  // since the start
+    bool write_posted_ = false;
+    std::string last_loss_;
+    BusStatistics statistics_;
+    EventLoop::TimePoint connected_since_;
+    Milliseconds last_delay_{0};
+    Milliseconds next_delay_ = kFirstDelay;
+    EventLoop::TimerId retry_ = 0;
+    Timer statistics_timer_;
+    Owner owner_;
+};
+
+XMLBusClient::Impl::Impl(XMLBusClient& face, PlatformPtr platform, std::shared_ptr<BusTransport> transport)
+    : reply{"Reply", platform->crypto->RandomHex(kReplyBytes)},
+      face_(face),
+      platform_(std::move(platform)),
+      transport_(std::move(transport)),
+      statistics_timer_(platform_) {
+    transport_->Ready.Connect(owner_, [this] { OnReady(); });
+    transport_->Lost.Connect(owner_, [this](const std::string& text) { OnLost(text); });
+    transport_->Room.Connect(owner_, [this] { WriteWhileThereIsRoom(); });
+    transport_->Message.Connect(owner_, [this](const std::string& text) { OnMessage(text); });
+    statistics_timer_.SetInterval(kStatisticsInterval);
+    statistics_timer_.Tick.Connect(owner_, [this] {
+        const auto self = face_.shared_from_this();
+        face_.StatisticsEvent(Statistics());
+    });
+}
+
+XMLBusClient::Impl::~Impl() {
+    owner_.Cancel();
+    platform_->loop->CancelTimer(retry_);
+    transport_->Close();
+}
+
+void XMLBusClient::Impl::Start() {
+    const State before = std::exchange(state_, State::Running);
+    if (before == State::Running) return;
+    if (before == State::Stopping) {
+        if (connected_) SubscribeAll();
+        return;
+    }
+    was_lost_ = false;
+    last_loss_.clear();
+    last_delay_ = Milliseconds(0);
+    next_delay_ = kFirstDelay;
+    statistics_timer_.SetEnabled(true);
+    Attempt();
+}
+
+void XMLBusClient::Impl::Stop() {
+    if (state_ != State::Running) return;
+    const auto self = face_.shared_from_this();
+    state_ = State::Stopping;
+    // Messages that are shared go to the others from here on; what is on its way to this client still
+    // arrives.
+    if (connected_) UnsubscribeAll();
+    const auto written_out = [this] { return queue.Empty() && transport_->Flushed(); };
+    if (!connected_ && !written_out()) Attempt();
+    WriteWhileThereIsRoom();
+    platform_->loop->RunUntil([&] { return state_ != State::Stopping || written_out(); },
+                              platform_->loop->Now() + kStopTime);
+    if (state_ == State::Stopping) Close();
+}
+
+void XMLBusClient::Impl::Close() {
+    state_ = State::Stopped;
+    platform_->loop->CancelTimer(retry_);
+    statistics_timer_.SetEnabled(false);
+    transport_->Close();
+    if (std::exchange(connected_, false)) face_.ConnectionChanged(false, "The bus client was stopped.");
+    face_.StatisticsEvent(Statistics());
+}
+
+void XMLBusClient::Impl::AddSubscription(const BusAddress& address, BusSubscription option) {
+    BusNameOf(address);  // raises for what is no address
+    if (address == reply || (option != BusSubscription::Ordinary && option != BusSubscription::Shared)) {
+        Raise(RuntimeError::InvalidProcedureCall);
+    }
+    subscriptions_[address] = option;
+    if (Running() && connected_) transport_->Subscribe(address, option);
+}
+
+void XMLBusClient::Impl::RemoveSubscription(const BusAddress& address) {
+    if (subscriptions_.erase(address) == 0) {
+        Raise(RuntimeError::InvalidProcedureCall, "There is no subscription for this address.");
+    }
+    if (Running() && connected_) transport_->Unsubscribe(address);
+}
+
+void XMLBusClient::Impl::SubscribeAll() {
+    transport_->Subscribe(reply, BusSubscription::Ordinary);
+    for (const auto& [address, option] : subscriptions_)
+        transport_->Subscribe(address, option);
+}
+
+void XMLBusClient::Impl::UnsubscribeAll() {
+    transport_->Unsubscribe(reply);
+    for (const auto& [address, option] : subscriptions_)
+        transport_->Unsubscribe(address);
+}
+
+void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option) {
+    if (!Running()) Raise(RuntimeError::InvalidProcedureCall, "The bus client is not running.");
+    if (message.Type().empty() || (option != BusSending::Message && option != BusSending::State)) {
+        Raise(RuntimeError::InvalidProcedureCall);
+    }
+    BusNameOf(message.Destination());  // raises for what is no address
+    if (SendQueue::Estimate(message) > kMaxMessage && message.ToBusXML().size() > kMaxMessage) {
+        Raise(NetError::MessageTooLong, kSource);
+    }
+    const auto replaced = queue.Push(message, option);
+    if (replaced < 0) Raise(NetError::NoBufferSpace, kSource, "Too many messages wait for the bus.");
+    ++statistics_.sent;
+    statistics_.replaced += replaced;
+    WriteSoon();
+}
+
+BusStatistics XMLBusClient::Impl::Statistics() const {
+    auto statistics = statistics_;
+    statistics.waiting = static_cast<std::int64_t>(queue.Size());
+    return statistics;
+}
+
+void XMLBusClient::Impl::WriteSoon() {
+    if (std::exchange(write_posted_, true)) return;
+    platform_->loop->Post(owner_.Bind([this] {
+        write_posted_ = false;
+        WriteWhileThereIsRoom();
+    }));
+}
+
+void XMLBusClient::Impl::WriteWhileThereIsRoom() {
+    while (connected_ && !queue.Empty() && transport_->HasRoom()) {
+        const XMLMessage message = queue.Pop();
+        transport_->Write(message.Destination(), message.ToBusXML());
+        ++statistics_.written;
+    }
+}
+
+void XMLBusClient::Impl::OnReady() {
+    const auto self = face_.shared_from_this();
+    connected_ = true;
+    connected_since_ = platform_->loop->Now();
+    last_loss_.clear();
+    if (was_lost_) ++statistics_.reconnects;
+    if (Running()) SubscribeAll();
+    WriteWhileThereIsRoom();
+    face_.ConnectionChanged(true, std::string());
+}
+
+void XMLBusClient::Impl::OnLost(const std::string& text) {
+    const auto self = face_.shared_from_this();
+    const bool had_place = std::exchange(connected_, false);
+    // A hub that takes the client in and drops it at once is no reason to start over with short delays.
+    if (had_place && platform_->loop->Now() - connected_since_ >= last_delay_) next_delay_ = kFirstDelay;
+    was_lost_ = was_lost_ || had_place;
+    AttemptLater();
+    const bool news = had_place || text != last_loss_;
+    last_loss_ = text;
+    if (news) face_.ConnectionChanged(false, text);
+}
+
+void XMLBusClient::Impl::Attempt() {
+    platform_->loop->CancelTimer(retry_);
+    transport_->Open();
+}
+
+void XMLBusClient::Impl::AttemptLater() {
+    if (state_ == State::Stopping) next_delay_ = kFirstDelay;  // there is one second left
+    last_delay_ = next_delay_;
+    next_delay_ = std::min(next_delay_ * 2, kLongestDelay);
+    platform_->loop->CancelTimer(retry_);
+    retry_ = platform_->loop->StartTimer(last_delay_, owner_.Bind([this] { Attempt(); }));
+}
+
+void XMLBusClient::Impl::OnMessage(const std::string& text) {
+    const auto self = face_.shared_from_this();
+    const auto message = std::make_shared<XMLMessage>();
+    try {
+        message->LoadBusXML(text);
+    } catch (const Error&) {
+        ++statistics_.malformed;
+        return;
+    }
+    ++statistics_.received;
+    bool handled = false;
+    face_.ReceiveMessage(message, handled);
+}
+
+XMLBusClient::XMLBusClient() = default;
+XMLBusClient::~XMLBusClient() = default;
+
+std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform, BusSettings settings) {
+    auto transport = HubTransport::Create(platform, std::move(settings));
+    return Create(std::move(platform), std::move(transport));
+}
+
+std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform,
+                                                   std::shared_ptr<BusTransport> transport) {
+    std::shared_ptr<XMLBusClient> client(new XMLBusClient);
+    client->impl_ = std::make_unique<Impl>(*client, std::move(platform), std::move(transport));
+    return client;
+}
+
+bool XMLBusClient::Running() const {
+    return impl_->Running();
+}
+
+bool XMLBusClient::Connected() const {
+    return impl_->Connected();
+}
+
+void XMLBusClient::Start() {
+    impl_->Start();
+}
+
+void XMLBusClient::Stop() {
+    impl_->Stop();
+}
+
+void XMLBusClient::AddSubscription(const std::string& type, BusSubscription option,
+                                   const std::string& subtype) {
+    impl_->AddSubscription({type, subtype}, option);
+}
+
+void XMLBusClient::RemoveSubscription(const std::string& type, const std::string& subtype) {
+    impl_->RemoveSubscription({type, subtype});
+}
+
+const std::string& XMLBusClient::ReplyType() const {
+    return impl_->reply.type;
+}
+
+const std::string& XMLBusClient::ReplySubType() const {
+    return impl_->reply.subtype;
+}
+
+const std::string& XMLBusClient::EnterpriseID() const {
+    return impl_->enterprise_id;
+}
+
+void XMLBusClient::SetEnterpriseID(const std::string& id) {
+    impl_->enterprise_id = id;
+}
+
+void XMLBusClient::Send(const XMLMessage& message, BusSending option) {
+    impl_->Send(message, option);
+}
+
+BusStatistics XMLBusClient::Statistics() const {
+    return impl_->Statistics();
+}
+
+void XMLBusClient::SetLimits(const Limits& limits) {
+    impl_->queue.SetLimits(limits);
+}
+
+}  // namespace kq

@@ -1,0 +1,245 @@
+// What waits for the bus: which state messages replace which, the order, and the bounds.
+#include <chrono>
+
+#include "libs/xmlbus/LocalBus.h"
+#include "libs/xmlbus/SendQueue.h"
+#include "support/FakePlatform.h"
+#include "xmlbus/BusTesting.h"
+
+namespace kq {
+namespace {
+
+using testing::ElementsAre;
+
+struct SendQueueTest : testing::Test {
+    // "C", "E" and "D" send a state message of that letter, anything else an ordinary message; the text tells
+    // them apart. Two words: the letter and the text.
+    void Send(std::initializer_list<const char*> words) {
+        for (const std::string word : words) {
+            const std::string letter = word.substr(0, 1);
+            const bool state = letter == "C" || letter == "D" || letter == "E" || letter == "X";
+            EXPECT_GE(queue.Push(state ? StateOf(letter, word) : Note(word),
+                                 state ? BusSending::State : BusSending::Message),
+                      0);
+        }
+    }
+    std::vector<std::string> Left() {
+        std::vector<std::string> texts;
+        while (!queue.Empty())
+            texts.push_back(queue.Pop().Field("Text"));
+        return texts;
+    }
+
+    SendQueue queue;
+};
+
+TEST_F(SendQueueTest, KeepsOrdinaryMessagesInOrder) {
+    Send({"a", "b", "a"});
+    EXPECT_THAT(Left(), ElementsAre("a", "b", "a"));
+}
+
+TEST_F(SendQueueTest, ReplacesAFullListByANewerOne) {
+    Send({"C1", "C2"});
+    EXPECT_THAT(Left(), ElementsAre("C2"));
+}
+
+TEST_F(SendQueueTest, ReplacesARemovalByANewerFullList) {
+    Send({"E1", "C1"});
+    EXPECT_THAT(Left(), ElementsAre("C1"));
+}
+
+TEST_F(SendQueueTest, KeepsAFullListBeforeARemoval) {
+    Send({"C1", "E1"});
+    EXPECT_THAT(Left(), ElementsAre("C1", "E1"));
+}
+
+TEST_F(SendQueueTest, KeepsEveryRemoval) {
+    Send({"E1", "E2"});
+    EXPECT_THAT(Left(), ElementsAre("E1", "E2"));
+}
+
+TEST_F(SendQueueTest, ReplacesEverythingThatAFullListSaysByIt) {
+    Send({"C1", "E1", "E2", "C2", "E3"});
+    EXPECT_THAT(Left(), ElementsAre("C2", "E3"));
+}
+
+TEST_F(SendQueueTest, KeepsWhatStandsBeforeTheEndOfService) {
+    Send({"C1", "E1", "D1"});
+    EXPECT_THAT(Left(), ElementsAre("C1", "E1", "D1"));
+}
+
+TEST_F(SendQueueTest, KeepsWhatStandsBeforeTheEndOfServiceFromALaterFullList) {
+    Send({"C1", "E1", "D1", "C2"});
+    EXPECT_THAT(Left(), ElementsAre("C1", "E1", "D1", "C2"));
+}
+
+TEST_F(SendQueueTest, ReplacesOnlyBehindTheLastEndOfService) {
+    Send({"C1", "D1", "C2", "D2", "E1", "C3", "C4"});
+    EXPECT_THAT(Left(), ElementsAre("C1", "D1", "C2", "D2", "C4"));
+}
+
+TEST_F(SendQueueTest, KeepsEveryEndOfService) {
+    Send({"D1", "D2"});
+    EXPECT_THAT(Left(), ElementsAre("D1", "D2"));
+}
+
+TEST_F(SendQueueTest, NeverReplacesAnOrdinaryMessage) {
+    Send({"a", "C1", "b", "C2", "c"});
+    EXPECT_THAT(Left(), ElementsAre("a", "b", "C2", "c"));
+}
+
+TEST_F(SendQueueTest, PutsAFullListThatReplacesAnotherAtTheEnd) {
+    Send({"C1", "a", "C2"});
+    EXPECT_THAT(Left(), ElementsAre("a", "C2"));
+}
+
+TEST_F(SendQueueTest, DoesNotReplaceAStateThatIsSentAsAnOrdinaryMessage) {
+    queue.Push(StateOf("C", "plain"), BusSending::Message);
+    Send({"C1"});
+    queue.Push(StateOf("C", "plain too"), BusSending::Message);
+    EXPECT_THAT(Left(), ElementsAre("plain", "C1", "plain too"));
+}
+
+TEST_F(SendQueueTest, ReplacesNothingByAStateMessageOfAnUnknownLetter) {
+    Send({"X1", "C1", "X2", "X3"});
+    EXPECT_THAT(Left(), ElementsAre("X1", "C1", "X2", "X3"));
+}
+
+TEST_F(SendQueueTest, TakesAStateMessageWithoutAStateAsAnOrdinaryOne) {
+    queue.Push(Note("a"), BusSending::State);
+    queue.Push(Note("b"), BusSending::State);
+    EXPECT_THAT(Left(), ElementsAre("a", "b"));
+}
+
+TEST_F(SendQueueTest, KeepsTheStatesOfTwoApplicationsApart) {
+    queue.Push(StateOf("C", "demo", "Demo"), BusSending::State);
+    queue.Push(StateOf("C", "other", "Other"), BusSending::State);
+    queue.Push(StateOf("C", "demo again", "Demo"), BusSending::State);
+    EXPECT_THAT(Left(), ElementsAre("other", "demo again"));
+}
+
+TEST_F(SendQueueTest, KeepsTheStatesOfTwoDestinationsApart) {
+    auto elsewhere = StateOf("C", "elsewhere");
+    elsewhere.SetDestination({"ZEB", "Other"});
+    Send({"C1"});
+    queue.Push(elsewhere, BusSending::State);
+    EXPECT_THAT(Left(), ElementsAre("C1", "elsewhere"));
+}
+
+TEST_F(SendQueueTest, DoesNotReplaceWhatWasTaken) {
+    Send({"C1", "E1"});
+    EXPECT_EQ(queue.Pop().Field("Text"), "C1");
+    Send({"C2"});
+    EXPECT_THAT(Left(), ElementsAre("C2"));
+    Send({"C3"});
+    EXPECT_THAT(Left(), ElementsAre("C3"));
+}
+
+TEST_F(SendQueueTest, TellsHowManyItReplaced) {
+    EXPECT_EQ(queue.Push(StateOf("C", "a"), BusSending::State), 0);
+    EXPECT_EQ(queue.Push(StateOf("E", "b"), BusSending::State), 0);
+    EXPECT_EQ(queue.Push(StateOf("C", "c"), BusSending::State), 2);
+}
+
+TEST_F(SendQueueTest, TakesNoMoreMessagesThanItsLimit) {
+    queue.SetLimits({.waiting_messages = 2, .waiting_bytes = 1U << 20});
+    Send({"a", "b"});
+    EXPECT_EQ(queue.Push(Note("c"), BusSending::Message), -1);
+    EXPECT_THAT(Left(), ElementsAre("a", "b"));
+}
+
+TEST_F(SendQueueTest, TakesNoMoreBytesThanItsLimit) {
+    queue.SetLimits({.waiting_messages = 100, .waiting_bytes = 3'000});
+    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x')), BusSending::Message), 0);
+    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x')), BusSending::Message), -1);
+    queue.Pop();
+    EXPECT_EQ(queue.Bytes(), 0U);
+    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x')), BusSending::Message), 0);
+}
+
+TEST_F(SendQueueTest, TakesAFullListWhenItMakesItsOwnPlace) {
+    queue.SetLimits({.waiting_messages = 2, .waiting_bytes = 1U << 20});
+    Send({"a", "C1", "C2"});
+    EXPECT_EQ(queue.Push(StateOf("E", "E1"), BusSending::State), -1);
+    EXPECT_THAT(Left(), ElementsAre("a", "C2"));
+}
+
+TEST_F(SendQueueTest, NeverEstimatesLessThanTheTextIsLong) {
+    auto message = StateOf("C", "<&>\"'\t\r\n \xC3\xA4");
+    message.Root().SetAttribute("note", "\"<&\n");
+    message.Root().Add("Empty");
+    EXPECT_GE(SendQueue::Estimate(message), message.ToBusXML().size());
+    EXPECT_GE(SendQueue::Estimate(XMLMessage("A", "")), XMLMessage("A", "").ToBusXML().size());
+}
+
+// Were each replacement to search the queue, this would take hours.
+TEST_F(SendQueueTest, ReplacesWithoutSearchingALongQueue) {
+    queue.SetLimits({.waiting_messages = 200'000, .waiting_bytes = 1U << 30});
+    const auto note = Note("a");
+    const auto state = StateOf("C", "C1");
+    for (int i = 0; i < 20'000; ++i)
+        queue.Push(note, BusSending::Message);
+    for (int i = 0; i < 20'000; ++i)
+        queue.Push(state, BusSending::State);
+    EXPECT_EQ(queue.Size(), 20'001U);
+}
+
+struct SendingTest : testing::Test {
+    SendingTest() {
+        zeb.Hears(kZeb);
+        zeb.client->Start();
+        server.client->Start();
+        Settle();
+    }
+    void Settle() { machine.loop->RunReady(); }
+
+    FakePlatform machine;
+    LocalBus bus{machine.platform};
+    Party zeb{XMLBusClient::Create(machine.platform, bus.MakeTransport())};
+    Party server{XMLBusClient::Create(machine.platform, bus.MakeTransport())};
+};
+
+TEST_F(SendingTest, WritesOneStateForABurstWithinOneTurnOfTheLoop) {
+    for (const char* text : {"C1", "C2", "C3"})
+        server.States("C", text);
+    Settle();
+    EXPECT_THAT(zeb.heard, ElementsAre("C3"));
+    EXPECT_EQ(server.client->Statistics().sent, 3);
+    EXPECT_EQ(server.client->Statistics().replaced, 2);
+    EXPECT_EQ(server.client->Statistics().written, 1);
+}
+
+TEST_F(SendingTest, WritesEveryStateThatDoesNotHaveToWait) {
+    for (const char* text : {"C1", "C2"}) {
+        server.States("C", text);
+        Settle();
+    }
+    EXPECT_THAT(zeb.heard, ElementsAre("C1", "C2"));
+}
+
+TEST_F(SendingTest, ReplacesStatesWhileTheBusHasNoRoom) {
+    bus.SetRoom(false);
+    for (const char* text : {"C1", "C2", "C3"}) {
+        server.States("C", text);
+        Settle();
+    }
+    EXPECT_EQ(server.client->Statistics().waiting, 1);
+    bus.SetRoom(true);
+    Settle();
+    EXPECT_THAT(zeb.heard, ElementsAre("C3"));
+    EXPECT_EQ(server.client->Statistics().waiting, 0);
+}
+
+TEST_F(SendingTest, RefusesToSendWhenTooMuchWaits) {
+    bus.SetRoom(false);
+    server.client->SetLimits({.waiting_messages = 1, .waiting_bytes = 1U << 20});
+    server.Says("a");
+    EXPECT_EQ(ErrorOf([&] { server.Says("b"); }), NumberOf(NetError::NoBufferSpace));
+    EXPECT_EQ(server.client->Statistics().sent, 1);
+    bus.SetRoom(true);
+    Settle();
+    EXPECT_THAT(zeb.heard, ElementsAre("a"));
+}
+
+}  // namespace
+}  // namespace kq
