@@ -1,0 +1,25 @@
+// What zebctl does, apart from its command line. zebd opens its data the same way.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <kqappsession/Secret.h>
+
+#include "zeb/Accounts.h"
+#include "zeb/Passwords.h"
+
+namespace kq::zeb {
+
+// Makes the folder (0700) and the database in it (0600). Raises kq::Error when there is a database already.
+void InitData(const std::string& data_folder);
+// Opens the database of a folder. Raises kq::Error when there is none.
+std::unique_ptr<Store> OpenData(const std::string& data_folder);
+// Adds a user; the uid is returned. Raises kq::Error for a bad or known login id and for a password that
+// breaks the rules.
+std::int32_t AddUser(Store& store, const PasswordHasher& hasher, Account account, const Secret& password);
+// One line for each user, by login id: uid, login id, names, flags; separated by tabs, with a heading.
+std::string ListUsers(Store& store);
+
+}  // namespace kq::zeb

@@ -1,0 +1,128 @@
+// Which request goes where, and what the handlers have in common.
+#include "zeb/ClientRequests.h"
+
+#include <array>
+
+#include <kqappsession/Error.h>
+
+#include "base/Convert.h"
+#include "platform/Resolver.h"
+#include "platform/Socket.h"
+
+namespace kq::zeb {
+namespace {
+
+bool IsLoopback(const std::string& address) {
+    return address.rfind("127.", 0) == 0 || address == "::1";
+}
+
+}  // namespace
+
+bool ClientRequests::Handle(const XMLMessage& message, const PeerPtr& peer) {
+    using Handler = void (ClientRequests::*)(const XMLMessage&, const PeerPtr&);
+    struct Row {
+        std::string_view type;
+        Handler handler;
+    };
+    static constexpr std::array<Row, 5> kRows = {{
+        {ASValidateClientRequest::kType, &ClientRequests::ValidateClient},
+        {ASLoginRequest::kType, &ClientRequests::Login},
+        {ASPasswordChangeRequest::kType, &ClientRequests::ChangePassword},
+        {ASProfilesUpdate::kType, &ClientRequests::UpdateProfiles},
+        {ASDownloadClientRequest::kType, &ClientRequests::DownloadClient},
+    }};
+    for (const auto& row : kRows) {
+        if (row.type != message.Type()) continue;
+        (this->*row.handler)(message, peer);
+        return true;
+    }
+    return false;
+}
+
+void ClientRequests::DownloadClient(const XMLMessage&, const PeerPtr& peer) {
+    Refuse<ASDownloadClientResponse>(peer, Refusal::NoClientPackage);
+}
+
+void ClientRequests::ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
+                                     std::function<void(const Restriction&)> then) {
+    const std::int32_t number = ValLong(port);
+    if (peer->Relayed()) {
+        Restriction restriction;
+        if (!address.empty()) restriction.addresses.insert(address);
+        restriction.port = number;
+        then(restriction);
+    } else if (address.empty()) {
+        then(DirectRestriction(*peer, {}, number));
+    } else {
+        services_.platform->resolver->Resolve(
+            address, owner_,
+            [this, peer, address, number, then = std::move(then)](std::vector<std::string> found) {
+                if (found.empty()) found.push_back(address);
+                then(DirectRestriction(*peer, found, number));
+            });
+    }
+}
+
+Restriction ClientRequests::DirectRestriction(const Peer& peer, const std::vector<std::string>& addresses,
+                                              std::int32_t port) const {
+    const std::string local = peer.LocalAddress();
+    const std::string own = services_.platform->network->OwnAddress();
+    Restriction restriction;
+    restriction.addresses.insert(addresses.begin(), addresses.end());
+    restriction.port = port;
+    bool names_this_machine = addresses.empty();
+    for (const auto& address : addresses) {
+        if (address == local || address == own || IsLoopback(address)) names_this_machine = true;
+    }
+    if (names_this_machine && port != 0 && port == peer.LocalPort()) return {};
+    // Application servers on this machine announce one of its addresses, the client may know another.
+    if (names_this_machine && !addresses.empty()) restriction.addresses.insert({local, own, "127.0.0.1"});
+    return restriction;
+}
+
+void ClientRequests::CheckPassword(const std::string& login, const Secret& password,
+                                   const std::optional<Secret>& new_password,
+                                   std::function<void(const Checked&)> then) {
+    if (!services_.attempts.Begin(login)) {
+        then({Refusal::TooManyAttempts, {}, {}});
+        return;
+    }
+    const auto account = services_.accounts.Find(login);
+    PasswordQuestion question;
+    question.login = login;
+    question.password = password;
+    if (account) question.hash = account->password_hash;
+    question.new_password = new_password;
+    const auto judge = [this, login, account, then](const PasswordAnswer& answer) {
+        Checked checked{Refusal::Failed, {}, {}};
+        try {
+            checked = Judge(login, account, answer);
+        } catch (const Error& error) {
+            services_.log.error("The password check of {} failed: {}", ForLog(login), error.Description());
+        }
+        then(checked);
+    };
+    if (services_.passwords.Ask(std::move(question), owner_.Bind(judge))) return;
+    services_.attempts.Withdraw(login);
+    then({Refusal::Busy, {}, {}});
+}
+
+ClientRequests::Checked ClientRequests::Judge(const std::string& login, const std::optional<Account>& asked,
+                                              const PasswordAnswer& answer) {
+    if (answer.failed) {
+        services_.attempts.Withdraw(login);
+        return {Refusal::Failed, {}, {}};
+    }
+    if (!answer.correct) {
+        services_.attempts.Failed(login);
+        return {Refusal::UnknownUser, {}, {}};
+    }
+    services_.attempts.Succeeded(login);
+    // The account may have changed while the password was checked.
+    const auto account = services_.accounts.Find(asked->uid);
+    if (!account || account->password_hash != asked->password_hash) return {Refusal::UnknownUser, {}, {}};
+    if (account->disabled) return {Refusal::Disabled, {}, {}};
+    return {answer.new_password_refusal, *account, answer.new_hash};
+}
+
+}  // namespace kq::zeb

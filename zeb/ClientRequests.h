@@ -1,0 +1,98 @@
+// The requests of clients, direct and relayed: one handler for each message type. Every request that is known
+// is answered, sooner or later, with the response of its type.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <kqappsession/Signal.h>
+
+#include "messages/ASMessages.h"
+#include "zeb/Peer.h"
+#include "zeb/Services.h"
+
+namespace kq::zeb {
+
+class ClientRequests {
+ public:
+    explicit ClientRequests(Services& services) : services_(services) {}
+
+    // False for a type that is no client's request.
+    bool Handle(const XMLMessage& message, const PeerPtr& peer);
+
+ private:
+    // One file each.
+    void ValidateClient(const XMLMessage& message, const PeerPtr& peer);
+    void Login(const XMLMessage& message, const PeerPtr& peer);
+    void ChangePassword(const XMLMessage& message, const PeerPtr& peer);
+    void UpdateProfiles(const XMLMessage& message, const PeerPtr& peer);
+    void DownloadClient(const XMLMessage& message, const PeerPtr& peer);
+
+    // The user of a session, when login id, session and application belong together.
+    std::optional<Account> FindUser(const std::string& login, const std::string& session_id,
+                                    const std::string& app_id);
+
+    // Reads the two restriction fields. A direct client that names this server itself is not restricted.
+    // `then` may be called later, since host names have to be resolved.
+    void ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
+                         std::function<void(const Restriction&)> then);
+    Restriction DirectRestriction(const Peer& peer, const std::vector<std::string>& addresses,
+                                  std::int32_t port) const;
+
+    // The outcome of a password check. With None: the account, and the hash of the new password if one was
+    // given.
+    struct Checked {
+        Refusal refusal = Refusal::None;
+        Account account;
+        std::string new_hash;
+    };
+    Refusal FinishLogin(const ASLoginRequest& request, const Restriction& restriction, const Checked& checked,
+                        ASLoginResponse& response);
+    void CheckPassword(const std::string& login, const Secret& password,
+                       const std::optional<Secret>& new_password, std::function<void(const Checked&)> then);
+    Checked Judge(const std::string& login, const std::optional<Account>& asked,
+                  const PasswordAnswer& answer);
+
+    // Runs a step of a handler; whatever it raises becomes the refusal Failed.
+    template <class Response>
+    void Guard(const PeerPtr& peer, const std::function<void()>& step);
+    // `login`: whom it is about, if anybody.
+    template <class Response>
+    void Refuse(const PeerPtr& peer, Refusal refusal, const std::string& login = {});
+
+    Services& services_;
+    Owner owner_;
+};
+
+// The fields that say how a request ended, in any response.
+template <class Response>
+void SetOutcome(Response& response, Refusal refusal, const std::string& login = {}) {
+    response.ErrorNumber = std::to_string(NumberOf(refusal));
+    response.ErrorDesc = SentenceOf(refusal);
+    if constexpr (requires { response.ErrorParam; }) {
+        response.ErrorParam = refusal == Refusal::TooManySessions ? login : std::string(CodeOf(refusal));
+    }
+}
+
+template <class Response>
+void ClientRequests::Refuse(const PeerPtr& peer, Refusal refusal, const std::string& login) {
+    services_.log.info("{} to {} for \"{}\": {} {}", Response::kType, peer->Name(), ForLog(login),
+                       NumberOf(refusal), SentenceOf(refusal));
+    Response response;
+    SetOutcome(response, refusal, login);
+    peer->Answer(response.Build());
+}
+
+template <class Response>
+void ClientRequests::Guard(const PeerPtr& peer, const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const std::exception& error) {
+        services_.log.error("{} to {} failed: {}", Response::kType, peer->Name(), ForLog(error.what()));
+        Refuse<Response>(peer, Refusal::Failed);
+    }
+}
+
+}  // namespace kq::zeb

@@ -1,0 +1,54 @@
+// Slows down guessing: after a few failed attempts in a row a login id has to wait before the next one is
+// looked at, longer every time. Ids that no user has are treated alike, so the waiting says nothing about who
+// exists.
+#pragma once
+
+#include <cstddef>
+#include <list>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include <kqappsession/EventLoop.h>
+
+namespace kq::zeb {
+
+class FailedAttempts {
+ public:
+    struct Rule {
+        int free = 5;               // attempts without waiting
+        Milliseconds first{1'000};  // doubles with every further failure
+        Milliseconds longest{5 * 60 * 1'000};
+        Milliseconds forget{30 * 60 * 1'000};  // without an attempt
+        std::size_t table = 10'000;            // ids that are remembered; the longest unused one makes room
+    };
+    FailedAttempts(std::shared_ptr<EventLoop> loop, const Rule& rule) : loop_(std::move(loop)), rule_(rule) {}
+
+    // Whether an attempt may go on now. Of an id that has to wait between attempts, one at a time may.
+    bool Begin(const std::string& login);
+    void Failed(const std::string& login);
+    void Succeeded(const std::string& login);
+    // The attempt that Begin let through was not looked at after all.
+    void Withdraw(const std::string& login);
+    std::size_t Size() const { return entries_.size(); }
+
+ private:
+    struct Entry {
+        std::string login;
+        int failures = 0;
+        EventLoop::TimePoint last;
+        EventLoop::TimePoint not_before;
+    };
+    using Entries = std::list<Entry>;  // the longest unused one first
+
+    Milliseconds DelayAfter(int failures) const;
+    void Forget(EventLoop::TimePoint now);
+
+    std::shared_ptr<EventLoop> loop_;
+    Rule rule_;
+    Entries entries_;
+    std::unordered_map<std::string, Entries::iterator> by_login_;
+};
+
+}  // namespace kq::zeb

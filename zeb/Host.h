@@ -1,0 +1,37 @@
+// zebd as one object: everything that a configuration asks for, from the database to the bus.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "libs/xmlbus/Hub.h"
+#include "zeb/Config.h"
+#include "zeb/PrivateFiles.h"
+#include "zeb/Zeb.h"
+
+namespace kq::zeb {
+
+class Host {
+ public:
+    // Raises kq::Error when the database, the key file or an address cannot be used, or another zebd has the
+    // data folder.
+    Host(PlatformPtr platform, const Config& config, std::shared_ptr<spdlog::logger> log);
+    ~Host();
+
+    std::int32_t Port() const { return zeb_->Port(); }
+    std::int32_t BusPort() const { return hub_->Port(); }
+    // Says good-bye: what was answered is still written out.
+    void Stop();
+
+ private:
+    PlatformPtr platform_;
+    std::unique_ptr<FolderLock> lock_;
+    std::unique_ptr<Store> store_;
+    std::unique_ptr<PasswordHasher> hasher_;
+    std::unique_ptr<Executor> executor_;
+    std::unique_ptr<Hub> hub_;
+    std::unique_ptr<Zeb> zeb_;
+    Owner owner_;
+};
+
+}  // namespace kq::zeb

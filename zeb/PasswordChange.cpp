@@ -1,0 +1,35 @@
+// "ASPasswordChangeRequest": a user who is logged in takes another password.
+#include "zeb/ClientRequests.h"
+
+namespace kq::zeb {
+
+void ClientRequests::ChangePassword(const XMLMessage& message, const PeerPtr& peer) {
+    using Response = ASPasswordChangeResponse;
+    Guard<Response>(peer, [&] {
+        const auto request = ASPasswordChangeRequest::Read(message);
+        const std::string login = request.LoginID;
+        if (!FindUser(login, request.SessionID, request.AppID)) {
+            Refuse<Response>(peer, Refusal::NoSession, login);
+            return;
+        }
+        CheckPassword(login, request.OldPassword, request.NewPassword, [=, this](const Checked& checked) {
+            Guard<Response>(peer, [&] {
+                auto refusal = checked.refusal;
+                if (refusal == Refusal::None &&
+                    !services_.accounts.ChangePassword(checked.account.uid, checked.account.password_hash,
+                                                       checked.new_hash))
+                    refusal = Refusal::UnknownUser;
+                if (refusal != Refusal::None) {
+                    Refuse<Response>(peer, refusal, login);
+                    return;
+                }
+                services_.log.info("Password of {} changed from {}", ForLog(login), peer->Name());
+                Response response;
+                SetOutcome(response, Refusal::None);
+                peer->Answer(response.Build());
+            });
+        });
+    });
+}
+
+}  // namespace kq::zeb

@@ -1,0 +1,52 @@
+// Both ways back to the client that asked.
+#include "zeb/Peer.h"
+
+#include <kqappsession/Error.h>
+
+#include "messages/ASMessages.h"
+#include "zeb/Services.h"
+
+namespace kq::zeb {
+namespace {
+
+constexpr std::size_t kMaxLogText = 64;
+
+}  // namespace
+
+std::string ForLog(std::string_view text) {
+    std::string line(text.substr(0, kMaxLogText));
+    for (auto& c : line) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
+    }
+    return line;
+}
+
+void DirectPeer::Answer(const XMLMessage& answer) {
+    try {
+        client_->Send(answer);
+    } catch (const Error&) {
+        // Gone, or it reads nothing and was closed for that.
+    }
+}
+
+std::string DirectPeer::Name() const {
+    return client_->RemoteAddress() + ":" + std::to_string(client_->RemotePort());
+}
+
+RelayedPeer::RelayedPeer(const XMLMessage& request, std::function<void(const XMLMessage&)> send_on_bus)
+    : reply_{request.Field(kReturnMsgType), request.Field(kReturnSubType)},
+      trans_id_(request.Field(kTransID)),
+      send_on_bus_(std::move(send_on_bus)) {}
+
+void RelayedPeer::Answer(const XMLMessage& answer) {
+    auto message = answer.ToBusMessage(kZEBSchemas);
+    message.SetField(kTransID, trans_id_);
+    message.SetDestination(reply_);
+    send_on_bus_(message);
+}
+
+std::string RelayedPeer::Name() const {
+    return ForLog(reply_.type + "/" + reply_.subtype + " " + trans_id_);
+}
+
+}  // namespace kq::zeb

@@ -1,0 +1,59 @@
+// Who sent a request: a client that is connected to this server, or one behind an application server whose
+// request came over the bus.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <kqappsession/APClient.h>
+#include <kqappsession/XMLMessage.h>
+
+namespace kq::zeb {
+
+class Peer {
+ public:
+    virtual ~Peer() = default;
+    // Nothing happens when the peer has gone.
+    virtual void Answer(const XMLMessage& answer) = 0;
+    // The peer has logged in.
+    virtual void Admit() {}
+    virtual bool Relayed() const = 0;
+    // Where a direct peer reached this server; empty and 0 for a relayed one.
+    virtual std::string LocalAddress() const { return {}; }
+    virtual std::int32_t LocalPort() const { return 0; }
+    virtual std::string Name() const = 0;  // for the log
+};
+
+using PeerPtr = std::shared_ptr<Peer>;
+
+class DirectPeer final : public Peer {
+ public:
+    explicit DirectPeer(std::shared_ptr<APClient> client) : client_(std::move(client)) {}
+    void Answer(const XMLMessage& answer) override;
+    void Admit() override { client_->Admit(); }
+    bool Relayed() const override { return false; }
+    std::string LocalAddress() const override { return client_->LocalAddress(); }
+    std::int32_t LocalPort() const override { return client_->LocalPort(); }
+    std::string Name() const override;
+
+ private:
+    std::shared_ptr<APClient> client_;
+};
+
+// Answers go back with the request's "TransID" to the reply address that the application server put in.
+class RelayedPeer final : public Peer {
+ public:
+    RelayedPeer(const XMLMessage& request, std::function<void(const XMLMessage&)> send_on_bus);
+    void Answer(const XMLMessage& answer) override;
+    bool Relayed() const override { return true; }
+    std::string Name() const override;
+
+ private:
+    BusAddress reply_;
+    std::string trans_id_;
+    std::function<void(const XMLMessage&)> send_on_bus_;
+};
+
+}  // namespace kq::zeb

@@ -1,0 +1,32 @@
+// What application servers send over the bus: requests to register a session, and announcements.
+#pragma once
+
+#include <string>
+
+#include "messages/ASMessages.h"
+#include "zeb/Services.h"
+
+namespace kq::zeb {
+
+class ServerMessages {
+ public:
+    explicit ServerMessages(Services& services) : services_(services) {}
+
+    // False for a type that does not come from application servers.
+    bool Handle(const XMLMessage& message);
+    // Asks every application server to announce itself at once.
+    void AskForAnnouncements();
+    // What time brings: servers that have fallen silent, sessions that have expired.
+    void Tidy();
+
+ private:
+    void Register(const XMLMessage& message);
+    // The answer's content; None with a filled session record.
+    Refusal Confirm(const RequestASRegistration& request, SessionInfo& info);
+    void OrderLogout(const Session& session);
+    void Announce(const XMLMessage& message);
+
+    Services& services_;
+};
+
+}  // namespace kq::zeb

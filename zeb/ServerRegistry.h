@@ -1,0 +1,86 @@
+// The application servers that have announced themselves: who is there, what they serve and how busy they
+// are.
+//
+// A server is known by its reply address, which no other process on the bus has, and its application, since
+// one process may serve several. It stays until it says "D" or is silent for longer than three of its
+// announcement intervals.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <kqappsession/EventLoop.h>
+#include <kqappsession/XMLMessage.h>
+
+#include "messages/ASMessages.h"
+
+namespace kq::zeb {
+
+struct ApplicationServer {
+    BusAddress reply;
+    std::string app_id;
+    std::string address;
+    std::int32_t port = 0;
+    Milliseconds interval{0};  // 0 or less: announces itself only when something changes or it is asked
+    std::vector<std::string> interface_versions;
+    std::set<std::string> sessions;
+    std::int32_t promised = 0;  // logins that were sent there since the last list of sessions
+    EventLoop::TimePoint heard;
+
+    std::size_t Load() const { return sessions.size() + static_cast<std::size_t>(promised); }
+};
+
+// Which servers a client may be sent to. Empty: every one.
+struct Restriction {
+    std::set<std::string> addresses;
+    std::int32_t port = 0;
+
+    bool Allows(const ApplicationServer& server) const {
+        return (addresses.empty() || addresses.contains(server.address)) &&
+               (port == 0 || port == server.port);
+    }
+};
+
+class ServerRegistry {
+ public:
+    static constexpr Milliseconds kSlack{5'000};
+    // Stands in for the interval of a server that has none; such a server has to be asked at least as often.
+    static constexpr Milliseconds kAskInterval{60'000};
+    static constexpr Milliseconds kMaxInterval{24 * 60 * 60 * 1'000};
+    static constexpr std::size_t kMaxServers = 4'096;
+
+    explicit ServerRegistry(std::shared_ptr<EventLoop> loop) : loop_(std::move(loop)) {}
+
+    // "C": the server is there and these are its sessions. Returns whether it was unknown.
+    bool Announced(const ASBroadcastInfo& info);
+    // "E" of a known server; an unknown one stays unknown.
+    void SessionEnded(const BusAddress& reply, const std::string& app_id, const std::string& session_id);
+    void Left(const BusAddress& reply, const std::string& app_id);
+    // Forgets the silent ones and returns them.
+    std::vector<ApplicationServer> DropSilent();
+
+    bool IsLive(const BusAddress& reply, const std::string& app_id) const;
+    bool Serves(const std::string& app_id, const std::string& interface_version,
+                const Restriction& restriction) const;
+    // The port of the least busy server for the application; that server's load counts one more. Nothing when
+    // there is none.
+    std::optional<std::int32_t> ChoosePort(const std::string& app_id, const Restriction& restriction);
+    bool HasServerFor(const std::string& app_id, const Restriction& restriction) const;
+    // Whether some server announces itself only when asked.
+    bool SomeMustBeAsked() const;
+    std::size_t Count() const { return servers_.size(); }
+
+ private:
+    bool Silent(const ApplicationServer& server) const;
+
+    std::shared_ptr<EventLoop> loop_;
+    std::map<std::pair<BusAddress, std::string>, ApplicationServer> servers_;
+};
+
+}  // namespace kq::zeb

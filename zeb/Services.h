@@ -1,0 +1,46 @@
+// What the handlers of messages work with. Everything is owned by Zeb and outlives them.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include <spdlog/logger.h>
+
+#include <kqappsession/Platform.h>
+#include <kqappsession/XMLMessage.h>
+
+#include "zeb/Accounts.h"
+#include "zeb/FailedAttempts.h"
+#include "zeb/PasswordPool.h"
+#include "zeb/ServerRegistry.h"
+#include "zeb/Sessions.h"
+#include "zeb/UserData.h"
+
+namespace kq::zeb {
+
+struct Services {
+    PlatformPtr platform;
+    Accounts& accounts;
+    UserData& user_data;
+    Sessions& sessions;
+    ServerRegistry& servers;
+    PasswordPool& passwords;
+    FailedAttempts& attempts;
+    spdlog::logger& log;
+    std::function<void(const XMLMessage&)> send_on_bus;  // never raises
+
+    // Whether the user has as many live sessions as allowed; `except` does not count.
+    bool SessionsUsedUp(const Account& account, const std::string& except) const {
+        if (account.max_sessions == 0) return false;
+        const auto live = [this](const Session& session) {
+            return servers.IsLive(session.server, session.app_id);
+        };
+        return sessions.CountLive(account.uid, except, live) >= account.max_sessions;
+    }
+};
+
+// A text from outside as it may stand in the log: one line, not too long.
+std::string ForLog(std::string_view text);
+
+}  // namespace kq::zeb

@@ -1,0 +1,72 @@
+// The login server: takes requests from its own connections and from the bus, and keeps the books.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <kqappsession/Listener.h>
+#include <kqappsession/Platform.h>
+#include <kqappsession/Timer.h>
+#include <kqappsession/XMLBusClient.h>
+
+#include "zeb/ClientRequests.h"
+#include "zeb/ServerMessages.h"
+#include "zeb/Services.h"
+
+namespace kq::zeb {
+
+struct ZebSettings {
+    std::string listen = "127.0.0.1";  // empty: all addresses
+    std::int32_t port = 0;             // 0: a free one
+    std::int32_t max_connections = 2'000;
+    // Of a request. Profiles come over connections that have not logged in, so it is no less before the
+    // login.
+    std::size_t max_request = 1U << 20;
+    Sessions::Rule sessions;
+    FailedAttempts::Rule attempts;
+};
+
+class Zeb {
+ public:
+    // What is referred to must outlive the server; the bus client is this server's alone.
+    Zeb(PlatformPtr platform, Store& store, Executor& executor, const PasswordHasher& hasher,
+        std::shared_ptr<XMLBusClient> bus, std::shared_ptr<spdlog::logger> log, const ZebSettings& settings);
+    Zeb(const Zeb&) = delete;
+    Zeb& operator=(const Zeb&) = delete;
+    ~Zeb();
+
+    // Raises the network's error when it cannot listen.
+    void Start();
+    // What was answered is still written out, within 1 s.
+    void Stop();
+    std::int32_t Port() const { return listener_->Port(); }
+
+ private:
+    void ListenForClients();
+    void JoinBus();
+    void OnBlock(const Listener::ClientPtr& client, const Block& block);
+    void OnBusMessage(const XMLMessage& message, bool& handled);
+    void OnTick();
+    void SendOnBus(const XMLMessage& message);
+
+    PlatformPtr platform_;
+    ZebSettings settings_;
+    std::shared_ptr<spdlog::logger> log_;
+    std::shared_ptr<XMLBusClient> bus_;
+    std::shared_ptr<Listener> listener_;
+    Accounts accounts_;
+    UserData user_data_;
+    Sessions sessions_;
+    ServerRegistry servers_;
+    PasswordPool passwords_;
+    FailedAttempts attempts_;
+    Services services_;
+    ClientRequests client_requests_;
+    ServerMessages server_messages_;
+    Timer timer_;
+    std::int64_t ticks_ = 0;
+    Owner owner_;
+};
+
+}  // namespace kq::zeb

@@ -1,0 +1,80 @@
+// zebctl: looks after the login server's database.
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include <kqappsession/Error.h>
+
+#include "zeb/Admin.h"
+#include "zeb/Terminal.h"
+
+namespace {
+
+using namespace kq::zeb;
+
+enum Exit { kDone = 0, kFailed = 1, kMisused = 2 };
+
+void AddData(CLI::App* command, std::string& data) {
+    command->add_option("--data", data, "folder with the database")
+        ->type_name("DIR")
+        ->envname("ZEBD_DATA")
+        ->required();
+}
+
+void AddUserCommand(CLI::App* user, std::string& data, Account& account) {
+    auto* add = user->add_subcommand("add", "Adds a user; the password is read from standard input.");
+    AddData(add, data);
+    add->add_option("LOGIN", account.login, "login id")->required();
+    add->add_option("--first-name", account.first_name, "first name");
+    add->add_option("--last-name", account.last_name, "last name");
+    add->add_option("--language", account.language, "language, as its number")->capture_default_str();
+    add->add_option("--enterprise", account.enterprise_id, "enterprise");
+    add->add_option("--tz", account.tz, "time zone");
+    add->add_option("--dst", account.dst, "daylight saving time");
+    add->add_option("--buid", account.buid, "business unit");
+    add->add_option("--buid-union", account.buid_union, "all business units, separated by |");
+    add->add_option("--privileges", account.privileges, "privileges, separated by |");
+    add->add_option("--max-sessions", account.max_sessions, "sessions at once; 0: no limit")
+        ->check(CLI::NonNegativeNumber);
+    add->add_flag("--must-change", account.must_change, "the password must be changed at the first login");
+    add->add_flag("--disabled", account.disabled, "the user cannot log in");
+    add->callback([&data, &account] {
+        const auto store = OpenData(data);
+        const auto password = ReadNewPassword(std::cin, StandardInputIsTerminal(), std::cerr);
+        const auto uid = AddUser(*store, Argon2Hasher(), account, password);
+        std::cout << "zebctl: added user " << account.login << " with uid " << uid << "\n";
+    });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Looks after the database of the login server, also while zebd runs.", "zebctl");
+    app.footer("Exit codes: 0 done, 1 failed, 2 wrong command line.");
+    app.require_subcommand(1);
+    std::string data;
+    Account account;
+    auto* init = app.add_subcommand("init", "Makes a new database.");
+    AddData(init, data);
+    init->callback([&data] {
+        InitData(data);
+        std::cout << "zebctl: made a database in " << data << "\n";
+    });
+    auto* user = app.add_subcommand("user", "Users: add, list.");
+    user->require_subcommand(1);
+    AddUserCommand(user, data, account);
+    auto* list = user->add_subcommand("list", "Lists the users.");
+    AddData(list, data);
+    list->callback([&data] { std::cout << ListUsers(*OpenData(data)); });
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) return app.exit(error);
+        std::cerr << "zebctl: " << error.what() << std::endl;
+        return kMisused;
+    } catch (const std::exception& error) {
+        std::cerr << "zebctl: " << error.what() << std::endl;
+        return kFailed;
+    }
+    return kDone;
+}
