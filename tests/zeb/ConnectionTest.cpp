@@ -1,0 +1,113 @@
+// Direct connections: what is not a request, what is too much, and what must never be written down.
+#include <kqappsession/Error.h>
+
+#include "zeb/ZebTesting.h"
+
+namespace kq::zeb {
+namespace {
+
+using Connection = ZebTest;
+
+bool Ended(const std::shared_ptr<APClient>& client) {
+    try {
+        client->TakeBlock(0);
+        return false;
+    } catch (const Error&) {
+        return !client->Connected();
+    }
+}
+
+TEST_F(Connection, AnUnknownMessageIsAnsweredAndTheConnectionClosed) {
+    StartZeb();
+    const auto client = NewClient();
+    const auto reply = client->Request(XMLMessage("ASRegisterRequest", "1"));
+    EXPECT_EQ(reply.Type(), "ASUnknownResponse");
+    EXPECT_EQ(reply.Field("ErrorNum"), "7608");
+    EXPECT_EQ(reply.Field("ErrorDesc"), "The login server does not know this message.");
+    EXPECT_TRUE(Ended(client));
+}
+
+TEST_F(Connection, MessagesOfTheBusAreUnknownHere) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    RequestASRegistration request;
+    request.SessionID = Login("ana").SessionID;
+    request.AppID = kApp;
+    EXPECT_EQ(Ask(request.Build()).Type(), "ASUnknownResponse");
+    EXPECT_EQ(Ask(server->Info("D", {}).Build()).Type(), "ASUnknownResponse");
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
+TEST_F(Connection, TextThatIsNoMessageEndsIt) {
+    StartZeb();
+    const auto client = NewClient();
+    client->SendText("hello");
+    EXPECT_TRUE(Ended(client));
+}
+
+TEST_F(Connection, RawBytesEndIt) {
+    StartZeb();
+    const auto client = NewClient();
+    client->SendBytes("bytes");
+    EXPECT_TRUE(Ended(client));
+}
+
+TEST_F(Connection, ARequestOverTheLimitEndsIt) {
+    ZebSettings settings;
+    settings.max_request = 4096;
+    StartZeb(settings);
+    const auto client = NewClient();
+    client->SendText(std::string(5000, 'x'));
+    EXPECT_TRUE(Ended(client));
+}
+
+TEST_F(Connection, SeveralRequestsMayComeOverOneConnection) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    const auto client = NewClient();
+    ASValidateClientRequest validate;
+    validate.AppID = kApp;
+    EXPECT_EQ(client->Request(validate.Build()).Field("ErrorNumber"), "0");
+    EXPECT_EQ(client->Request(LoginRequest("ana").Build()).Field("ErrorNumber"), "0");
+}
+
+TEST_F(Connection, ADownloadIsRefusedAsThereIsNothingToDownload) {
+    StartZeb();
+    const auto reply = Ask(ASDownloadClientRequest().Build());
+    EXPECT_EQ(reply.Type(), "ASDownloadClientResponse");
+    EXPECT_EQ(reply.Field("ErrorNumber"), "7607");
+}
+
+TEST_F(Connection, NoPasswordGetsIntoTheLog) {
+    const std::string marked = "MarkedPassword17";
+    StartZeb();
+    AddUser("ana", marked);
+    const auto server = RunningServer();
+    Login("ana", marked);
+    Login("ana", marked + "x");
+    Login("ana", marked, marked + "y");
+    server->Relay(LoginRequest("ana", marked + "z").Build());
+    NewClient()->SendText("<ASLoginRequest><Password>" + marked);
+    machine.loop->RunReady();
+    EXPECT_NE(Log().find("Login of ana"), std::string::npos) << "the log is looked at";
+    EXPECT_EQ(Log().find(marked), std::string::npos);
+}
+
+TEST_F(Connection, NobodyWritesLinesOfHisOwnIntoTheLog) {
+    StartZeb();
+    const auto server = RunningServer();
+    AddUser("ana");
+    auto request = LoginRequest("ana");
+    request.AppID = "Demo\n[error] forged";
+    Login(request);
+    ASValidateClientRequest validate;
+    validate.AppID = "Demo\n[error] forged";
+    Ask(validate.Build());
+    EXPECT_EQ(Log().find("\n[error] forged"), std::string::npos);
+    EXPECT_NE(Log().find("Demo?[error] forged"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kq::zeb

@@ -1,0 +1,156 @@
+// zebd as a whole, on this machine's own network and threads: from the configuration to a login.
+#include <csignal>
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <spdlog/sinks/null_sink.h>
+
+#include <kqappsession/Error.h>
+
+#include "zeb/Admin.h"
+#include "zeb/Host.h"
+#include "zeb/Signals.h"
+#include "zeb/TemporaryFolder.h"
+
+namespace kq::zeb {
+namespace {
+
+class ZebHost : public testing::Test {
+ protected:
+    ZebHost() {
+        InitData(folder.Path("data"));
+        config.data = folder.Path("data");
+        config.port = config.bus_port = 0;
+        config.password_passes = config.password_memory = 1;
+    }
+    std::unique_ptr<Host> Start() {
+        const auto sink = std::make_shared<spdlog::sinks::null_sink_mt>();
+        return std::make_unique<Host>(platform, config, std::make_shared<spdlog::logger>("zebd", sink));
+    }
+    std::string WhyNot() {
+        try {
+            Start();
+        } catch (const Error& error) {
+            return error.Description();
+        }
+        return {};
+    }
+    void AddAna() {
+        Account account;
+        account.login = "ana";
+        AddUser(*OpenData(config.data), Argon2Hasher({.passes = 1, .memory = 8192}), account,
+                Secret("correct horse"));
+    }
+    // Announces an application server on the bus and waits until the login server knows it.
+    std::shared_ptr<XMLBusClient> Announce(const Host& host, const std::string& key = {});
+    bool Serves(const Host& host);
+    XMLMessage Ask(const Host& host, const XMLMessage& request) {
+        const auto client = APClient::Create(platform);
+        client->SetReceiveMode(ReceiveMode::Take);
+        client->Connect("127.0.0.1", host.Port(), "", 0);
+        return client->Request(request);
+    }
+
+    TemporaryFolder folder;
+    Config config;
+    PlatformPtr platform = MakePlatform();
+    Owner owner;
+};
+
+std::shared_ptr<XMLBusClient> ZebHost::Announce(const Host& host, const std::string& key) {
+    auto client = XMLBusClient::Create(platform, BusSettings{"127.0.0.1", host.BusPort(), key});
+    ApplicationInfo application;
+    application.AppID = "Demo";
+    application.Port = "7000";
+    application.Address = "127.0.0.1";
+    application.InterfaceVersions = {"1.0"};
+    application.InfoState = "C";
+    ASBroadcastInfo info;
+    info.ASRequestInfo = ASRequestInfo{client->ReplyType(), client->ReplySubType()};
+    info.ApplicationInfos = ApplicationInfos{application};
+    auto message = info.Build();
+    message.SetDestination({"ZEB", "Broadcast"});
+    // Whoever of the two comes to the bus last is heard by the other.
+    client->AddSubscription("AS", BusSubscription::Ordinary, "Broadcast");
+    client->ReceiveMessage.Connect(owner, [client = client.get(), message](const auto& request, bool&) {
+        if (request->Type() == RequestBroadcastAS::kType) client->Send(message);
+    });
+    client->Start();
+    client->Send(message);
+    const auto deadline = platform->loop->Now() + std::chrono::seconds(20);
+    while (!Serves(host) && platform->loop->Now() < deadline) {
+    }
+    return client;
+}
+
+bool ZebHost::Serves(const Host& host) {
+    ASValidateClientRequest request;
+    request.AppID = "Demo";
+    request.InterfaceVersion = "1.0";
+    return Ask(host, request.Build()).Field("InterfaceAvailable") == "True";
+}
+
+TEST_F(ZebHost, LogsInAUserOfItsDatabase) {
+    AddAna();
+    const auto host = Start();
+    const auto server = Announce(*host);
+    ASLoginRequest request;
+    request.AppID = "Demo";
+    request.LoginID = "ana";
+    request.Password = Secret("correct horse");
+    const auto reply = Ask(*host, request.Build());
+    EXPECT_EQ(reply.Field("ErrorNumber"), "0");
+    EXPECT_EQ(reply.Field("Port"), "7000");
+    request.Password = Secret("wrong horse");
+    EXPECT_EQ(Ask(*host, request.Build()).Field("ErrorNumber"), "7721");
+    host->Stop();
+}
+
+TEST_F(ZebHost, CarriesABusWithAKey) {
+    const auto key = folder.Path("key");
+    CreatePrivateFile(key);
+    std::ofstream(key) << "the key\n";
+    config.bus_key_file = key;
+    const auto host = Start();
+    const auto server = Announce(*host, "the key");
+    EXPECT_TRUE(Serves(*host));
+    host->Stop();
+}
+
+TEST_F(ZebHost, NeedsADatabase) {
+    config.data = folder.Path("none");
+    EXPECT_THAT(WhyNot(), testing::HasSubstr("There is no database in " + config.data));
+}
+
+TEST_F(ZebHost, HasItsDataFolderForItself) {
+    const auto host = Start();
+    EXPECT_EQ(WhyNot(), "Another zebd is running with the data in " + config.data + ".");
+}
+
+TEST_F(ZebHost, NamesTheAddressThatIsTaken) {
+    const auto host = Start();
+    InitData(folder.Path("second"));
+    config.data = folder.Path("second");
+    config.port = host->Port();
+    EXPECT_THAT(WhyNot(), testing::StartsWith("127.0.0.1:" + std::to_string(config.port) + ": "));
+}
+
+TEST_F(ZebHost, OffersNoBusWithoutAKeyToOtherMachines) {
+    config.bus_address = "0.0.0.0";
+    EXPECT_THAT(WhyNot(), testing::StartsWith("0.0.0.0:0: "));
+}
+
+TEST(ZebStopSignals, ArriveOnTheLoop) {
+    const auto loop = MakePlatform()->loop;
+    int stops = 0;
+    const StopSignals signals(loop, [&] { ++stops; });
+    std::raise(SIGTERM);
+    EXPECT_EQ(stops, 0);
+    EXPECT_TRUE(loop->RunUntil([&] { return stops == 1; }, loop->Now() + std::chrono::seconds(20)));
+    std::raise(SIGINT);
+    EXPECT_TRUE(loop->RunUntil([&] { return stops == 2; }, loop->Now() + std::chrono::seconds(20)));
+}
+
+}  // namespace
+}  // namespace kq::zeb

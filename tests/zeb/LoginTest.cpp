@@ -1,0 +1,318 @@
+// "ASLoginRequest": what a login delivers and every way in which it is refused.
+#include <kqappsession/WebData.h>
+
+#include "zeb/ZebTesting.h"
+
+namespace kq::zeb {
+namespace {
+
+using LoginTest = ZebTest;
+
+TEST_F(LoginTest, DeliversEverythingThatTheClientNeeds) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer(7000);
+    const auto reply = Ask(LoginRequest("ana").Build());
+    EXPECT_EQ(reply.Type(), "ASLoginResponse");
+    EXPECT_EQ(reply.Version(), "1");
+    EXPECT_EQ(reply.Field("ErrorNumber"), "0");
+    EXPECT_EQ(reply.Field("Port"), "7000");
+    EXPECT_EQ(reply.Field("SessionID").size(), 32U);
+    TranslationTable().LoadXML(reply.Field("TranslationTable"));
+    Profiles().LoadXML(reply.Field("Profiles"));
+}
+
+Account Detailed() {
+    Account details;
+    details.first_name = "Ana";
+    details.last_name = "Müller & Söhne";
+    details.enterprise_id = "E1";
+    details.language = "1031";
+    details.tz = "CET";
+    details.dst = "CEST";
+    details.buid = "7";
+    details.buid_union = "7|9|";
+    details.privileges = "read|write";
+    return details;
+}
+
+SessionInfo RecordOf(const ASLoginResponse& reply) {
+    XMLMessage record;
+    record.LoadXML(reply.SessionInfo);
+    return SessionInfo::Read(record);
+}
+
+TEST_F(LoginTest, TheSessionRecordDescribesTheUser) {
+    StartZeb();
+    AddUser("ana", kPassword, Detailed());
+    const auto server = RunningServer();
+    const auto info = RecordOf(Login("ana"));
+    EXPECT_EQ(info.LoginID, "ana");
+    EXPECT_EQ(info.FirstName, "Ana");
+    EXPECT_EQ(info.LastName, "Müller & Söhne");
+    EXPECT_EQ(info.EnterpriseID + info.Language + info.TZ + info.DST + info.BUID, "E11031CETCEST7");
+    EXPECT_EQ(info.BUIDUnionList, "7|9|");
+    EXPECT_EQ(info.PrivilegeList, "read|write");
+}
+
+TEST_F(LoginTest, TheSessionRecordNamesUserOperatorAndSession) {
+    StartZeb();
+    const auto uid = AddUser("ana");
+    const auto server = RunningServer();
+    const auto reply = Login("ana");
+    const auto info = RecordOf(reply);
+    EXPECT_EQ(info.UserUID, std::to_string(uid));
+    EXPECT_EQ(info.OperatorID, std::to_string(uid));
+    EXPECT_EQ(info.SessionID, reply.SessionID);
+}
+
+TEST_F(LoginTest, DeliversTheTextsOfTheUsersLanguage) {
+    StartZeb();
+    Account details;
+    details.language = "1031";
+    AddUser("ana", kPassword, details);
+    store.Use("INSERT INTO translations VALUES ('1031', 'open', 'Öffnen'), ('1033', 'open', 'Open')").Run();
+    const auto server = RunningServer();
+    TranslationTable table;
+    table.LoadXML(Login("ana").TranslationTable);
+    EXPECT_EQ(table.Language(), "1031");
+    EXPECT_EQ(table.Translate("open"), "Öffnen");
+}
+
+TEST_F(LoginTest, EverySessionHasAnIdOfItsOwn) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    EXPECT_NE(Login("ana").SessionID, Login("ana").SessionID);
+}
+
+TEST_F(LoginTest, AWrongPasswordIsRefusedWithTheCodeThatClientsTranslate) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    const auto reply = Login("ana", "wrong password");
+    EXPECT_EQ(reply.ErrorNumber, "7721");
+    EXPECT_EQ(reply.ErrorParam, "ZEBError-132");
+    EXPECT_EQ(reply.ErrorDesc, "Unknown User/Password");
+    EXPECT_EQ(reply.SessionID + reply.SessionInfo, "");
+}
+
+TEST_F(LoginTest, AnUnknownUserIsRefusedLikeAWrongPassword) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    EXPECT_EQ(Ask(LoginRequest("eve", "x").Build()), Ask(LoginRequest("ana", "x").Build()));
+}
+
+TEST_F(LoginTest, AnUnknownUserCostsTheSameWork) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    Login("ana", "wrong password", "another password");
+    const auto known = std::pair(hasher.verified, hasher.hashed);
+    hasher.verified = hasher.hashed = 0;
+    Login("eve", "wrong password", "another password");
+    EXPECT_EQ(std::pair(hasher.verified, hasher.hashed), known);
+}
+
+TEST_F(LoginTest, NobodyLogsInWithThePasswordThatStandsInForUnknownUsers) {
+    StartZeb();
+    const auto server = RunningServer();
+    EXPECT_EQ(Login("", "").ErrorNumber, "7721");
+}
+
+TEST_F(LoginTest, LoginIdsAreComparedExactly) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    EXPECT_EQ(Login("Ana").ErrorNumber, "7721");
+}
+
+TEST_F(LoginTest, ADisabledUserIsToldSoOnlyWithTheRightPassword) {
+    StartZeb();
+    Account details;
+    details.disabled = true;
+    AddUser("ana", kPassword, details);
+    const auto server = RunningServer();
+    EXPECT_EQ(Login("ana", "wrong password").ErrorNumber, "7721");
+    EXPECT_EQ(Login("ana").ErrorNumber, "7601");
+}
+
+TEST_F(LoginTest, APasswordThatMustBeChangedIsAskedForAndChangedByTheNextLogin) {
+    StartZeb();
+    Account details;
+    details.must_change = true;
+    AddUser("ana", kPassword, details);
+    const auto server = RunningServer();
+    EXPECT_EQ(Login("ana").ErrorNumber, "7722");
+    EXPECT_EQ(Login("ana", kPassword, "battery staple").ErrorNumber, "0");
+    EXPECT_EQ(Login("ana").ErrorNumber, "7721");
+    EXPECT_EQ(Login("ana", "battery staple").ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, ANewPasswordThatBreaksARuleIsRefusedAndNotStored) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    const auto reply = Login("ana", kPassword, "short");
+    EXPECT_EQ(reply.ErrorNumber, "7890");
+    EXPECT_EQ(reply.ErrorParam, "ZEBError-301");
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, WithoutAServerForTheApplicationThereIsNoLogin) {
+    StartZeb();
+    AddUser("ana");
+    const auto other = RunningServer(7000, "Other");
+    const auto reply = Login("ana");
+    EXPECT_EQ(reply.ErrorNumber, "7604");
+    EXPECT_EQ(reply.ErrorDesc, "No application server is available for this application.");
+}
+
+TEST_F(LoginTest, ARefusedLoginKeepsTheOldPassword) {
+    StartZeb();
+    AddUser("ana");
+    EXPECT_EQ(Login("ana", kPassword, "battery staple").ErrorNumber, "7604");
+    const auto server = RunningServer();
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, TheLeastBusyServerIsChosen) {
+    StartZeb();
+    AddUser("ana");
+    const auto busy = NewServer(7000);
+    busy->Announce({"a", "b", "c"});
+    const auto idle = NewServer(7001);
+    idle->Announce({"d"});
+    EXPECT_EQ(Login("ana").Port, "7001");
+    EXPECT_EQ(Login("ana").Port, "7001");
+    EXPECT_EQ(Login("ana").Port, "7000") << "two logins are on their way to 7001";
+}
+
+TEST_F(LoginTest, ARestrictedLoginGetsThatServer) {
+    StartZeb();
+    AddUser("ana");
+    const auto idle = RunningServer(7000);
+    const auto busy = NewServer(7001);
+    busy->Announce({"a", "b"});
+    auto request = LoginRequest("ana");
+    request.RestrictIP = "127.0.0.1";
+    request.RestrictPort = "7001";
+    EXPECT_EQ(Login(request).Port, "7001");
+    request.RestrictPort = "7002";
+    EXPECT_EQ(Login(request).ErrorNumber, "7604");
+}
+
+TEST_F(LoginTest, ARelayedLoginIsAnsweredWithItsTransID) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    server->Relay(LoginRequest("ana").Build(), "42");
+    const auto reply = server->Heard();
+    EXPECT_EQ(reply.Type(), "ASLoginResponse");
+    EXPECT_EQ(reply.Field("TransID"), "42");
+    EXPECT_EQ(reply.Root().TextOf("SessionInfo/LoginID"), "ana");
+}
+
+TEST_F(LoginTest, AUserWithAllSessionsInUseIsRefusedByName) {
+    StartZeb();
+    Account details;
+    details.max_sessions = 1;
+    AddUser("ana", kPassword, details);
+    const auto server = RunningServer();
+    LoginAndRegister("ana", *server);
+    const auto reply = Login("ana");
+    EXPECT_EQ(reply.ErrorNumber, "7790");
+    EXPECT_EQ(reply.ErrorParam, "ana");
+}
+
+TEST_F(LoginTest, SessionsOfAServerThatIsGoneAreNotInUse) {
+    StartZeb();
+    Account details;
+    details.max_sessions = 1;
+    AddUser("ana", kPassword, details);
+    const auto server = RunningServer(7000);
+    LoginAndRegister("ana", *server);
+    Pass(std::chrono::minutes(2));
+    const auto another = RunningServer(7001);
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, TooManyWaitingChecksAreRefusedAndDoNotCountAsFailures) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    executor.full = true;
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(Login("ana").ErrorNumber, "7603");
+    executor.full = false;
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, AHashThatCannotBeComputedIsAFailureAndNotAWrongPassword) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    hasher.out_of_memory = true;
+    EXPECT_EQ(Login("ana").ErrorNumber, "7609");
+}
+
+TEST_F(LoginTest, GuessingIsSlowedDown) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(Login("ana", "a guess").ErrorNumber, "7721");
+    hasher.verified = 0;
+    EXPECT_EQ(Login("ana").ErrorNumber, "7602");
+    EXPECT_EQ(hasher.verified, 0);
+    Pass(std::chrono::seconds(2));
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, APasswordThatChangesDuringTheCheckIsNotAccepted) {
+    StartZeb();
+    const auto uid = AddUser("ana");
+    const auto server = RunningServer();
+    executor.hold = true;
+    const auto client = NewClient();
+    client->Send(LoginRequest("ana").Build());
+    machine.loop->RunReady();
+    Accounts(store).ChangePassword(uid, std::string("hash of ") + kPassword, "hash of battery staple");
+    executor.RunHeld();
+    XMLMessage reply;
+    reply.LoadXML(client->TakeBlock(0).data);
+    EXPECT_EQ(reply.Field("ErrorNumber"), "7721");
+}
+
+TEST_F(LoginTest, AClientThatLeavesDuringTheCheckHarmsNobody) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    executor.hold = true;
+    auto client = NewClient();
+    client->Send(LoginRequest("ana").Build());
+    machine.loop->RunReady();
+    client->Disconnect();
+    Pass(std::chrono::seconds(2));
+    executor.RunHeld();
+    machine.loop->RunReady();
+    executor.hold = false;
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, AServerThatStopsDuringTheCheckAnswersNothing) {
+    StartZeb();
+    AddUser("ana");
+    executor.hold = true;
+    const auto client = NewClient();
+    client->Send(LoginRequest("ana").Build());
+    machine.loop->RunReady();
+    zeb.reset();
+    executor.RunHeld();
+    machine.loop->RunReady();
+    EXPECT_THROW(client->TakeBlock(100), Error);
+}
+
+}  // namespace
+}  // namespace kq::zeb

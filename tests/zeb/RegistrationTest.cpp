@@ -1,0 +1,168 @@
+// "RequestASRegistration" and what follows from a session's moves between places.
+#include "zeb/ZebTesting.h"
+
+namespace kq::zeb {
+namespace {
+
+class Registration : public ZebTest {
+ protected:
+    void SetUp() override {
+        StartZeb();
+        Account details;
+        details.first_name = "Ana";
+        uid = AddUser("ana", kPassword, details);
+        server = RunningServer(7000);
+    }
+    ASRegistrationResponse Ask(const std::string& session, const std::string& connection = "1") {
+        server->AskToRegister(session, connection);
+        return ASRegistrationResponse::Read(server->Heard());
+    }
+    std::string ErrorCode(const std::string& session) {
+        const auto response = Ask(session);
+        return response.ErrorResponse ? response.ErrorResponse->ErrorCode : "";
+    }
+
+    std::int32_t uid = 0;
+    std::unique_ptr<TestAppServer> server;
+};
+
+TEST_F(Registration, AGoodSessionIsConfirmedWithItsRecord) {
+    const auto id = Login("ana").SessionID;
+    server->AskToRegister(id, "12");
+    const auto reply = server->Heard();
+    EXPECT_EQ(reply.Type(), "ASRegistrationResponse");
+    EXPECT_EQ(reply.Schema(), "ZEBSchemas");
+    EXPECT_EQ(reply.Field("TransID"), id + "|12");
+    EXPECT_FALSE(reply.HasField("ErrorResponse"));
+    EXPECT_EQ(reply.Root().TextOf("SessionInfo/LoginID"), "ana");
+    EXPECT_EQ(reply.Root().TextOf("SessionInfo/UserUID"), std::to_string(uid));
+    EXPECT_EQ(reply.Root().TextOf("SessionInfo/FirstName"), "Ana");
+}
+
+TEST_F(Registration, AnUnknownSessionIsRefusedWithNumberAndText) {
+    const auto response = Ask("unknown");
+    EXPECT_FALSE(response.SessionInfo);
+    EXPECT_EQ(response.TransID, "unknown|1");
+    EXPECT_EQ(response.ErrorResponse->ErrorCode, "7605");
+    EXPECT_EQ(response.ErrorResponse->ErrorDescription,
+              "The session is unknown or has expired. Please log in again.");
+}
+
+TEST_F(Registration, ASessionOfAnotherApplicationIsRefused) {
+    const auto id = Login("ana").SessionID;
+    const auto other = RunningServer(7001, "Other");
+    other->AskToRegister(id);
+    EXPECT_EQ(other->Heard().Root().TextOf("ErrorResponse/ErrorCode"), "7605");
+}
+
+TEST_F(Registration, ASessionMustBeRegisteredInTime) {
+    const auto in_time = Login("ana").SessionID;
+    const auto late = Login("ana").SessionID;
+    server->interval = "3600";
+    server->Announce();
+    Pass(std::chrono::minutes(9));
+    EXPECT_EQ(ErrorCode(in_time), "");
+    Pass(std::chrono::minutes(2));
+    EXPECT_EQ(ErrorCode(late), "7605");
+}
+
+TEST_F(Registration, ADisabledUserIsRefused) {
+    const auto id = Login("ana").SessionID;
+    Accounts(store).SetDisabled(uid, true);
+    EXPECT_EQ(ErrorCode(id), "7601");
+}
+
+TEST_F(Registration, TheNumberOfSessionsIsHeldHereToo) {
+    Account details;
+    details.max_sessions = 1;
+    AddUser("bob", kPassword, details);
+    const auto first = Login("bob").SessionID;
+    const auto second = Login("bob").SessionID;
+    EXPECT_EQ(ErrorCode(first), "");
+    EXPECT_EQ(ErrorCode(second), "7790");
+    EXPECT_EQ(ErrorCode(first), "") << "the same session again is not one more";
+}
+
+TEST_F(Registration, RegisteringAgainLogsTheOldConnectionOutFirst) {
+    const auto id = LoginAndRegister("ana", *server, "1");
+    const auto another = RunningServer(7001);
+    another->AskToRegister(id, "9");
+    const auto order = server->Heard();
+    EXPECT_EQ(order.Type(), "ASLogoutUser");
+    EXPECT_EQ(order.Root().TextOf("SessionIDs/SessionID"), id);
+    EXPECT_FALSE(another->Heard().HasField("ErrorResponse"));
+}
+
+TEST_F(Registration, OnOneServerTheOrderComesBeforeTheAnswer) {
+    const auto id = LoginAndRegister("ana", *server, "1");
+    server->AskToRegister(id, "2");
+    ASSERT_EQ(server->heard.size(), 2U);
+    EXPECT_EQ(server->heard[0].Type(), "ASLogoutUser");
+    EXPECT_EQ(server->heard[1].Type(), "ASRegistrationResponse");
+}
+
+TEST_F(Registration, TheSameConnectionAskingAgainIsNotLoggedOut) {
+    const auto id = LoginAndRegister("ana", *server, "1");
+    EXPECT_FALSE(Ask(id, "1").ErrorResponse);
+}
+
+TEST_F(Registration, NoOrderGoesToAServerThatIsGone) {
+    const auto id = LoginAndRegister("ana", *server, "1");
+    server->Say(server->Info("D", {}));
+    const auto another = RunningServer(7001);
+    another->AskToRegister(id, "9");
+    EXPECT_TRUE(server->heard.empty());
+    EXPECT_FALSE(another->Heard().HasField("ErrorResponse"));
+}
+
+TEST_F(Registration, ASessionThatEndedMayRegisterAgainForATime) {
+    const auto id = LoginAndRegister("ana", *server, "1");
+    server->Say(server->Info("E", {id}));
+    Pass(std::chrono::minutes(1));
+    server->Announce();
+    EXPECT_FALSE(Ask(id, "2").ErrorResponse);
+    server->Say(server->Info("E", {id}));
+    Pass(std::chrono::minutes(11));
+    EXPECT_EQ(ErrorCode(id), "7605");
+}
+
+TEST_F(Registration, TheEndOfTheOldConnectionDoesNotEndTheNewOne) {
+    const auto id = LoginAndRegister("ana", *server, "1");
+    server->AskToRegister(id, "2");
+    server->Say(server->Info("E", {id}));
+    server->Announce({id});
+    server->heard.clear();
+    EXPECT_FALSE(Ask(id, "2").ErrorResponse) << "still registered there: no order, no refusal";
+}
+
+TEST_F(Registration, AnEndFromAnotherServerIsIgnored) {
+    Account details;
+    details.max_sessions = 1;
+    AddUser("bob", kPassword, details);
+    const auto id = LoginAndRegister("bob", *server, "1");
+    const auto another = RunningServer(7001);
+    another->Say(another->Info("E", {id}));
+    EXPECT_EQ(Login("bob").ErrorNumber, "7790");
+}
+
+TEST_F(Registration, SessionsOutliveARestartOfTheLoginServer) {
+    const auto id = Login("ana").SessionID;
+    zeb.reset();
+    StartZeb();
+    EXPECT_EQ(ErrorCode(id), "");
+}
+
+TEST_F(Registration, ARequestWithoutAReplyAddressIsDropped) {
+    RequestASRegistration request;
+    request.SessionID = Login("ana").SessionID;
+    request.AppID = kApp;
+    auto message = request.Build();
+    message.SetDestination({"ZEB", ""});
+    server->bus_client->Send(message);
+    machine.loop->RunReady();
+    EXPECT_TRUE(server->heard.empty());
+    EXPECT_FALSE(Ask(request.SessionID).ErrorResponse);
+}
+
+}  // namespace
+}  // namespace kq::zeb

@@ -1,0 +1,177 @@
+// The database file: made once, opened by both programs, and never by mistake.
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <kqappsession/Error.h>
+
+#include "zeb/Accounts.h"
+#include "zeb/Passwords.h"
+#include "zeb/TemporaryFolder.h"
+
+namespace kq::zeb {
+namespace {
+
+void RunSql(const std::string& path, const char* sql) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &db), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(db);
+}
+
+TEST(StoreFile, IsMadeForItsOwnerAlone) {
+    const TemporaryFolder folder;
+    Store::Create(folder.Path("zeb.db"));
+    struct stat file {};
+    ASSERT_EQ(stat(folder.Path("zeb.db").c_str(), &file), 0);
+    EXPECT_EQ(file.st_mode & 0777, 0600U);
+}
+
+TEST(StoreFile, IsNeverMadeOverAnother) {
+    const TemporaryFolder folder;
+    Store::Create(folder.Path("zeb.db"));
+    EXPECT_THROW(Store::Create(folder.Path("zeb.db")), Error);
+}
+
+TEST(StoreFile, MustBeThereToBeOpened) {
+    const TemporaryFolder folder;
+    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+}
+
+TEST(StoreFile, CarriesTheVersionOfItsSchema) {
+    Store store(":memory:");
+    EXPECT_EQ(store.SchemaVersion(), Store::kSchemaVersion);
+}
+
+TEST(StoreFile, KeepsItsContent) {
+    const TemporaryFolder folder;
+    Store::Create(folder.Path("zeb.db"));
+    {
+        Store store(folder.Path("zeb.db"));
+        Account account;
+        account.login = "ana";
+        Accounts(store).Add(account);
+    }
+    Store store(folder.Path("zeb.db"));
+    EXPECT_TRUE(Accounts(store).Find("ana"));
+}
+
+TEST(StoreFile, OfANewerVersionIsRefused) {
+    const TemporaryFolder folder;
+    Store::Create(folder.Path("zeb.db"));
+    RunSql(folder.Path("zeb.db"), "PRAGMA user_version = 1000");
+    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+}
+
+TEST(StoreFile, OfAnotherProgramIsRefusedAndLeftAlone) {
+    const TemporaryFolder folder;
+    RunSql(folder.Path("zeb.db"), "CREATE TABLE theirs (x)");
+    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+    RunSql(folder.Path("zeb.db"), "INSERT INTO theirs VALUES (1)");
+    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+}
+
+TEST(StoreFile, ThatIsNoDatabaseIsRefused) {
+    const TemporaryFolder folder;
+    std::ofstream(folder.Path("zeb.db")) << std::string(5000, 'x');
+    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+}
+
+TEST(StoreFile, CanBeUsedByTwoProgramsAtOnce) {
+    const TemporaryFolder folder;
+    Store::Create(folder.Path("zeb.db"));
+    Store daemon(folder.Path("zeb.db"));
+    Store tool(folder.Path("zeb.db"));
+    Account account;
+    account.login = "ana";
+    const auto before = daemon.OutsideChanges();
+    Accounts(tool).Add(account);
+    EXPECT_TRUE(Accounts(daemon).Find("ana"));
+    EXPECT_NE(daemon.OutsideChanges(), before);
+}
+
+TEST(StoreTransaction, ThatIsNotCommittedChangesNothing) {
+    Store store(":memory:");
+    {
+        Store::Transaction transaction(store);
+        store.Use("INSERT INTO translations VALUES ('1033', 'a', 'b')").Run();
+    }
+    auto query = store.Use("SELECT count(*) FROM translations");
+    ASSERT_TRUE(query.Next());
+    EXPECT_EQ(query.Number(0), 0);
+}
+
+TEST(StoreTransaction, KeepsRowsTogetherThatBelongTogether) {
+    Store store(":memory:");
+    EXPECT_THROW(store.Use("INSERT INTO profiles VALUES (17, 'Demo', '')").Run(), Error);
+}
+
+TEST(AccountsStore, TakesEveryDetail) {
+    Store store(":memory:");
+    Account account;
+    account.login = "ana";
+    account.password_hash = "hash";
+    account.first_name = "O'Hara; DROP TABLE users";
+    account.privileges = "a|b";
+    account.must_change = true;
+    account.max_sessions = 3;
+    const auto uid = Accounts(store).Add(account);
+    const auto found = Accounts(store).Find("ana").value();
+    EXPECT_EQ(found.uid, uid);
+    EXPECT_EQ(found.first_name, account.first_name);
+    EXPECT_EQ(found.privileges, "a|b");
+    EXPECT_TRUE(found.must_change);
+    EXPECT_EQ(found.max_sessions, 3);
+}
+
+TEST(AccountsStore, TakesALoginIdOnce) {
+    Store store(":memory:");
+    Account account;
+    account.login = "ana";
+    Accounts(store).Add(account);
+    EXPECT_THROW(Accounts(store).Add(account), Error);
+}
+
+TEST(AccountsStore, RefusesWhatIsNoLoginId) {
+    Store store(":memory:");
+    for (const auto& login : {std::string(), std::string(" ana"), std::string("ana "), std::string("a\nb"),
+                              std::string("a\xff"), std::string(65, 'x'), std::string("a\0b", 3)}) {
+        Account account;
+        account.login = login;
+        EXPECT_THROW(Accounts(store).Add(account), Error) << login;
+    }
+}
+
+TEST(AccountsStore, RefusesWhatNoMessageCanCarry) {
+    Store store(":memory:");
+    Account account;
+    account.login = "ana";
+    account.last_name = "bell\x07";
+    EXPECT_THROW(Accounts(store).Add(account), Error);
+    account.last_name = "\xef\xbf\xbf";
+    EXPECT_THROW(Accounts(store).Add(account), Error);
+}
+
+TEST(PasswordAtRest, IsNotInTheDatabaseFile) {
+    const std::string marked = "MarkedPassword17";
+    const TemporaryFolder folder;
+    Store::Create(folder.Path("zeb.db"));
+    Store store(folder.Path("zeb.db"));
+    Account account;
+    account.login = "ana";
+    account.password_hash = Argon2Hasher({.passes = 1, .memory = 8192}).Hash(Secret(marked));
+    Accounts(store).Add(account);
+    for (const auto& file : std::filesystem::directory_iterator(folder.Path(""))) {
+        std::ifstream in(file.path(), std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+        EXPECT_EQ(bytes.find(marked), std::string::npos) << file.path();
+    }
+}
+
+}  // namespace
+}  // namespace kq::zeb

@@ -1,0 +1,128 @@
+// "ASValidateClientRequest" in all its answers.
+#include "zeb/ZebTesting.h"
+
+namespace kq::zeb {
+namespace {
+
+class ValidateClient : public ZebTest {
+ protected:
+    static ASValidateClientRequest Request(const std::string& version = "1.0") {
+        ASValidateClientRequest request;
+        request.AppID = kApp;
+        request.InterfaceVersion = version;
+        request.ClientVersion = "3.1.4";
+        return request;
+    }
+    std::string Available(const ASValidateClientRequest& request) {
+        return ASValidateClientResponse::Read(Ask(request.Build())).InterfaceAvailable;
+    }
+};
+
+TEST_F(ValidateClient, FindsTheInterfaceOfALiveServer) {
+    StartZeb();
+    const auto server = RunningServer();
+    const auto reply = Ask(Request().Build());
+    EXPECT_EQ(reply.Type(), "ASValidateClientResponse");
+    EXPECT_EQ(reply.Version(), "1");
+    EXPECT_EQ(reply.Field("ErrorNumber"), "0");
+    EXPECT_EQ(reply.Field("InterfaceAvailable"), "True");
+    EXPECT_EQ(reply.Field("ClientAvailable"), "False");
+}
+
+TEST_F(ValidateClient, FindsNoInterfaceWithoutAServer) {
+    StartZeb();
+    EXPECT_EQ(Available(Request()), "False");
+}
+
+TEST_F(ValidateClient, ComparesTheInterfaceVersionExactly) {
+    StartZeb();
+    const auto server = RunningServer();
+    EXPECT_EQ(Available(Request("1")), "False");
+}
+
+TEST_F(ValidateClient, OtherApplicationsDoNotCount) {
+    StartZeb();
+    const auto server = RunningServer(7000, "Other");
+    EXPECT_EQ(Available(Request()), "False");
+}
+
+TEST_F(ValidateClient, ARestrictionLeavesOnlyServersOfThatAddressAndPort) {
+    StartZeb();
+    auto server = NewServer(7000);
+    server->address = "203.0.113.5";
+    server->Announce();
+    auto request = Request();
+    request.RestrictIP = "203.0.113.5";
+    EXPECT_EQ(Available(request), "True");
+    request.RestrictPort = "7001";
+    EXPECT_EQ(Available(request), "False");
+    request.RestrictPort = "7000";
+    EXPECT_EQ(Available(request), "True");
+    request.RestrictIP = "203.0.113.6";
+    EXPECT_EQ(Available(request), "False");
+}
+
+TEST_F(ValidateClient, ARestrictionByHostNameIsResolved) {
+    StartZeb();
+    auto server = NewServer(7000);
+    server->address = "203.0.113.5";
+    server->Announce();
+    machine.resolver->names["apps.example"] = {"203.0.113.5"};
+    auto request = Request();
+    request.RestrictIP = "apps.example";
+    EXPECT_EQ(Available(request), "True");
+    request.RestrictIP = "nowhere.example";
+    EXPECT_EQ(Available(request), "False");
+}
+
+TEST_F(ValidateClient, ARestrictionToTheLoginServerItselfIsNone) {
+    StartZeb();
+    const auto server = RunningServer(7000);
+    auto request = Request();
+    request.RestrictPort = std::to_string(zeb->Port());
+    for (const char* name : {"127.0.0.1", "localhost", "192.0.2.10"}) {
+        request.RestrictIP = name;
+        EXPECT_EQ(Available(request), "True") << name;
+    }
+}
+
+TEST_F(ValidateClient, AnAddressOfThisMachineMeansServersOnThisMachine) {
+    StartZeb();
+    const auto server = RunningServer(7000);
+    auto request = Request();
+    request.RestrictIP = "localhost";
+    request.RestrictPort = "7000";
+    EXPECT_EQ(Available(request), "True");
+}
+
+TEST_F(ValidateClient, ARelayedRequestIsAnsweredToTheServerThatRelayedIt) {
+    StartZeb();
+    const auto server = RunningServer();
+    server->Relay(Request().Build(), "17");
+    const auto reply = server->Heard();
+    EXPECT_EQ(reply.Type(), "ASValidateClientResponse");
+    EXPECT_EQ(reply.Schema(), "ZEBSchemas");
+    EXPECT_EQ(reply.Field("TransID"), "17");
+    EXPECT_EQ(reply.Field("InterfaceAvailable"), "True");
+    EXPECT_EQ(reply.Field("ClientAvailable"), "False");
+}
+
+TEST_F(ValidateClient, ARelayedRestrictionNamesTheServerThatRelayed) {
+    StartZeb();
+    const auto server = RunningServer(7000);
+    auto request = Request();
+    request.RestrictIP = "what the client typed";
+    request.RestrictPort = "7000";
+    server->Relay(request.Build());
+    EXPECT_EQ(server->Heard().Field("InterfaceAvailable"), "True");
+}
+
+TEST_F(ValidateClient, ARestrictionPortThatIsTooLargeIsRefused) {
+    StartZeb();
+    auto request = Request();
+    request.RestrictPort = "99999999999";
+    EXPECT_EQ(Ask(request.Build()).Field("ErrorNumber"), "7609");
+}
+
+}  // namespace
+}  // namespace kq::zeb
