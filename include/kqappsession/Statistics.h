@@ -24,9 +24,9 @@ class Statistics {
     void Set(std::string_view name, std::int64_t value);
     void Record(std::string_view name, double milliseconds);  // negative and not finite values raise error 5
 
-    std::int64_t Value(std::string_view name) const;              // 0 for an unknown name
-    Duration DurationOf(std::string_view name) const;             // empty for an unknown name
-    std::vector<std::string> Names() const;                       // of counters and gauges, in order
+    std::int64_t Value(std::string_view name) const;   // 0 for an unknown name
+    Duration DurationOf(std::string_view name) const;  // empty for an unknown name
+    std::vector<std::string> Names() const;            // of counters and gauges, in order
     std::vector<std::string> DurationNames() const;
     void Clear();
     // One "name value" or "name count minimum mean maximum" a line, in order of names.

@@ -8,7 +8,6 @@
 // Events are never raised from inside a call. A handler may close or drop the transport.
 #pragma once
 
-#include <cstddef>
 #include <string>
 
 #include <kqappsession/Signal.h>
