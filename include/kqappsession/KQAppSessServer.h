@@ -14,6 +14,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <kqappsession/AppObject.h>
@@ -33,10 +34,15 @@ class InterfaceVersions {
     InterfaceVersions() = default;
     explicit InterfaceVersions(std::string_view text);
     explicit InterfaceVersions(std::vector<std::string> versions) : versions_(std::move(versions)) {}
+    // Stands for a value that is no such list. Initialize takes everything else in and then raises
+    // kqaserrInvalidInterfaces.
+    static InterfaceVersions Invalid();
     const std::vector<std::string>& All() const { return versions_; }
+    bool Valid() const { return valid_; }
 
  private:
     std::vector<std::string> versions_;
+    bool valid_ = true;
 };
 
 class KQAppSessServer {
@@ -91,7 +97,7 @@ class KQAppSessServer {
 
  private:
     class Impl;
-    std::unique_ptr<Impl> impl_;
+    std::shared_ptr<Impl> impl_;  // held by whoever works in it, so events may destroy this object
 };
 
 }  // namespace kq

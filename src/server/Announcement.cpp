@@ -1,0 +1,115 @@
+// The announcement and the client's installer in it.
+//
+// A sending moves the list into the kept message and out again, so that the only copy of a long list is the
+// one that the bus client makes for its queue.
+#include "server/Announcement.h"
+
+#include <utility>
+
+#include "base/Convert.h"
+#include "messages/modASMsg.h"
+#include "platform/Folders.h"
+#include "util/VersionInfo.h"
+
+namespace kq {
+namespace {
+
+constexpr std::string_view kInfoPath = "ApplicationInfos/ApplicationInfo";
+
+void SetChild(XMLElement& element, std::string_view name, std::string_view text) {
+    if (XMLElement* child = element.Find(name)) {
+        child->SetText(text);
+    } else {
+        element.Add(name, text);
+    }
+}
+
+// Moves the list to the end of an element for as long as it lives.
+class Attached {
+ public:
+    Attached(XMLElement& element, XMLElement& list) : element_(element), list_(list) {
+        element_.Add(std::move(list_));
+    }
+    ~Attached() {
+        list_ = std::move(element_.Children().back());
+        element_.Children().pop_back();
+    }
+    Attached(const Attached&) = delete;
+    Attached& operator=(const Attached&) = delete;
+
+ private:
+    XMLElement& element_;
+    XMLElement& list_;
+};
+
+}  // namespace
+
+void Announcement::Keep(const ApplicationInfo& info, const ASRequestInfo& request_info) {
+    ASBroadcastInfo broadcast;
+    broadcast.ASRequestInfo = request_info;
+    broadcast.ApplicationInfos.emplace().ApplicationInfo = info;
+    message_ = broadcast.Build();
+    message_->SetDestination({"ZEB", "Broadcast"});
+}
+
+XMLElement& Announcement::Info() {
+    return *message_->Root().Find(kInfoPath);
+}
+
+void Announcement::SetBroadcastInterval(std::int32_t seconds) {
+    if (message_) SetChild(Info(), "BroadcastInterval", TextOf(seconds));
+}
+
+void Announcement::Send(std::string_view letter, const Hand& hand) {
+    if (!message_) return;
+    SetChild(Info(), "InfoState", letter);
+    hand(*message_);
+}
+
+void Announcement::SendWith(XMLElement& list, std::string_view letter, const Hand& hand) {
+    if (!message_) return;
+    SetChild(Info(), "InfoState", letter);
+    const Attached attached(Info(), list);
+    hand(*message_);
+}
+
+void Announcement::SendSessions(const SessionIndex& index, const Hand& hand) {
+    if (!list_) {
+        XMLElement list("Sessions");
+        for (const auto& session : index.Sessions())
+            list.Add("SessionID", session->SessionID());
+        list_ = std::move(list);
+    }
+    SendWith(*list_, "C", hand);
+}
+
+void Announcement::SendRemoved(const std::string& session_id, const Hand& hand) {
+    XMLElement list("Sessions");
+    list.Add("SessionID", session_id);
+    SendWith(list, "E", hand);
+}
+
+void Announcement::SessionAdded(const std::string& session_id) {
+    if (list_) list_->Add("SessionID", session_id);
+}
+
+Installer FindInstaller(const PlatformPtr& platform, const AppObject* app_obj, const std::string& app_id,
+                        const std::string& file_name) {
+    if (app_obj == nullptr) return {};
+    const auto path = app_obj->Property("Path");
+    if (!path) return {};
+    const char separator = platform->folders->Separator();
+    const std::string folder = *path + separator + "Install" + separator;
+    const std::string file = folder + file_name;
+    if (!platform->folders->FileExists(file)) return {};
+
+    Installer installer;
+    installer.path = modASMsg(platform).EnsureShare(folder, "ClientInstall_" + app_id) + file_name;
+    if (UpperCase(installer.path).find(".MSI") != std::string::npos) return installer;
+    VersionInfo version(platform);
+    version.Initialize(file);
+    if (version.Initialized()) installer.version = version.FileVersion(1);
+    return installer;
+}
+
+}  // namespace kq
