@@ -1,13 +1,14 @@
-// The session manager of an application server: accepts registrations of clients, relays login traffic between
-// clients and the login server over the XML bus, keeps the live sessions, announces itself, raises events.
+// The session manager of an application server: accepts registrations of clients, relays login traffic
+// between clients and the login server over the XML bus, keeps the live sessions, announces itself, raises
+// events.
 //
 //   kq::KQAppSessServer server(platform);
 //   server.Connected.Connect(owner, [](const auto& session) { ... });
 //   server.Initialize("Demo", app, bus, statistics, kq::InterfaceVersions("1.0|2.0"));
 //   server.Listen(7000);
 //
-// One thread: all members and events belong to the thread of the platform's event loop. A handler may call back
-// into the object.
+// One thread: all members and events belong to the thread of the platform's event loop. A handler may call
+// back into the object.
 #pragma once
 
 #include <cstdint>
@@ -27,8 +28,8 @@
 
 namespace kq {
 
-// The interface versions that an application accepts, in order: given as a list, or as a text that is split at
-// every "|" when it holds one, else at every "," (no trimming, empty pieces kept).
+// The interface versions that an application accepts, in order: given as a list, or as a text that is split
+// at every "|" when it holds one, else at every "," (no trimming, empty pieces kept).
 class InterfaceVersions {
  public:
     InterfaceVersions() = default;
@@ -58,7 +59,8 @@ class KQAppSessServer {
 
     // A client's registration was confirmed and its session added.
     Signal<const SessionPtr&> Connected;
-    // A registered client sent data that is no session management: the block, always of type XML, and its session.
+    // A registered client sent data that is no session management: the block, always of type XML, and its
+    // session.
     Signal<const SessionPtr&, const Block&> ReceivedData;
     // A client with a session has gone; its session was removed before.
     Signal<const SessionPtr&> Disconnected;
@@ -85,8 +87,9 @@ class KQAppSessServer {
                     std::shared_ptr<XMLBusClient> client, std::shared_ptr<Statistics> statistics,
                     const InterfaceVersions& interfaces_versions);
     void Terminate();
-    // Listens on the port (0: a free one) and local address (empty: all), takes the place on the bus and announces.
-    // kqaserrAlreadyConnected while listening, kqaserrNotInitialized before Initialize, the listener's errors.
+    // Listens on the port (0: a free one) and local address (empty: all), takes the place on the bus and
+    // announces. kqaserrAlreadyConnected while listening, kqaserrNotInitialized before Initialize, the
+    // listener's errors.
     void Listen(std::int32_t listen_port, const std::string& local_address = {});
     void StopListening(bool disconnect_all = false);
     // Whether a bus message belongs to this object. Null is no message.
