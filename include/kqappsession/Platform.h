@@ -20,7 +20,9 @@ class Network;
 class Process;
 class ProfileFile;
 class Resolver;
+class Shortcuts;
 class StringTable;
+class TempFiles;
 class VersionResource;
 
 struct Platform {
@@ -36,6 +38,8 @@ struct Platform {
     std::shared_ptr<FileShare> file_share;
     std::shared_ptr<VersionResource> version_resource;
     std::shared_ptr<Crypto> crypto;
+    std::shared_ptr<Shortcuts> shortcuts;
+    std::shared_ptr<TempFiles> temp_files;
     std::shared_ptr<DialogHost> dialogs;  // null in a program without a face: nothing can be asked of a user
 };
 

@@ -16,10 +16,12 @@ FakePlatform::FakePlatform(Face face)
       file_share(std::make_shared<FakeFileShare>()),
       version_resource(std::make_shared<FakeVersionResource>()),
       crypto(std::make_shared<FakeCrypto>()),
+      shortcuts(std::make_shared<FakeShortcuts>()),
+      temp_files(std::make_shared<FakeTempFiles>()),
       dialogs(face == Face::WithDialogs ? std::make_shared<FakeDialogHost>() : nullptr) {
-    platform = std::make_shared<const Platform>(Platform{loop, clock, network, resolver, folders,
-                                                         profile_file, locale, strings, process, file_share,
-                                                         version_resource, crypto, dialogs});
+    platform = std::make_shared<const Platform>(
+        Platform{loop, clock, network, resolver, folders, profile_file, locale, strings, process, file_share,
+                 version_resource, crypto, shortcuts, temp_files, dialogs});
 }
 
 }  // namespace kq

@@ -30,6 +30,8 @@ struct FakePlatform {
     std::shared_ptr<FakeFileShare> file_share;
     std::shared_ptr<FakeVersionResource> version_resource;
     std::shared_ptr<FakeCrypto> crypto;
+    std::shared_ptr<FakeShortcuts> shortcuts;
+    std::shared_ptr<FakeTempFiles> temp_files;
     std::shared_ptr<FakeDialogHost> dialogs;  // null without a face
     PlatformPtr platform;
 };

@@ -154,4 +154,23 @@ std::string FakeCrypto::HmacSha256Hex(std::string_view key, std::string_view tex
     return hash;
 }
 
+bool FakeShortcuts::Create(const std::string& path, const Shortcut& shortcut) {
+    if (can_create) made[path] = shortcut;
+    return can_create;
+}
+
+FileResult FakeTempFiles::CreateUnique(std::string_view prefix, std::string& path) {
+    if (next_failure.error != 0) return std::exchange(next_failure, {});
+    const std::string number = std::to_string(++count_);
+    path = folder + std::string(prefix.substr(0, 3)) + std::string(4 - number.size(), '0') + number + ".tmp";
+    files[path];
+    return {};
+}
+
+FileResult FakeTempFiles::WriteNewProgram(const std::string& path, std::string_view bytes) {
+    if (next_failure.error != 0) return std::exchange(next_failure, {});
+    if (!files.emplace(path, bytes).second) return {80, "The file exists."};
+    return {};
+}
+
 }  // namespace kq

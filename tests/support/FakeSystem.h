@@ -17,7 +17,9 @@
 #include "platform/Process.h"
 #include "platform/ProfileFile.h"
 #include "platform/Resolver.h"
+#include "platform/Shortcuts.h"
 #include "platform/StringTable.h"
+#include "platform/TempFiles.h"
 #include "platform/VersionResource.h"
 
 namespace kq {
@@ -119,6 +121,32 @@ class FakeVersionResource final : public VersionResource {
     std::map<std::string, Block> blocks;  // by file path
 
     std::unique_ptr<VersionBlock> Load(const std::string& path) const override;
+};
+
+class FakeShortcuts final : public Shortcuts {
+ public:
+    std::optional<std::string> desktop = "/home/user/Desktop";
+    std::string extension = "lnk";
+    bool can_create = true;
+    std::map<std::string, Shortcut> made;  // by path
+
+    std::optional<std::string> DesktopFolder() const override { return desktop; }
+    std::string Extension() const override { return extension; }
+    bool Create(const std::string& path, const Shortcut& shortcut) override;
+};
+
+// Names are HLX0001.tmp, HLX0002.tmp and so on.
+class FakeTempFiles final : public TempFiles {
+ public:
+    std::string folder = "/tmp/";
+    std::map<std::string, std::string> files;  // contents by path
+    FileResult next_failure;                   // of the next call of either kind, once
+
+    FileResult CreateUnique(std::string_view prefix, std::string& path) override;
+    FileResult WriteNewProgram(const std::string& path, std::string_view bytes) override;
+
+ private:
+    int count_ = 0;
 };
 
 // Repeatable, and no secret at all. The keyed hash depends on key and text.

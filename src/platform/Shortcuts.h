@@ -1,0 +1,27 @@
+// Files that start a program with arguments, as the desktop shows them.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace kq {
+
+struct Shortcut {
+    std::string target;  // full path of the program
+    std::string working_directory;
+    std::string arguments;  // one line; blanks separate, quotation marks hold together
+    std::string description;
+};
+
+class Shortcuts {
+ public:
+    virtual ~Shortcuts() = default;
+    // The user's desktop; nothing when there is none.
+    virtual std::optional<std::string> DesktopFolder() const = 0;
+    // How the file of a shortcut ends, without the point: "lnk".
+    virtual std::string Extension() const = 0;
+    // Makes the file or replaces it. False when that is not possible; the file is then as it was.
+    virtual bool Create(const std::string& path, const Shortcut& shortcut) = 0;
+};
+
+}  // namespace kq
