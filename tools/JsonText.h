@@ -1,0 +1,33 @@
+// Text in JSON. A quoted text is valid JSON whatever bytes it came from, stands on one line and holds no
+// control character, so it is also how texts of others are shown on a terminal.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kq {
+
+// The text in quotation marks. Ill-formed UTF-8 becomes U+FFFD.
+std::string JsonString(std::string_view text);
+
+// The same without the quotation marks, and with quotation marks and backslashes as they are: for people.
+std::string OneLine(std::string_view text);
+
+// An object that is written member by member; the caller gives each name once.
+class JsonObject {
+ public:
+    JsonObject& Add(std::string_view name, std::string_view value);
+    JsonObject& Add(std::string_view name, std::int64_t value);
+    JsonObject& Add(std::string_view name, const std::vector<std::string>& values);
+    JsonObject& Add(std::string_view name, const JsonObject& value);
+    // {"a":1,"b":"x"}
+    std::string Text() const { return "{" + members_ + "}"; }
+
+ private:
+    JsonObject& AddValue(std::string_view name, std::string_view json);
+    std::string members_;
+};
+
+}  // namespace kq

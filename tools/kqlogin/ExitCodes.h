@@ -1,0 +1,33 @@
+// What kqlogin's exit code says: one code for each kind of failure that a script would treat in its own way.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace kq {
+
+// X(name, code, meaning): the rows of --help. Codes are never used again for something else.
+#define KQ_EXIT_CODES(X)                                                               \
+    X(Ok, 0, "done")                                                                   \
+    X(Usage, 2, "the command line, the settings file or the password's line is wrong") \
+    X(NoConnection, 3, "no connection to the login or application server")             \
+    X(NoReply, 4, "no reply within the time-out")                                      \
+    X(Refused, 5, "login refused: login id, password or too many sessions")            \
+    X(PasswordChange, 6, "the password must be changed first")                         \
+    X(Version, 7, "client or interface version not supported, client not valid")       \
+    X(Registration, 8, "the application server did not register the session")          \
+    X(Other, 9, "any other failure")                                                   \
+    X(Signal, 128, "plus the signal's number: ended by a signal before the end")
+
+enum class ExitCode : int {
+#define KQ_X(name, code, meaning) name = code,
+    KQ_EXIT_CODES(KQ_X)
+#undef KQ_X
+};
+
+// The kind of failure of an Error's number.
+ExitCode ExitCodeOf(std::int32_t error_number);
+// One line for each code, for --help.
+std::string ExitCodeHelp();
+
+}  // namespace kq

@@ -1,0 +1,86 @@
+// The password is no option: other users of the machine can read a command line.
+#include "tools/kqlogin/LoginOptions.h"
+
+#include <iostream>
+#include <limits>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/kqlogin/ExitCodes.h"
+
+namespace kq {
+namespace {
+
+// Throws what says that a combination of options means nothing.
+void CheckTogether(const LoginOptions& options) {
+    const auto refuse = [](const char* sentence) { throw CLI::ValidationError(sentence); };
+    if (options.address.empty() && !options.settings) refuse("--address or --settings is required");
+    if (!options.address.empty() && options.settings) refuse("--address and --settings exclude each other");
+    if (!options.address.empty() && options.port == 0) refuse("--address needs --port");
+    if (options.save_settings && options.settings) refuse("--save-settings needs --address");
+    if (options.send && !options.register_session) refuse("--send needs --register");
+    if (options.wait && !options.register_session) refuse("--wait needs --register");
+}
+
+void AddOptions(CLI::App& app, LoginOptions& options) {
+    constexpr auto kLargest = std::numeric_limits<std::int32_t>::max();
+    const CLI::Validator filled([](std::string& text) { return std::string(text.empty() ? "is empty" : ""); },
+                                "TEXT");
+    app.add_option("--address", options.address, "The login server's name or address");
+    app.add_option("--port", options.port, "The login server's port")->check(CLI::Range(1, 65535));
+    app.add_option("--time-out", options.time_out, "Milliseconds to wait for a connection or a reply")
+        ->check(CLI::Range(1, kLargest))
+        ->capture_default_str();
+    app.add_flag("--settings", options.settings, "Take address, port and time-out from the settings file");
+    app.add_flag("--save-settings", options.save_settings,
+                 "Store address, port and time-out in the settings file after the login");
+    app.add_option("--app", options.app, "The application identifier")->required()->check(filled);
+    app.add_option("--interface", options.interface_version,
+                   "The interface version that the application needs")
+        ->capture_default_str();
+    app.add_option("--client-version", options.client_version, "The version of this client");
+    app.add_option("--user", options.user, "The login id")->required()->check(filled);
+    app.add_option("--restrict-ip", options.restrict_ip, "Only application servers of this address");
+    app.add_option("--restrict-port", options.restrict_port, "Only application servers of this port")
+        ->check(CLI::Range(1, 65535));
+    auto* through = app.add_flag_callback(
+        "--use-as-server", [&options] { options.use_as_server = true; },
+        "Log in through the application server; left out: as stored");
+    app.add_flag_callback(
+           "--no-use-as-server", [&options] { options.use_as_server = false; },
+           "Log in with the login server itself")
+        ->excludes(through);
+    app.add_flag("--register", options.register_session,
+                 "Register with the application server after the login");
+    app.add_option("--send", options.send, "Send an application message with this text after registering");
+    app.add_flag("--wait", options.wait,
+                 "Stay connected until the server ends the session or a signal comes");
+    app.add_flag("--json", options.json, "Write the result as one JSON object");
+}
+
+}  // namespace
+
+std::optional<LoginOptions> ParseLoginOptions(int argc, const char* const* argv, int& exit_code) {
+    LoginOptions options;
+    CLI::App app(
+        "Logs a user in. The password is read from standard input: a prompt without echo on a terminal, else "
+        "one "
+        "line.",
+        "kqlogin");
+    app.footer(ExitCodeHelp());
+    app.set_version_flag("--version", "kqlogin " KQ_VERSION);
+    AddOptions(app, options);
+    try {
+        app.parse(argc, argv);
+        CheckTogether(options);
+        return options;
+    } catch (const CLI::Success& success) {
+        exit_code = app.exit(success);
+    } catch (const CLI::ParseError& error) {
+        std::cerr << "kqlogin: " << error.what() << " (see kqlogin --help)\n";
+        exit_code = static_cast<int>(ExitCode::Usage);
+    }
+    return std::nullopt;
+}
+
+}  // namespace kq

@@ -1,0 +1,109 @@
+// The session record's password is never read here. Texts that come from servers are shown without their
+// control characters, so that no server writes to the terminal.
+#include "tools/kqlogin/LoginReport.h"
+
+#include <array>
+#include <cstdio>
+#include <ostream>
+
+#include "base/Convert.h"
+#include "tools/JsonText.h"
+
+namespace kq {
+namespace {
+
+std::vector<std::string> ProfileNames(const KQAppSessClient& client) {
+    std::vector<std::string> names;
+    const auto profiles = client.Profiles();
+    if (profiles) {
+        for (const auto& profile : *profiles)
+            names.push_back(profile->Name());
+    }
+    return names;
+}
+
+JsonObject SessionJson(const KQAppSessionInfo& session) {
+    JsonObject json;
+    json.Add("SessionID", session.SessionID());
+    json.Add("LoginID", session.LoginID());
+    json.Add("FirstName", session.FirstName());
+    json.Add("LastName", session.LastName());
+    json.Add("UserUID", session.Export()->Field("UserUID"));
+    json.Add("Language", session.Language());
+    return json;
+}
+
+// What is the same in the object of a success and of a failure.
+JsonObject ResultJson(const char* result, const KQAppSessClient& client) {
+    JsonObject json;
+    json.Add("result", result);
+    json.Add("LoginState", NameOf(client.LoginState()));
+    const auto session = client.SessionInfo();
+    if (session->IsInitialized()) {
+        json.Add("Session", SessionJson(*session));
+        json.Add("AppServerAddress", client.AppServerAddress());
+        json.Add("AppServerPort", client.AppServerPort());
+        json.Add("Profiles", ProfileNames(client));
+    }
+    if (const auto profile = client.CurrentProfile()) json.Add("CurrentProfile", profile->Name());
+    return json;
+}
+
+}  // namespace
+
+std::string ErrorNumberText(std::int32_t number) {
+    if (number >= 0) return std::to_string(number);
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(number));
+    return text.data();
+}
+
+std::string ErrorLine(const Error& error) {
+    return ErrorNumberText(error.Number()) + " " + OneLine(error.Description());
+}
+
+void LoginReport::Line(const std::string& text) {
+    if (!json_) output_ << text << '\n' << std::flush;
+}
+
+void LoginReport::LoggedIn(const KQAppSessClient& client) {
+    const auto session = client.SessionInfo();
+    Line(std::string("LoginState ") + NameOf(client.LoginState()));
+    Line("SessionID " + OneLine(session->SessionID()));
+    Line("LoginID " + OneLine(session->LoginID()));
+    Line("Name " + OneLine(Trim(session->FirstName() + " " + session->LastName())));
+    Line("UserUID " + OneLine(session->Export()->Field("UserUID")));
+    Line("AppServer " + OneLine(client.AppServerAddress()) + ":" + std::to_string(client.AppServerPort()));
+    for (const auto& name : ProfileNames(client))
+        Line("Profile " + OneLine(name));
+    if (const auto profile = client.CurrentProfile()) Line("CurrentProfile " + OneLine(profile->Name()));
+}
+
+void LoginReport::Registered(const KQAppSessClient& client) {
+    Line(std::string("LoginState ") + NameOf(client.LoginState()));
+}
+
+void LoginReport::Sent(const std::string& type, std::size_t bytes) {
+    Line("Sent " + type + " bytes=" + std::to_string(bytes));
+}
+
+void LoginReport::Succeeded(const KQAppSessClient& client) {
+    if (json_) output_ << ResultJson("ok", client).Text() << '\n' << std::flush;
+}
+
+void LoginReport::Failed(const KQAppSessClient& client, const Error& error) {
+    if (json_) {
+        JsonObject details;
+        details.Add("Number", ErrorNumberText(error.Number()));
+        details.Add("Source", error.Source());
+        details.Add("Description", error.Description());
+        output_ << ResultJson("error", client).Add("Error", details).Text() << '\n' << std::flush;
+    }
+    errors_ << "kqlogin: " << ErrorLine(error) << '\n' << std::flush;
+}
+
+void LoginReport::WaitEnded(bool by_server) {
+    Line(by_server ? "Disconnected by the application server" : "Disconnected");
+}
+
+}  // namespace kq
