@@ -1,0 +1,227 @@
+#!/usr/bin/env python3
+"""Checks the rules of the house: who may include whom, what stands in public headers, where the operating system may
+be asked for, how long a file may be, where documents lead.
+
+    house.py CHECK ROOT      CHECK: includes, headers, platforms, sizes or links; ROOT: the source tree
+
+Prints one line for each breach, "file:line: what", and fails when there is any.
+"""
+import os
+import re
+import sys
+
+# Which rooms the files of a room may include besides their own. A room of src/ is a folder; sessioninfo is the part
+# of server/ that the client uses too. Public headers count as files of the room that owns them.
+LIBS = {"libs/xmlmessage", "libs/webdata", "libs/statistics", "libs/timer", "libs/appprotocol", "libs/xmlbus"}
+GROUND = {"base", "platform"}
+BELOW = GROUND | LIBS | {"util", "messages", "sessioninfo"}
+MAY_USE = {
+    "base": set(),
+    "platform": {"base"},
+    "platform/posix": GROUND,
+    "platform/win32": GROUND,
+    "platform/qt": GROUND,
+    "libs/xmltext": GROUND,
+    "libs/xmlmessage": GROUND | {"libs/xmltext"},
+    "libs/webdata": GROUND | {"libs/xmltext"},
+    "libs/statistics": GROUND,
+    "libs/timer": GROUND,
+    "libs/appprotocol": GROUND | {"libs/xmlmessage"},
+    "libs/xmlbus": GROUND | {"libs/xmlmessage", "libs/appprotocol", "libs/timer"},
+    "util": GROUND,
+    "messages": GROUND | {"util", "libs/xmlmessage", "libs/webdata"},
+    "dialogs": {"base", "platform", "messages", "libs/webdata", "libs/appprotocol"},
+    "sessioninfo": {"base"} | LIBS,
+    "client": BELOW | {"dialogs"},
+    "server": BELOW,
+    "library": BELOW | {"client", "server"},
+    "automation": BELOW | {"client", "server", "dialogs"},
+    "zeb": BELOW,
+    "tools": BELOW,
+}
+# Of the platform's interfaces, a dialog knows these.
+DIALOGS_SEE = {"platform/DialogHost.h", "platform/Form.h"}
+# Programs know client and server by their public headers only.
+PUBLIC_ONLY = {("zeb", "client"), ("zeb", "server"), ("tools", "client"), ("tools", "server")}
+
+PUBLIC_HEADERS = {
+    "Error": "base", "Signal": "base", "Secret": "base", "AppObject": "base",
+    "EventLoop": "platform", "Platform": "platform", "AsioEventLoop": "platform",
+    "XMLMessage": "libs/xmlmessage", "WebData": "libs/webdata", "Statistics": "libs/statistics",
+    "Timer": "libs/timer", "APClient": "libs/appprotocol", "Listener": "libs/appprotocol",
+    "XMLBusClient": "libs/xmlbus", "KQAppSessErrorEnum": "messages", "KQAppSessionInfo": "sessioninfo",
+    "KQAppSessClient": "client", "KQAppSessServer": "server",
+}
+# The one public header that is for hosts with an event loop of their own.
+ASIO_HEADER = "include/kqappsession/AsioEventLoop.h"
+
+STANDARD = set("""
+    algorithm any array atomic barrier bit bitset cassert cctype cerrno cfenv cfloat charconv chrono cinttypes climits
+    clocale cmath codecvt compare complex concepts condition_variable coroutine csetjmp csignal cstdarg cstddef cstdint
+    cstdio cstdlib cstring ctime cuchar cwchar cwctype deque exception execution filesystem format forward_list fstream
+    functional future initializer_list iomanip ios iosfwd iostream istream iterator latch limits list locale map memory
+    memory_resource mutex new numbers numeric optional ostream queue random ranges ratio regex scoped_allocator
+    semaphore set shared_mutex source_location span sstream stack stdexcept stop_token streambuf string string_view
+    strstream syncstream system_error thread tuple type_traits typeindex typeinfo unordered_map unordered_set utility
+    valarray variant vector version""".split())
+THIRD_PARTY = re.compile(r"(asio|pugixml|sqlite3|sodium|spdlog|fmt|CLI|toml|nats|benchmark|gtest|gmock|Q[A-Z]\w*)\b")
+MAY_SEE_SYSTEM = ("platform/posix", "platform/win32", "platform/qt", "automation", "zeb", "tools")
+MAY_SEE_THIRD_PARTY = ("libs/", "platform/posix", "platform/win32", "platform/qt", "zeb", "tools")
+
+INCLUDE = re.compile(r'\s*#\s*include\s*([<"])([^>"]+)[>"]')
+WINDOWS_SWITCH = re.compile(r"\s*#\s*(if|ifdef|ifndef|elif)\b.*\b_WIN(32|64)\b")
+LONGEST_FILE = 800
+LINK = re.compile(r"\]\(([^)\s]+)\)")
+
+
+def files(root, folders, endings):
+    """Paths relative to the root, in order."""
+    for folder in folders:
+        for place, folders_here, names in os.walk(os.path.join(root, folder)):
+            folders_here.sort()
+            for name in sorted(names):
+                if name.endswith(endings):
+                    yield os.path.relpath(os.path.join(place, name), root).replace(os.sep, "/")
+
+
+def lines(root, path):
+    with open(os.path.join(root, path), encoding="utf-8") as file:
+        return list(enumerate(file.read().split("\n"), start=1))
+
+
+def room_of_source(path):
+    """The room of a path that starts below src/: the longest known room that is a folder of it, else None."""
+    if re.match(r"server/KQAppSessionInfo\w*\.", path):
+        return "sessioninfo"
+    folders = path.split("/")[:-1]
+    for length in range(len(folders), 0, -1):
+        room = "/".join(folders[:length])
+        if room in MAY_USE and room not in ("zeb", "tools", "sessioninfo"):
+            return room
+    return None
+
+
+def room_of_file(path):
+    """The room of a file of the tree, None when it is in none."""
+    first, _, rest = path.partition("/")
+    if first == "include":
+        return PUBLIC_HEADERS.get(os.path.splitext(os.path.basename(path))[0])
+    if first == "src":
+        return room_of_source(rest)
+    return first if first in ("zeb", "tools") else None
+
+
+def wrong_include(path, room, bracket, name):
+    """What is wrong with this include, None when nothing is."""
+    public = re.fullmatch(r"kqappsession/(\w+)\.h", name)
+    if public:
+        owner = PUBLIC_HEADERS.get(public[1])
+        if owner is None:
+            return f"<{name}> is no public header"
+    elif bracket == "<":
+        return wrong_foreign_include(path, room, name)
+    elif name.startswith(("zeb/", "tools/")) or "/" not in name:
+        owner = name.split("/")[0] if "/" in name else room
+    else:
+        owner = room_of_source(name)
+        if owner is None:
+            return f'"{name}" is in no room'
+    if owner == room:
+        return None
+    if not public and (room, owner) in PUBLIC_ONLY:
+        return f"{room} may use the public headers of {owner} only, not \"{name}\""
+    if public and (room, owner) in PUBLIC_ONLY:
+        return None
+    if owner not in MAY_USE[room]:
+        return f"{room} may not use {owner} ({name})"
+    if room == "dialogs" and owner == "platform" and not public and name not in DIALOGS_SEE:
+        return f"dialogs may not use {name}"
+    return None
+
+
+def wrong_foreign_include(path, room, name):
+    if name in STANDARD:
+        return None
+    if THIRD_PARTY.match(name):
+        if path == ASIO_HEADER and name.startswith("asio"):
+            return None
+        if path.startswith("include/"):
+            return f"a public header uses the standard library only, not <{name}>"
+        allowed = room.startswith(MAY_SEE_THIRD_PARTY)
+        return None if allowed else f"{room} uses no other people's code, so not <{name}>"
+    if path.startswith("include/") or not room.startswith(MAY_SEE_SYSTEM):
+        return f"{room} may not ask the operating system, so not <{name}>"
+    return None
+
+
+def check_includes(root):
+    for path in files(root, ("include", "src", "zeb", "tools"), (".h", ".cpp")):
+        room = room_of_file(path)
+        if room is None:
+            yield f"{path}:1: the file is in no room"
+            continue
+        for number, line in lines(root, path):
+            match = INCLUDE.match(line)
+            wrong = match and wrong_include(path, room, match[1], match[2])
+            if wrong:
+                yield f"{path}:{number}: {wrong}"
+
+
+def check_headers(root):
+    """Every header is guarded and says at its top what it is for; every public header has its owner."""
+    for path in files(root, ("include", "src", "zeb", "tools"), (".h",)):
+        text = [line for _, line in lines(root, path)]
+        if not text[0].startswith("//"):
+            yield f"{path}:1: a header starts with its purpose"
+        if "#pragma once" not in text:
+            yield f"{path}:1: #pragma once is missing"
+        if path.startswith("include/") and room_of_file(path) is None:
+            yield f"{path}:1: no room owns this public header"
+
+
+def check_platforms(root):
+    for path in files(root, ("include", "src", "zeb", "tools"), (".h", ".cpp")):
+        room = room_of_file(path) or ""
+        if room.startswith(("platform", "automation")):
+            continue
+        for number, line in lines(root, path):
+            if WINDOWS_SWITCH.match(line):
+                yield f"{path}:{number}: {room} is the same on every platform: no switch on _WIN32"
+
+
+def check_sizes(root):
+    for path in files(root, ("include", "src", "zeb", "tools", "tests", "bench", "fuzz", "cmake", "scripts"),
+                      (".h", ".cpp", ".py")):
+        count = len(lines(root, path)) - 1
+        if count > LONGEST_FILE:
+            yield f"{path}:{LONGEST_FILE + 1}: {count} lines; split it, {LONGEST_FILE} is the most"
+
+
+def check_links(root):
+    """A document's links to files of the tree lead somewhere."""
+    documents = [name for name in sorted(os.listdir(root)) if name.endswith(".md")]
+    for path in documents + list(files(root, ("docs", "include", "src", "zeb", "tools", "tests"), (".md",))):
+        for number, line in lines(root, path):
+            for target in LINK.findall(line):
+                if "://" in target or target.startswith("#"):
+                    continue
+                if not os.path.exists(os.path.join(root, os.path.dirname(path), target.split("#")[0])):
+                    yield f"{path}:{number}: there is no {target}"
+
+
+CHECKS = {"includes": check_includes, "headers": check_headers, "platforms": check_platforms, "sizes": check_sizes,
+          "links": check_links}
+
+
+def main(arguments):
+    if len(arguments) != 2 or arguments[0] not in CHECKS:
+        print(__doc__, file=sys.stderr)
+        return 2
+    breaches = list(CHECKS[arguments[0]](arguments[1]))
+    for breach in breaches:
+        print(breach)
+    return 1 if breaches else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

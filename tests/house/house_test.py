@@ -1,0 +1,128 @@
+#!/usr/bin/env python3
+"""Tests of the checks of the house: each breach is found where it stands, and what is allowed passes."""
+import os
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import house
+import readme_example
+
+
+class House(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = folder.name
+
+    def file(self, path, text):
+        path = os.path.join(self.root, path)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text)
+
+    def breaches(self, check):
+        return list(house.CHECKS[check](self.root))
+
+    def includes_of(self, path, *names):
+        self.file(path, "".join(f"#include {name}\n" for name in names))
+        return self.breaches("includes")
+
+    def test_a_room_includes_its_own_files_and_those_below(self):
+        self.assertEqual([], self.includes_of("src/client/A.cpp", '"client/B.h"', '"messages/C.h"', "<vector>",
+                                              "<kqappsession/APClient.h>", "<kqappsession/KQAppSessionInfo.h>"))
+
+    def test_an_include_upwards_is_found_with_its_line(self):
+        self.assertEqual(["src/base/A.cpp:2: base may not use platform (platform/Clock.h)"],
+                         self.includes_of("src/base/A.cpp", "<string>", '"platform/Clock.h"'))
+
+    def test_client_and_server_do_not_know_each_other(self):
+        self.assertEqual(1, len(self.includes_of("src/client/A.cpp", "<kqappsession/KQAppSessServer.h>")))
+
+    def test_the_client_uses_the_session_record_but_no_other_part_of_the_server(self):
+        self.assertEqual(1, len(self.includes_of("src/client/A.cpp", '"server/KQAppSessionInfos.h"',
+                                                 '"server/Announcement.h"')))
+
+    def test_a_library_does_not_know_its_siblings(self):
+        self.assertEqual(1, len(self.includes_of("src/libs/webdata/A.cpp", "<kqappsession/Timer.h>")))
+
+    def test_a_public_header_belongs_to_the_room_that_owns_it(self):
+        self.assertEqual(1, len(self.includes_of("include/kqappsession/Error.h", "<kqappsession/Platform.h>")))
+
+    def test_a_public_header_uses_the_standard_library_only(self):
+        self.assertEqual(2, len(self.includes_of("include/kqappsession/APClient.h", "<pugixml.hpp>", "<unistd.h>")))
+
+    def test_only_the_header_for_hosts_with_their_own_loop_needs_asio(self):
+        self.assertEqual([], self.includes_of("include/kqappsession/AsioEventLoop.h", "<asio/io_context.hpp>"))
+        self.assertEqual(1, len(self.includes_of("include/kqappsession/EventLoop.h", "<asio/io_context.hpp>")))
+
+    def test_the_operating_system_is_asked_in_ports_and_programs_only(self):
+        self.assertEqual([], self.includes_of("src/platform/posix/A.cpp", "<sys/stat.h>"))
+        self.assertEqual([], self.includes_of("tools/A.cpp", "<termios.h>"))
+        self.assertEqual(["src/util/A.cpp:1: util may not ask the operating system, so not <sys/stat.h>"],
+                         self.includes_of("src/util/A.cpp", "<sys/stat.h>"))
+
+    def test_the_core_uses_no_other_peoples_code(self):
+        self.assertEqual([], self.includes_of("src/libs/xmltext/A.cpp", "<pugixml.hpp>"))
+        self.assertEqual(1, len(self.includes_of("src/server/A.cpp", "<fmt/format.h>")))
+
+    def test_programs_know_client_and_server_by_public_headers_only(self):
+        self.assertEqual([], self.includes_of("tools/A.cpp", "<kqappsession/KQAppSessClient.h>"))
+        self.assertEqual(1, len(self.includes_of("tools/A.cpp", '"client/ClientState.h"')))
+
+    def test_dialogs_know_two_interfaces_of_the_platform(self):
+        self.assertEqual([], self.includes_of("src/dialogs/A.cpp", '"platform/DialogHost.h"'))
+        self.assertEqual(1, len(self.includes_of("src/dialogs/A.cpp", '"platform/Folders.h"')))
+
+    def test_ports_do_not_know_each_other(self):
+        self.assertEqual(1, len(self.includes_of("src/platform/qt/A.cpp", '"platform/posix/B.h"')))
+
+    def test_a_file_in_no_room_is_found(self):
+        self.assertEqual(1, len(self.includes_of("src/misc/A.cpp", "<string>")))
+
+    def test_an_unknown_public_header_is_found(self):
+        self.assertEqual(1, len(self.includes_of("tools/A.cpp", "<kqappsession/Nothing.h>")))
+
+    def test_a_header_without_purpose_or_guard_is_found(self):
+        self.file("src/base/A.h", "namespace kq {}\n")
+        self.assertEqual(2, len(self.breaches("headers")))
+
+    def test_a_header_with_purpose_and_guard_passes(self):
+        self.file("src/base/A.h", "// What A is.\n#pragma once\n")
+        self.assertEqual([], self.breaches("headers"))
+
+    def test_a_switch_on_windows_is_found_outside_the_ports(self):
+        self.file("src/client/A.cpp", "int a;\n#if defined(_WIN32)\n#endif\n")
+        self.file("src/platform/win32/A.cpp", "#ifdef _WIN32\n#endif\n")
+        self.assertEqual(["src/client/A.cpp:2: client is the same on every platform: no switch on _WIN32"],
+                         self.breaches("platforms"))
+
+    def test_eight_hundred_lines_pass_and_one_more_does_not(self):
+        self.file("src/client/A.cpp", "\n" * 800)
+        self.assertEqual([], self.breaches("sizes"))
+        self.file("src/client/A.cpp", "\n" * 801)
+        self.assertEqual(1, len(self.breaches("sizes")))
+
+    def test_a_link_to_nothing_is_found(self):
+        self.file("docs/tour.md", "see [a](wire.md#top), [b](../README.md) and [c](https://example.com/x)\n")
+        self.file("docs/wire.md", "\n")
+        self.assertEqual(["docs/tour.md:1: there is no ../README.md"], self.breaches("links"))
+
+
+class ReadmeExample(unittest.TestCase):
+    def test_the_one_code_block_is_taken_as_it_stands(self):
+        self.assertEqual("int main() {\n}\n",
+                         readme_example.example("# A\n\n```cpp\nint main() {\n}\n```\n\n```sh\nls\n```\n"))
+
+    def test_a_text_without_code_is_refused(self):
+        with self.assertRaises(ValueError):
+            readme_example.example("# A\n")
+
+    def test_a_second_program_is_refused(self):
+        with self.assertRaises(ValueError):
+            readme_example.example("```cpp\nint a;\n```\n```cpp\nint b;\n```\n")
+
+
+if __name__ == "__main__":
+    unittest.main()
