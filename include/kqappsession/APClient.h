@@ -71,14 +71,21 @@ class APClient : public std::enable_shared_from_this<APClient> {
     Signal<const std::string&, std::int64_t, std::int64_t> Progress;
     // A block has arrived (ReceiveMode Events, and the type is wanted).
     Signal<const Block&> Receive;
+    // What BeginConnect started has ended: 0 and no text when the connection stands, else number and
+    // sentence.
+    Signal<std::int32_t, const std::string&> ConnectEnded;
 
     // Connects to a name or numeric address. `local_address`: the interface to connect from, empty for any.
     // An existing connection is disconnected first. Trying several addresses of a name shares the one
     // time-out evenly; the error is the last one's. Raises 10022 when the port is outside 1 to 65535, 10053
     // when Disconnect was called meanwhile, 10004 when the loop quits, RuntimeError::InvalidProcedureCall
-    // from inside a running Connect.
+    // while a connection is being made.
     void Connect(const std::string& address, std::int32_t port, const std::string& local_address,
                  std::int32_t time_out);
+    // The same without waiting: returns at once, ConnectEnded follows unless Disconnect comes first. Raises
+    // only what is wrong with the arguments.
+    void BeginConnect(const std::string& address, std::int32_t port, const std::string& local_address,
+                      std::int32_t time_out);
     // Ends the connection; what waits to be written is written in the background, within 1 s. Blocks that
     // wait to be delivered or taken are dropped. Never raises.
     void Disconnect();

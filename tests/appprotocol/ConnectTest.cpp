@@ -189,5 +189,92 @@ TEST_F(Connecting, GivesEveryObjectAnIdentifierOfItsOwn) {
     EXPECT_EQ(client_->Identifier().find_first_not_of("0123456789"), std::string::npos);
 }
 
+class BeginningToConnect : public ClientScene {
+ protected:
+    BeginningToConnect() {
+        client_->ConnectEnded.Connect(owner_, [this](std::int32_t number, const std::string& sentence) {
+            Note("ended:" + std::to_string(number));
+            sentence_ = sentence;
+        });
+    }
+    void Begin(const std::string& address = kServer, std::int32_t port = kPort) {
+        client_->BeginConnect(address, port, "", 500);
+    }
+};
+
+TEST_F(BeginningToConnect, ReturnsAtOnceAndTellsLaterThatTheConnectionStands) {
+    EXPECT_EQ(TimeOf([&] { Begin(); }), 0);
+    EXPECT_FALSE(client_->Connected());
+    EXPECT_EQ(heard_, "");
+    Run();
+    EXPECT_TRUE(client_->Connected());
+    EXPECT_EQ(heard_, "ended:0");
+    EXPECT_EQ(sentence_, "");
+}
+
+TEST_F(BeginningToConnect, TellsARefusalAndAnUnknownName) {
+    Begin(kServer, 1);
+    Run();
+    EXPECT_EQ(sentence_, "The connection was refused.");
+    Begin("nowhere.example");
+    Run();
+    EXPECT_EQ(heard_, "ended:10061 ended:11001");
+}
+
+TEST_F(BeginningToConnect, TellsTheTimeOutWhenItHasPassed) {
+    machine_.network->BlackHole(kServer, kPort);
+    Begin();
+    machine_.loop->Advance(Milliseconds(499));
+    EXPECT_EQ(heard_, "");
+    machine_.loop->Advance(Milliseconds(1));
+    EXPECT_EQ(heard_, "ended:10060");
+    EXPECT_EQ(machine_.network->OpenStreams(), 0U);
+}
+
+TEST_F(BeginningToConnect, TellsTheTimeOutOfANameThatIsNeverFound) {
+    machine_.resolver->delay = Milliseconds(60'000);
+    Begin("server");
+    machine_.loop->Advance(Milliseconds(500));
+    EXPECT_EQ(heard_, "ended:10060");
+}
+
+TEST_F(BeginningToConnect, TellsNothingAfterADisconnect) {
+    Begin();
+    client_->Disconnect();
+    machine_.loop->Advance(Milliseconds(2000));
+    EXPECT_EQ(heard_, "");
+    EXPECT_FALSE(client_->Connected());
+}
+
+TEST_F(BeginningToConnect, IsRefusedWhileAConnectionIsBeingMade) {
+    Begin();
+    EXPECT_EQ(NumberRaisedBy([&] { Begin(); }), NumberOf(RuntimeError::InvalidProcedureCall));
+    EXPECT_EQ(NumberRaisedBy([&] { client_->Connect(kServer, kPort, "", 500); }),
+              NumberOf(RuntimeError::InvalidProcedureCall));
+    Run();
+    EXPECT_EQ(heard_, "ended:0");
+}
+
+TEST_F(BeginningToConnect, RaisesWhatIsWrongWithItsArguments) {
+    EXPECT_EQ(NumberRaisedBy([&] { Begin(kServer, 0); }), 10022);
+    EXPECT_EQ(NumberRaisedBy([&] { Begin(""); }), 11001);
+}
+
+TEST_F(BeginningToConnect, MayDropTheObjectInItsEvent) {
+    client_->ConnectEnded.Connect(owner_, [this](std::int32_t, const std::string&) { client_.reset(); });
+    Begin(kServer, 1);
+    Run();
+    EXPECT_EQ(client_, nullptr);
+}
+
+TEST_F(BeginningToConnect, DoesNotHoldUpAnotherWait) {
+    machine_.network->BlackHole("10.0.0.9", kPort);
+    Begin("10.0.0.9");
+    EXPECT_EQ(TimeOf([&] {
+                  machine_.loop->RunUntil([] { return false; }, machine_.loop->Now() + Milliseconds(100));
+              }),
+              100);
+}
+
 }  // namespace
 }  // namespace kq

@@ -25,6 +25,11 @@ void APClient::Connect(const std::string& address, std::int32_t port, const std:
     impl_->Connect(to, port, from, time_out);
 }
 
+void APClient::BeginConnect(const std::string& address, std::int32_t port, const std::string& local_address,
+                            std::int32_t time_out) {
+    impl_->BeginConnect(address, port, local_address, time_out);
+}
+
 void APClient::Disconnect() {
     impl_->Disconnect();
 }

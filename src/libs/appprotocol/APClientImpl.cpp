@@ -49,6 +49,7 @@ APClient::Impl::Impl(APClient& face, PlatformPtr platform)
     : face_(face), platform_(std::move(platform)), loop_(*platform_->loop), identifier_(NextIdentifier()) {}
 
 APClient::Impl::~Impl() {
+    GiveUpAttempt();
     if (Connected()) connection_->Leave();
 }
 
@@ -62,7 +63,7 @@ void APClient::Impl::Adopt(std::unique_ptr<StreamSocket> socket) {
 }
 
 void APClient::Impl::Disconnect() {
-    if (connecting_) ++serial_;
+    if (GiveUpAttempt()) ++serial_;
     DropBlocks();
     if (Connected()) {
         connection_->Leave();
@@ -149,7 +150,7 @@ void APClient::Impl::OnOver(Ending ending) {
     // The other side may have stopped sending only; it still gets what waits for it.
     if (!ending.failure) connection_->Leave();
     connection_.reset();
-    NoteEnd(std::move(ending), waiting_ > blocks_ || connecting_);
+    NoteEnd(std::move(ending), waiting_ > blocks_ || connects_waiting_ > 0);
     if (completion) RaiseProgress(*completion);
     Deliver();
 }

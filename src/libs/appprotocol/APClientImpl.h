@@ -16,6 +16,7 @@
 #include <vector>
 
 #include <kqappsession/APClient.h>
+#include <kqappsession/Error.h>
 
 #include "libs/appprotocol/Connection.h"
 #include "libs/appprotocol/Fifo.h"
@@ -31,6 +32,8 @@ class APClient::Impl final : public Connection::Sink {
 
     void Connect(const std::string& address, std::int32_t port, const std::string& local_address,
                  std::int32_t time_out);
+    void BeginConnect(const std::string& address, std::int32_t port, const std::string& local_address,
+                      std::int32_t time_out);
     // Takes over an accepted stream; nothing is raised before this returns.
     void Adopt(std::unique_ptr<StreamSocket> socket);
     void Disconnect();
@@ -59,6 +62,18 @@ class APClient::Impl final : public Connection::Sink {
         bool told;  // a call has learned of it, or asked for it
     };
     using Item = std::variant<Block, End>;
+    // A connection that is being made.
+    struct Attempt {
+        std::int32_t port = 0;
+        std::string local_address;
+        EventLoop::TimePoint deadline;
+        std::vector<std::string> addresses;
+        std::size_t tried = 0;  // of the addresses
+        std::int32_t error = static_cast<std::int32_t>(NetError::HostNotFound);
+        EventLoop::TimerId timer = 0;
+        bool waited = false;  // by a call of Connect, which tells the result itself
+        Owner owner;
+    };
     class Waiting;
 
     void OnConnected() override;
@@ -67,11 +82,11 @@ class APClient::Impl final : public Connection::Sink {
     void OnRead() override;
     void OnOver(Ending ending) override;
 
-    std::vector<std::string> Resolve(const std::string& address, EventLoop::TimePoint deadline,
-                                     std::uint64_t mine);
+    void TryNextAddress();
+    void LimitAttempt(EventLoop::TimePoint until, EventLoop::Task task);
     // 0: the connection stands; else why not.
-    std::int32_t TryAddress(const std::string& address, int port, const std::string& local_address,
-                            EventLoop::TimePoint until, std::uint64_t mine);
+    void EndAttempt(std::int32_t result);
+    std::unique_ptr<Attempt> GiveUpAttempt();
 
     // The connection has ended: what waits stays, its end takes the last place.
     void NoteEnd(Ending ending, bool told);
@@ -101,10 +116,11 @@ class APClient::Impl final : public Connection::Sink {
     bool made_ = true;  // by Connect; else accepted
     bool admitted_ = false;
 
-    std::uint64_t serial_ =
-        0;  // of the connection or the attempt; another number says that it has been given up
-    bool connecting_ = false;  // a call of Connect is running
-    std::optional<std::int32_t> connect_result_;
+    // Of the connection or the attempt; another number says that it has been given up.
+    std::uint64_t serial_ = 0;
+    std::unique_ptr<Attempt> attempt_;
+    std::int32_t connect_result_ = 0;
+    std::size_t connects_waiting_ = 0;  // calls of Connect
     std::unique_ptr<Connection> connection_;
 
     Fifo<Item> inbox_;

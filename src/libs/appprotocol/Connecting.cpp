@@ -1,5 +1,5 @@
-// Making a connection: the name becomes addresses, and one after the other is tried until one answers. The
-// loop runs meanwhile, so after every wait the attempt may have been given up.
+// Making a connection: the name becomes addresses, and one after the other is tried until one answers. All of
+// it runs by events; Connect only waits for the end of what BeginConnect starts.
 #include <algorithm>
 #include <utility>
 
@@ -20,94 +20,117 @@ bool IsNumericAddress(const std::string& address) {
            address.find_first_not_of("0123456789.") == std::string::npos;
 }
 
-[[noreturn]] void RaiseGivenUp() {
-    Raise(NetError::ConnectionAborted, kAppProtocolSource,
-          "The connection was given up while it was being made.");
-}
-
-// Marks a call of Connect as running.
-class Running {
+// Counts a call of Connect for as long as it waits.
+class Waits {
  public:
-    explicit Running(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Running() { flag_ = false; }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
+    explicit Waits(std::size_t& count) : count_(count) { ++count_; }
+    ~Waits() { --count_; }
+    Waits(const Waits&) = delete;
+    Waits& operator=(const Waits&) = delete;
 
  private:
-    bool& flag_;
+    std::size_t& count_;
 };
 
 }  // namespace
 
 void APClient::Impl::Connect(const std::string& address, std::int32_t port, const std::string& local_address,
                              std::int32_t time_out) {
-    if (connecting_) Raise(RuntimeError::InvalidProcedureCall, "The connection is being made already.");
+    BeginConnect(address, port, local_address, time_out);
+    attempt_->waited = true;
+    const auto mine = serial_;
+    {
+        const Waits waits(connects_waiting_);
+        loop_.RunUntil([&] { return serial_ != mine || !attempt_; }, attempt_->deadline);
+    }
+    if (serial_ != mine) {
+        kq::Raise(NetError::ConnectionAborted, kAppProtocolSource,
+                  "The connection was given up while it was being made.");
+    }
+    if (attempt_) {
+        EndAttempt(static_cast<std::int32_t>(loop_.Quitting() ? NetError::Interrupted : NetError::TimedOut));
+    }
+    if (connect_result_ != 0) {
+        throw kq::Error(connect_result_, std::string(kAppProtocolSource), NetErrorText(connect_result_));
+    }
+    // Another wait may have run on from here: what stood may have ended again.
+    if (!Connected())
+        throw kq::Error(last_ending_.number, std::string(kAppProtocolSource), last_ending_.sentence);
+}
+
+void APClient::Impl::BeginConnect(const std::string& address, std::int32_t port,
+                                  const std::string& local_address, std::int32_t time_out) {
+    if (attempt_) kq::Raise(RuntimeError::InvalidProcedureCall, "The connection is being made already.");
     if (port < 1 || port > kLastPort) {
-        Raise(NetError::InvalidArgument, kAppProtocolSource,
-              "The port " + std::to_string(port) + " is outside 1 to 65535.");
+        kq::Raise(NetError::InvalidArgument, kAppProtocolSource,
+                  "The port " + std::to_string(port) + " is outside 1 to 65535.");
     }
     if (address.empty())
-        Raise(NetError::HostNotFound, kAppProtocolSource, "No address was given to connect to.");
+        kq::Raise(NetError::HostNotFound, kAppProtocolSource, "No address was given to connect to.");
 
     Disconnect();
-    const Running running(connecting_);
-    const auto mine = ++serial_;
-    const auto deadline = loop_.Now() + Milliseconds(time_out > 0 ? time_out : kDefaultTimeOut);
-    const auto addresses = Resolve(address, deadline, mine);
-    auto error = static_cast<std::int32_t>(NetError::HostNotFound);
-    for (std::size_t i = 0; i < addresses.size(); ++i) {
-        // An address that never answers must not use up the time of those behind it.
-        const auto share =
-            (deadline - loop_.Now()) / static_cast<EventLoop::TimePoint::rep>(addresses.size() - i);
-        error = TryAddress(addresses[i], port, local_address, loop_.Now() + share, mine);
-        if (error == 0) return;
+    ++serial_;
+    attempt_ = std::make_unique<Attempt>();
+    attempt_->port = port;
+    attempt_->local_address = local_address;
+    attempt_->deadline = loop_.Now() + Milliseconds(time_out > 0 ? time_out : kDefaultTimeOut);
+    if (IsNumericAddress(address)) {
+        attempt_->addresses = {address};
+        TryNextAddress();
+        return;
     }
-    throw kq::Error(error, std::string(kAppProtocolSource), NetErrorText(error));
+    LimitAttempt(attempt_->deadline, [this] { EndAttempt(static_cast<std::int32_t>(NetError::TimedOut)); });
+    platform_->resolver->Resolve(address, attempt_->owner, [this](std::vector<std::string> addresses) {
+        attempt_->addresses = std::move(addresses);
+        TryNextAddress();
+    });
 }
 
-std::vector<std::string> APClient::Impl::Resolve(const std::string& address, EventLoop::TimePoint deadline,
-                                                 std::uint64_t mine) {
-    if (IsNumericAddress(address)) return {address};
-    std::optional<std::vector<std::string>> found;
-    const Owner owner;
-    platform_->resolver->Resolve(
-        address, owner, [&found](std::vector<std::string> addresses) { found = std::move(addresses); });
-    loop_.RunUntil([&] { return found.has_value() || serial_ != mine; }, deadline);
-    if (serial_ != mine) RaiseGivenUp();
-    if (found) return *std::move(found);
-    Raise(loop_.Quitting() ? NetError::Interrupted : NetError::TimedOut, kAppProtocolSource);
-}
-
-std::int32_t APClient::Impl::TryAddress(const std::string& address, int port,
-                                        const std::string& local_address, EventLoop::TimePoint until,
-                                        std::uint64_t mine) {
-    connect_result_.reset();
-    made_ = true;
-    connection_ =
-        std::make_unique<Connection>(loop_, platform_->network->Connect(address, port, local_address),
-                                     Connection::State::Connecting, CurrentFrameLimits(), *this);
-    loop_.RunUntil([&] { return connect_result_.has_value() || serial_ != mine; }, until);
-    if (serial_ != mine) RaiseGivenUp();
-    if (connect_result_ == 0) {
-        // Another wait may have run on from here: what stood may have ended again.
-        if (!Connected())
-            throw kq::Error(last_ending_.number, std::string(kAppProtocolSource), last_ending_.sentence);
-        return 0;
-    }
+void APClient::Impl::TryNextAddress() {
+    Attempt& attempt = *attempt_;
     connection_.reset();
-    if (connect_result_) return *connect_result_;
-    if (loop_.Quitting()) Raise(NetError::Interrupted, kAppProtocolSource);
-    return static_cast<std::int32_t>(NetError::TimedOut);
+    if (attempt.tried == attempt.addresses.size()) return EndAttempt(attempt.error);
+    const auto left = static_cast<EventLoop::TimePoint::rep>(attempt.addresses.size() - attempt.tried);
+    const auto& address = attempt.addresses[attempt.tried++];
+    made_ = true;
+    connection_ = std::make_unique<Connection>(
+        loop_, platform_->network->Connect(address, attempt.port, attempt.local_address),
+        Connection::State::Connecting, CurrentFrameLimits(), *this);
+    // An address that never answers must not use up the time of those behind it.
+    const auto now = loop_.Now();
+    LimitAttempt(now + (attempt.deadline - now) / left,
+                 [this] { OnConnectFailed(static_cast<std::int32_t>(NetError::TimedOut)); });
+}
+
+void APClient::Impl::LimitAttempt(EventLoop::TimePoint until, EventLoop::Task task) {
+    loop_.CancelTimer(attempt_->timer);
+    const auto delay = std::chrono::ceil<Milliseconds>(until - loop_.Now());
+    attempt_->timer = loop_.StartTimer(delay, attempt_->owner.Bind(std::move(task)));
 }
 
 void APClient::Impl::OnConnected() {
     if (keep_alive_) connection_->Socket().SetKeepAlive(true);
     UpdateReading();
-    connect_result_ = 0;
+    EndAttempt(0);
 }
 
 void APClient::Impl::OnConnectFailed(std::int32_t number) {
-    connect_result_ = number;
+    attempt_->error = number;
+    TryNextAddress();
+}
+
+void APClient::Impl::EndAttempt(std::int32_t result) {
+    if (result != 0) connection_.reset();
+    connect_result_ = result;
+    const auto attempt = GiveUpAttempt();
+    if (attempt->waited) return;
+    const auto self = face_.shared_from_this();
+    face_.ConnectEnded(result, result == 0 ? std::string() : NetErrorText(result));
+}
+
+std::unique_ptr<APClient::Impl::Attempt> APClient::Impl::GiveUpAttempt() {
+    if (attempt_) loop_.CancelTimer(attempt_->timer);
+    return std::exchange(attempt_, nullptr);
 }
 
 }  // namespace kq

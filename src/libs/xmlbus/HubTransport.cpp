@@ -54,20 +54,14 @@ void HubTransport::Open() {
     connection_->Receive.Connect(attempt_, [this](const Block& block) { OnBlock(block); });
     connection_->Error.Connect(attempt_, [this](std::int32_t, const std::string& text) { Fail(text); });
     connection_->Disconnected.Connect(attempt_, [this] { Fail("The hub has ended the connection."); });
-    platform_->loop->Post(attempt_.Bind([this] { Connect(); }));
-}
-
-// Waits inside a task; Close ends the wait.
-void HubTransport::Connect() {
-    const auto self = shared_from_this();
-    const auto connection = connection_;
+    connection_->ConnectEnded.Connect(attempt_, [this](std::int32_t error, const std::string& text) {
+        error == 0 ? OnConnected() : Fail(text);
+    });
     try {
-        connection->Connect(address_, port_, std::string(), kConnectTime);
+        connection_->BeginConnect(address_, port_, std::string(), kConnectTime);
     } catch (const Error& error) {
-        if (connection_ == connection) Fail(error.Description());
-        return;
+        FailSoon(error.Description());
     }
-    if (connection_ == connection) OnConnected();
 }
 
 void HubTransport::Close() {

@@ -36,7 +36,6 @@ class HubTransport final : public BusTransport, public std::enable_shared_from_t
 
     HubTransport(PlatformPtr platform, BusSettings settings);
 
-    void Connect();
     void OnConnected();
     void OnBlock(const Block& block);
     void OnControl(const XMLMessage& message);
