@@ -1,5 +1,5 @@
-// The host program's own object, asked for its properties by name at run time ("Path", "ProductName", "EXEName",
-// "Major" and so on).
+// The host program's own object, asked for its properties by name at run time ("Path", "ProductName",
+// "EXEName", "Major" and so on).
 #pragma once
 
 #include <optional>

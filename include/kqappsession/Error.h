@@ -69,8 +69,8 @@ enum class NetError : std::int32_t {
     HostNotFound = 11001,
 };
 
-// The sentence for a Winsock number: "The connection was refused." and so on; unknown numbers get a sentence
-// that names the number.
+// The sentence for a Winsock number: "The connection was refused" and so on, without a full stop, so that it
+// can end another sentence; unknown numbers get one that names the number.
 std::string NetErrorText(std::int32_t number);
 
 // Raises an Error with the Winsock number itself (a positive number), the given source and its sentence, or

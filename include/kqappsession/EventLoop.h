@@ -1,9 +1,9 @@
 // The only thing in the library that waits.
 //
-// One thread runs the loop and everything that belongs to it: connections, timers, the login procedures and the
-// events that they raise. A procedure that has to wait runs the loop until its condition holds or its deadline
-// has passed; sockets, timers and windows are served meanwhile, so any object may have changed or gone when the
-// wait ends.
+// One thread runs the loop and everything that belongs to it: connections, timers, the login procedures and
+// the events that they raise. A procedure that has to wait runs the loop until its condition holds or its
+// deadline has passed; sockets, timers and windows are served meanwhile, so any object may have changed or
+// gone when the wait ends.
 //
 // Post may be called from any thread. Everything else is for the loop's own thread.
 #pragma once
@@ -49,17 +49,18 @@ class EventLoop {
     // Unknown and expired ids are ignored. The task never runs after this.
     virtual void CancelTimer(TimerId id) = 0;
 
-    // Calls `ready` whenever the socket is ready in a way that is wanted (level-triggered). The socket stays the
-    // caller's; Unwatch before closing it. A callback may unwatch.
+    // Calls `ready` whenever the socket is ready in a way that is wanted (level-triggered). The socket stays
+    // the caller's; Unwatch before closing it. A callback may unwatch.
     virtual WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) = 0;
     virtual void ChangeWatch(WatchId id, Readiness wanted) = 0;
     virtual void Unwatch(WatchId id) = 0;
 
-    // Runs what is ready now and returns without waiting. What becomes ready meanwhile waits for the next call.
+    // Runs what is ready now and returns without waiting. What becomes ready meanwhile waits for the next
+    // call.
     virtual void ProcessPending() = 0;
 
-    // Runs the loop until `done` returns true (asked before the first and after every event), the deadline has
-    // passed, or the loop is told to quit. Returns whether `done` held. May be called from inside a task.
+    // Runs the loop until `done` returns true (asked before the first and after every event), the deadline
+    // has passed, or the loop is told to quit. Returns whether `done` held. May be called from inside a task.
     virtual bool RunUntil(const std::function<bool()>& done, TimePoint deadline) = 0;
 
     // Runs until Quit.

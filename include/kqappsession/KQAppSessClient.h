@@ -9,13 +9,15 @@
 //   client.ServerLogin(false);
 //   client.SessionClient()->Send(message);
 //
-// A silent procedure (Interactive false) raises every failure as an Error with a number of KQAppSessErrorEnum,
-// leaves nothing half done and takes no longer than its time-outs and pauses. An interactive one asks the user and
-// needs a platform with dialogs (RuntimeError::InvalidProcedureCall without).
+// A silent procedure (Interactive false) raises every failure as an Error with a number of
+// KQAppSessErrorEnum, leaves nothing half done and takes no longer than its time-outs and pauses. An
+// interactive one asks the user and needs a platform with dialogs (RuntimeError::InvalidProcedureCall
+// without).
 //
-// One thread. The procedures run the event loop while they wait, so events arrive and other code runs meanwhile;
-// starting a procedure inside another one of the same object raises RuntimeError::InvalidProcedureCall. Dropping
-// the object or TerminateClient inside a procedure ends the procedure's wait at once.
+// One thread. The procedures run the event loop while they wait, so events arrive and other code runs
+// meanwhile; starting a procedure inside another one of the same object raises
+// RuntimeError::InvalidProcedureCall. Dropping the object or TerminateClient inside a procedure ends the
+// procedure's wait at once.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +28,7 @@
 
 #include <kqappsession/APClient.h>
 #include <kqappsession/AppObject.h>
+#include <kqappsession/Error.h>
 #include <kqappsession/KQAppSessErrorEnum.h>
 #include <kqappsession/KQAppSessionInfo.h>
 #include <kqappsession/Platform.h>
@@ -43,16 +46,16 @@ enum KQAppSessLoginState : std::int32_t {
 const char* NameOf(KQAppSessLoginState state);
 
 struct SystemLoginArguments {
-    std::string AppID;                          // the application identifier
-    std::string InterfaceVersion;               // the interface version that the application needs
-    std::string ClientVersion;                  // empty: "Major.Minor.Revision" of AppObj, else the program's file version
-    std::shared_ptr<AppObject> AppObj;          // may be null
-    std::string CommandStr;                     // the program's command line; "/Profile NAME" chooses a profile
-    std::string LoginID;                        // silent only
-    Secret Password;                            // silent only
-    std::string Address;                        // the login server; empty: from the settings file, with the next two
-    std::int32_t Port = 0;                      // 1 to 65535
-    std::int32_t TimeOut = 0;                   // ms, above 0
+    std::string AppID;             // the application identifier
+    std::string InterfaceVersion;  // the interface version that the application needs
+    std::string ClientVersion;     // empty: "Major.Minor.Revision" of AppObj, else the program's file version
+    std::shared_ptr<AppObject> AppObj;  // may be null
+    std::string CommandStr;             // the program's command line; "/Profile NAME" chooses a profile
+    std::string LoginID;                // silent only
+    Secret Password;                    // silent only
+    std::string Address;                // the login server; empty: from the settings file, with the next two
+    std::int32_t Port = 0;              // 1 to 65535
+    std::int32_t TimeOut = 0;           // ms, above 0
     std::optional<bool> UseASServerForLogin{};  // given: replaces the stored setting
 };
 
@@ -69,8 +72,8 @@ class KQAppSessClient {
     std::shared_ptr<kq::TranslationTable> TranslationTable() const;
     std::shared_ptr<kq::Profiles> Profiles() const;
     std::shared_ptr<Profile> CurrentProfile() const;
-    // A profile whose name the collection does not hold is ignored. RuntimeError::ObjectNotSet for null and while
-    // there is no collection.
+    // A profile whose name the collection does not hold is ignored. RuntimeError::ObjectNotSet for null and
+    // while there is no collection.
     void SetCurrentProfile(std::shared_ptr<Profile> profile);
     std::shared_ptr<APClient> SessionClient() const;
     std::shared_ptr<KQAppSessionInfo> SessionInfo() const;  // never null
@@ -92,16 +95,19 @@ class KQAppSessClient {
     bool UseASServerForLogin() const;
     void SetUseASServerForLogin(bool use);
 
-    // Logs in with the login server. True when the user is logged in; false only when an interactive user gave up.
+    // Logs in with the login server. True when the user is logged in; false only when an interactive user
+    // gave up.
     bool SystemLogin(bool interactive, const SystemLoginArguments& arguments);
     // The same; arguments.UseASServerForLogin counts (SystemLogin ignores it).
     bool SystemLogin2(bool interactive, const SystemLoginArguments& arguments);
-    // Connects to the application server and registers the session. kqaserrLoginNoSystem before a system login.
+    // Connects to the application server and registers the session. kqaserrLoginNoSystem before a system
+    // login.
     bool ServerLogin(bool interactive);
 
     // Sends the profiles to the login server. Empty or 0 arguments are filled from the settings file, and the
     // caller sees what was filled in. True when they were sent, false when an interactive user gave up.
-    // kqaserrLoginBadAddr, kqaserrLoginNoConnect, RuntimeError::TypeMismatch for a stored time-out that is none.
+    // kqaserrLoginBadAddr, kqaserrLoginNoConnect, RuntimeError::TypeMismatch for a stored time-out that is
+    // none.
     bool UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port, std::int32_t& time_out);
     void UpdateProfiles();  // interactive, login server from the settings file
     // Adds the profile in place of one of its name, then uploads all; the ASP variant never asks.
@@ -111,15 +117,16 @@ class KQAppSessClient {
     // What SetSystemLoginState takes: nothing, a text form, or the object itself (not null).
     template <class T>
     using TextOrObject = std::variant<std::monostate, std::string, std::shared_ptr<T>>;
-    // Puts the client into the state that a system login would have left. A translation table given as text is
-    // checked and then dropped: the field keeps its value. Fields set before a failing step keep their new values.
+    // Puts the client into the state that a system login would have left. A translation table given as text
+    // is checked and then dropped: the field keeps its value. Fields set before a failing step keep their new
+    // values.
     void SetSystemLoginState(const TextOrObject<XMLMessage>& session_msg,
                              const TextOrObject<kq::TranslationTable>& translation_table,
-                             const TextOrObject<kq::Profiles>& profiles, const std::string& current_profile_name,
-                             const std::string& app_server_address, std::int32_t app_server_port,
-                             std::int32_t app_server_time_out);
-    // Store the login server's settings (port, time-out in ms) in the settings file; with an empty address nothing
-    // is written. kqaserrLoginSessionRequired without a session record.
+                             const TextOrObject<kq::Profiles>& profiles,
+                             const std::string& current_profile_name, const std::string& app_server_address,
+                             std::int32_t app_server_port, std::int32_t app_server_time_out);
+    // Store the login server's settings (port, time-out in ms) in the settings file; with an empty address
+    // nothing is written. kqaserrLoginSessionRequired without a session record.
     void SetSystemConnectState(const std::string& system_address, std::int32_t system_port,
                                std::int32_t system_time_out);
     void SetSystemConnectState2(const std::string& system_address, std::int32_t system_port,

@@ -16,8 +16,8 @@ double Val(std::string_view text);
 // Val rounded to a whole number, halves to the even neighbour. Overflow outside 32 bits.
 std::int32_t ValLong(std::string_view text);
 
-// The whole trimmed text must be a number (sign, digits, point, exponent), else TypeMismatch; an empty text is
-// none. TextToLong rounds halves to even and overflows outside 32 bits.
+// The whole trimmed text must be a number (sign, digits, point, exponent), else TypeMismatch; an empty text
+// is none. TextToLong rounds halves to even and overflows outside 32 bits.
 double TextToDouble(std::string_view text);
 std::int32_t TextToLong(std::string_view text);
 

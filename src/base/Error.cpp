@@ -28,32 +28,32 @@ struct Sentence {
 };
 
 constexpr Sentence kNetSentences[] = {
-    {10004, "The operation was interrupted."},
-    {10013, "Access to the address was denied."},
-    {10014, "The address could not be used by the network."},
-    {10022, "The network was given an invalid argument."},
-    {10024, "Too many connections are open."},
-    {10035, "The connection is busy."},
-    {10036, "The connection is still being made."},
-    {10038, "The connection is not a network connection."},
-    {10040, "The message is too long."},
-    {10047, "The kind of address is not supported by the network."},
-    {10048, "The address is already in use."},
-    {10049, "The address is not available on this computer."},
-    {10050, "The network is down."},
-    {10051, "The network cannot be reached."},
-    {10052, "The network dropped the connection."},
-    {10053, "The connection was aborted."},
-    {10054, "The connection was reset by the other side."},
-    {10055, "No buffer space is available for the connection."},
-    {10056, "The connection is already made."},
-    {10057, "There is no connection."},
-    {10058, "The connection has been closed for sending."},
-    {10060, "The connection timed out."},
-    {10061, "The connection was refused."},
-    {10064, "The host is down."},
-    {10065, "The host cannot be reached."},
-    {11001, "The host was not found."},
+    {10004, "The operation was interrupted"},
+    {10013, "Access to the address was denied"},
+    {10014, "The address could not be used by the network"},
+    {10022, "The network was given an invalid argument"},
+    {10024, "Too many connections are open"},
+    {10035, "The connection is busy"},
+    {10036, "The connection is still being made"},
+    {10038, "The connection is not a network connection"},
+    {10040, "The message is too long"},
+    {10047, "The kind of address is not supported by the network"},
+    {10048, "The address is already in use"},
+    {10049, "The address is not available on this computer"},
+    {10050, "The network is down"},
+    {10051, "The network cannot be reached"},
+    {10052, "The network dropped the connection"},
+    {10053, "The connection was aborted"},
+    {10054, "The connection was reset by the other side"},
+    {10055, "No buffer space is available for the connection"},
+    {10056, "The connection is already made"},
+    {10057, "There is no connection"},
+    {10058, "The connection has been closed for sending"},
+    {10060, "The connection timed out"},
+    {10061, "The connection was refused"},
+    {10064, "The host is down"},
+    {10065, "The host cannot be reached"},
+    {11001, "The host was not found"},
 };
 
 }  // namespace
@@ -67,7 +67,7 @@ std::string NetErrorText(std::int32_t number) {
     for (const auto& sentence : kNetSentences) {
         if (sentence.number == number) return std::string(sentence.text);
     }
-    return "The network reported error " + std::to_string(number) + ".";
+    return "The network reported error " + std::to_string(number);
 }
 
 void Raise(NetError error, std::string_view source, std::string_view description) {

@@ -97,7 +97,8 @@ std::string RepairUtf8(std::string_view text) {
 
 std::string_view FirstCharacters(std::string_view text, std::size_t count) {
     std::size_t end = 0;
-    for (; count > 0 && end < text.size(); --count) end += DecodeFront(text.substr(end)).length;
+    for (; count > 0 && end < text.size(); --count)
+        end += DecodeFront(text.substr(end)).length;
     return text.substr(0, end);
 }
 

@@ -14,7 +14,8 @@ bool IsValidUtf8(std::string_view text);
 // Ill-formed sequences become U+FFFD, one for each maximal ill-formed part.
 std::string RepairUtf8(std::string_view text);
 
-// The first `count` characters of a text, never ending inside one; an ill-formed part counts as one character.
+// The first `count` characters of a text, never ending inside one; an ill-formed part counts as one
+// character.
 std::string_view FirstCharacters(std::string_view text, std::size_t count);
 
 // A lone surrogate becomes U+FFFD. Ill-formed UTF-8 likewise.

@@ -121,7 +121,7 @@ Procedure::~Procedure() {
 
 void Procedure::CheckTermination() const {
     if (Terminated()) {
-        Raise(NetError::Interrupted, kLibrarySource, "The client was terminated while the procedure ran.");
+        Raise(NetError::Interrupted, kLibrarySource, "The client was terminated while the procedure ran");
     }
 }
 

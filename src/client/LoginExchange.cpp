@@ -28,7 +28,7 @@ Reply TakeReply(APClient& client, std::string_view awaited_type, std::int32_t ti
         return reply;
     }
     if (block.data.empty()) {
-        reply.failure = "The reply was empty.";
+        reply.failure = "The reply was empty";
         return reply;
     }
     reply.received = true;

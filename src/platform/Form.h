@@ -129,6 +129,7 @@ class Form final : public std::enable_shared_from_this<Form> {
     void ShowModal(const std::shared_ptr<Form>& owner = nullptr);
     // Shows the form above all other windows and returns; when it is shown, raises it again.
     void ShowTopmost();
+    // Hides the modal form that it owns, too.
     void Hide();
     // Hides the form and lets its window go for good; timers stop, no handler is called again.
     void Unload();
@@ -156,6 +157,7 @@ class Form final : public std::enable_shared_from_this<Form> {
     bool running_ = false;
     bool unloaded_ = false;
     std::weak_ptr<Form> owner_form_;
+    std::weak_ptr<Form> owned_;
     std::list<Control> controls_;
     std::shared_ptr<FormView> view_;
     std::exception_ptr failure_;

@@ -7,8 +7,8 @@
 namespace kq {
 
 struct Shortcut {
-    std::string target;  // full path of the program
-    std::string working_directory;
+    std::string folder;     // where the program is; it is started there
+    std::string program;    // its file name in that folder
     std::string arguments;  // one line; blanks separate, quotation marks hold together
     std::string description;
 };

@@ -1,7 +1,7 @@
 // TCP as the library needs it: non-blocking streams and listeners that report through the event loop.
 //
-// Error numbers are Winsock's on every platform (NetError). A callback is never called from inside a call on the
-// same object, and never after the object is gone; it may destroy the object.
+// Error numbers are Winsock's on every platform (NetError). A callback is never called from inside a call on
+// the same object, and never after the object is gone; it may destroy the object.
 #pragma once
 
 #include <cstddef>
@@ -35,8 +35,8 @@ enum class SocketEvent {
 class StreamSocket {
  public:
     virtual ~StreamSocket() = default;  // closes
-    // An accepted stream reports Readable only; a connecting one first Connected or Failed. Bytes that arrived
-    // before a handler was set are reported when it is set.
+    // An accepted stream reports Readable only; a connecting one first Connected or Failed. Bytes that
+    // arrived before a handler was set are reported when it is set.
     virtual void SetHandler(std::function<void(SocketEvent)> handler) = 0;
     virtual IoResult Read(std::span<std::byte> buffer) = 0;
     virtual IoResult Write(std::span<const std::byte> bytes) = 0;
@@ -57,8 +57,8 @@ class ListenSocket {
     virtual ~ListenSocket() = default;  // closes
     // Called when a connection waits to be accepted, and again while one waits.
     virtual void SetHandler(std::function<void()> handler) = 0;
-    // The next waiting connection; null when none waits or the waiting one has gone. When the machine has no room
-    // for it (file handles used up) `error` is set and the listener pauses for a moment by itself.
+    // The next waiting connection; null when none waits or the waiting one has gone. When the machine has no
+    // room for it (file handles used up) `error` is set and the listener pauses for a moment by itself.
     virtual std::unique_ptr<StreamSocket> Accept(std::int32_t* error) = 0;
     virtual std::string LocalAddress() const = 0;
     virtual int LocalPort() const = 0;
@@ -67,12 +67,12 @@ class ListenSocket {
 class Network {
  public:
     virtual ~Network() = default;
-    // Starts connecting to a numeric address (IPv4 or IPv6), from `local_address` unless it is empty. Failures,
-    // also immediate ones, arrive as SocketEvent::Failed.
+    // Starts connecting to a numeric address (IPv4 or IPv6), from `local_address` unless it is empty.
+    // Failures, also immediate ones, arrive as SocketEvent::Failed.
     virtual std::unique_ptr<StreamSocket> Connect(const std::string& address, int port,
                                                   const std::string& local_address) = 0;
-    // Listens on a numeric local address (empty: all) and port (0: a free one). Raises NetError with the source
-    // "KQAppProtocolLib": address in use, not available, access denied.
+    // Listens on a numeric local address (empty: all) and port (0: a free one). Raises NetError with the
+    // source "KQAppProtocolLib": address in use, not available, access denied.
     virtual std::unique_ptr<ListenSocket> Listen(const std::string& local_address, int port) = 0;
     // The machine's first IPv4 address that is not loopback, else "127.0.0.1".
     virtual std::string OwnAddress() const = 0;

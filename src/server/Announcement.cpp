@@ -99,8 +99,8 @@ Installer FindInstaller(const PlatformPtr& platform, const AppObject* app_obj, c
     const auto path = app_obj->Property("Path");
     if (!path) return {};
     const char separator = platform->folders->Separator();
-    const std::string folder = *path + separator + "Install" + separator;
-    const std::string file = folder + file_name;
+    const std::string folder = *path + separator + "Install";
+    const std::string file = folder + separator + file_name;
     if (!platform->folders->FileExists(file)) return {};
 
     Installer installer;

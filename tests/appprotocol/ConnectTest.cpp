@@ -31,7 +31,7 @@ TEST_F(Connecting, HasNoAddressesBeforeAndAfter) {
 
 TEST_F(Connecting, IsRefusedWhereNobodyListens) {
     EXPECT_EQ(ConnectError(kServer, 1), 10061);
-    EXPECT_EQ(sentence_, "The connection was refused.");
+    EXPECT_EQ(sentence_, "The connection was refused");
     EXPECT_FALSE(client_->Connected());
 }
 
@@ -50,7 +50,7 @@ TEST_F(Connecting, TakesTenSecondsForATimeOutOfZeroOrLess) {
 TEST_F(Connecting, RefusesAPortThatIsNone) {
     for (const std::int32_t port : {-1, 0, 65536})
         EXPECT_EQ(ConnectError(kServer, port), 10022) << port;
-    EXPECT_EQ(sentence_, "The port 65536 is outside 1 to 65535.");
+    EXPECT_EQ(sentence_, "The port 65536 is outside 1 to 65535");
     EXPECT_EQ(machine_.network->ConnectCount(), 0U);
 }
 
@@ -215,7 +215,7 @@ TEST_F(BeginningToConnect, ReturnsAtOnceAndTellsLaterThatTheConnectionStands) {
 TEST_F(BeginningToConnect, TellsARefusalAndAnUnknownName) {
     Begin(kServer, 1);
     Run();
-    EXPECT_EQ(sentence_, "The connection was refused.");
+    EXPECT_EQ(sentence_, "The connection was refused");
     Begin("nowhere.example");
     Run();
     EXPECT_EQ(heard_, "ended:10061 ended:11001");

@@ -109,7 +109,7 @@ TEST_F(Ending, IsAnErrorInTheMiddleOfABlock) {
     PeerSends(XMLFrame("whole") + XMLFrame("half").substr(0, 12));
     PeerDrops();
     EXPECT_EQ(heard_, "xml:=whole error:10054 gone");
-    EXPECT_EQ(sentence_, "The connection was closed in the middle of a block.");
+    EXPECT_EQ(sentence_, "The connection was closed in the middle of a block");
 }
 
 TEST_F(Ending, IsAnErrorWhenTheConnectionBreaks) {

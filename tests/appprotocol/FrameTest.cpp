@@ -121,7 +121,7 @@ TEST(FrameReader, RefusesWrongMagicAtTheFirstWrongByte) {
     EXPECT_EQ(FailureOf("KX"), 10053);
     EXPECT_EQ(FailureOf("KQ"), 0);
     EXPECT_EQ(ReadAll("GET / HTTP/1.1").failure->sentence,
-              "The other side does not speak the application protocol.");
+              "The other side does not speak the application protocol");
 }
 
 TEST(FrameReader, RefusesAnotherVersionNamingIt) {

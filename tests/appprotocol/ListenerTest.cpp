@@ -147,7 +147,7 @@ TEST_F(Listening, ClosesAStrangerWhoseFirstBlockIsTooLong) {
     const auto caller = Call();
     Sends(*caller, XMLFrame("01234567890"));
     EXPECT_EQ(Heard(), "accepted client-error:10040 gone");
-    EXPECT_EQ(sentence_, "A block of 11 bytes arrived; at most 10 are allowed.");
+    EXPECT_EQ(sentence_, "A block of 11 bytes arrived; at most 10 are allowed");
 }
 
 TEST_F(Listening, ClosesAClientThatNeverCompletesItsFirstBlock) {

@@ -36,12 +36,12 @@ TEST(NetErrors, CarryWinsocksNumberAndTheGivenSource) {
     } catch (const Error& error) {
         EXPECT_EQ(error.Number(), 10061);
         EXPECT_EQ(error.Source(), "KQAppProtocolLib");
-        EXPECT_EQ(error.Description(), "The connection was refused.");
+        EXPECT_EQ(error.Description(), "The connection was refused");
     }
 }
 
 TEST(NetErrors, NameTheNumberWhenItHasNoSentence) {
-    EXPECT_EQ(NetErrorText(12345), "The network reported error 12345.");
+    EXPECT_EQ(NetErrorText(12345), "The network reported error 12345");
 }
 
 TEST(NetErrors, EveryNamedOneHasASentence) {

@@ -224,7 +224,7 @@ TEST_F(SystemLoginTest, ADroppedValidationRaisesNoValidateAtOnce) {
                   ExpectFailedLogin(
                       kqaserrLoginNoValidate,
                       "Did not receive a validation reply from the login server: The connection was "
-                      "closed by the other side..");
+                      "closed by the other side.");
               }),
               Milliseconds(300));
 }

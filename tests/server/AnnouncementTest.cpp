@@ -230,7 +230,7 @@ TEST_F(AnnouncedInstaller, IsSharedAndNamedWithItsVersion) {
     EXPECT_EQ(LatestInfo("ClientPath"), "\\\\TESTHOST\\ClientInstall_Demo\\Setup.exe");
     EXPECT_EQ(LatestInfo("ClientVersion"), "5.2.3");
     EXPECT_THAT(machine_.file_share->shared,
-                ElementsAre(testing::Pair("ClientInstall_Demo", "/opt/demo/Install/")));
+                ElementsAre(testing::Pair("ClientInstall_Demo", "/opt/demo/Install")));
 }
 
 TEST_F(AnnouncedInstaller, HasNoVersionWithoutAVersionResource) {

@@ -68,7 +68,7 @@ void APClient::Impl::Disconnect() {
     if (Connected()) {
         connection_->Leave();
         NoteEnd({static_cast<std::int32_t>(NetError::ConnectionAborted),
-                 "The connection was ended by this side.", false},
+                 "The connection was ended by this side", false},
                 true);
     }
     connection_.reset();
@@ -80,17 +80,17 @@ void APClient::Impl::Send(DataType type, std::string_view data, std::string_view
     if (!Connected()) kq::Raise(NetError::NotConnected, kAppProtocolSource);
     if (tag.size() > kMaxTagSize) {
         kq::Raise(NetError::MessageTooLong, kAppProtocolSource,
-                  "A tag may have at most " + std::to_string(kMaxTagSize) + " bytes.");
+                  "A tag may have at most " + std::to_string(kMaxTagSize) + " bytes");
     }
     if (!IsValidUtf8(tag))
-        kq::Raise(NetError::InvalidArgument, kAppProtocolSource, "A tag must be UTF-8 text.");
+        kq::Raise(NetError::InvalidArgument, kAppProtocolSource, "A tag must be UTF-8 text");
     if (data.size() > kMaxSentData) {
-        kq::Raise(NetError::MessageTooLong, kAppProtocolSource, "A block may have at most 2 GiB.");
+        kq::Raise(NetError::MessageTooLong, kAppProtocolSource, "A block may have at most 2 GiB");
     }
     if (connection_->Send(type, tag, data, limits_.unsent)) return;
     const Ending ending{static_cast<std::int32_t>(NetError::NoBufferSpace),
                         "The other side does not read: more than " + std::to_string(limits_.unsent) +
-                            " bytes would wait to be written.",
+                            " bytes would wait to be written",
                         true};
     connection_.reset();
     NoteEnd(ending, true);

@@ -45,7 +45,7 @@ void APClient::Impl::Connect(const std::string& address, std::int32_t port, cons
     }
     if (serial_ != mine) {
         kq::Raise(NetError::ConnectionAborted, kAppProtocolSource,
-                  "The connection was given up while it was being made.");
+                  "The connection was given up while it was being made");
     }
     if (attempt_) {
         EndAttempt(static_cast<std::int32_t>(loop_.Quitting() ? NetError::Interrupted : NetError::TimedOut));
@@ -60,13 +60,13 @@ void APClient::Impl::Connect(const std::string& address, std::int32_t port, cons
 
 void APClient::Impl::BeginConnect(const std::string& address, std::int32_t port,
                                   const std::string& local_address, std::int32_t time_out) {
-    if (attempt_) kq::Raise(RuntimeError::InvalidProcedureCall, "The connection is being made already.");
+    if (attempt_) kq::Raise(RuntimeError::InvalidProcedureCall, "The connection is being made already");
     if (port < 1 || port > kLastPort) {
         kq::Raise(NetError::InvalidArgument, kAppProtocolSource,
-                  "The port " + std::to_string(port) + " is outside 1 to 65535.");
+                  "The port " + std::to_string(port) + " is outside 1 to 65535");
     }
     if (address.empty())
-        kq::Raise(NetError::HostNotFound, kAppProtocolSource, "No address was given to connect to.");
+        kq::Raise(NetError::HostNotFound, kAppProtocolSource, "No address was given to connect to");
 
     Disconnect();
     ++serial_;

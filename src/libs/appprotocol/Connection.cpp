@@ -42,7 +42,7 @@ void Connection::LimitFirstFrame(Milliseconds time) {
     first_frame_ = loop_.StartTimer(time, owner_.Bind([this, time] {
         first_frame_ = 0;
         sink_.OnOver(Failure(NetError::TimedOut, "No complete block arrived within " +
-                                                     std::to_string(time.count()) + " ms of connecting."));
+                                                     std::to_string(time.count()) + " ms of connecting"));
     }));
 }
 
@@ -124,9 +124,9 @@ void Connection::TakeBlocks(std::string_view bytes) {
 void Connection::EndOfBytes() {
     peer_ended_ = true;
     if (reader_.InsideFrame()) {
-        ending_ = Failure(NetError::ConnectionReset, "The connection was closed in the middle of a block.");
+        ending_ = Failure(NetError::ConnectionReset, "The connection was closed in the middle of a block");
     } else {
-        ending_ = Failure(NetError::ConnectionReset, "The connection was closed by the other side.");
+        ending_ = Failure(NetError::ConnectionReset, "The connection was closed by the other side");
         ending_->failure = false;
     }
 }

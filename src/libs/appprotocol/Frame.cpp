@@ -67,20 +67,20 @@ void FrameReader::JudgeHeaderByte(unsigned char byte) {
         case 1:
         case 2:
             if (byte != (header_size_ == 1 ? 'K' : 'Q')) {
-                Fail(NetError::ConnectionAborted, "The other side does not speak the application protocol.");
+                Fail(NetError::ConnectionAborted, "The other side does not speak the application protocol");
             }
             break;
         case 3:
             if (byte != kVersion) {
                 Fail(NetError::ConnectionAborted, "The other side speaks version " + std::to_string(byte) +
-                                                      " of the application protocol, not version 1.");
+                                                      " of the application protocol, not version 1");
             }
             break;
         case 4:
             if (byte != static_cast<unsigned char>(DataType::Raw) &&
                 byte != static_cast<unsigned char>(DataType::XML)) {
                 Fail(NetError::ConnectionAborted,
-                     "A block of the unknown data type " + std::to_string(byte) + " arrived.");
+                     "A block of the unknown data type " + std::to_string(byte) + " arrived");
             }
             block_.data_type = static_cast<DataType>(byte);
             break;
@@ -89,7 +89,7 @@ void FrameReader::JudgeHeaderByte(unsigned char byte) {
             if (tag_size_ > kMaxTagSize) {
                 Fail(NetError::MessageTooLong, "A block with a tag of " + std::to_string(tag_size_) +
                                                    " bytes arrived; at most " + std::to_string(kMaxTagSize) +
-                                                   " are allowed.");
+                                                   " are allowed");
             }
             break;
         case kFrameHeaderSize:
@@ -106,7 +106,7 @@ void FrameReader::JudgeSizes() {
     if (data_size_ > limit) {
         Fail(NetError::MessageTooLong, "A block of " + std::to_string(data_size_) +
                                            " bytes arrived; at most " + std::to_string(limit) +
-                                           " are allowed.");
+                                           " are allowed");
     }
 }
 
@@ -114,7 +114,7 @@ bool FrameReader::TakeTag(std::string_view& bytes) {
     if (block_.tag.size() == tag_size_) return true;
     Append(block_.tag, bytes, tag_size_);
     if (block_.tag.size() < tag_size_) return false;
-    if (!IsValidUtf8(block_.tag)) Fail(NetError::ConnectionAborted, "A block with a malformed tag arrived.");
+    if (!IsValidUtf8(block_.tag)) Fail(NetError::ConnectionAborted, "A block with a malformed tag arrived");
     return !failure_;
 }
 

@@ -61,10 +61,10 @@ class Listener::Impl {
 };
 
 void Listener::Impl::Listen(std::int32_t port, const std::string& local_address) {
-    if (socket_) Raise(RuntimeError::InvalidProcedureCall, "The listener is listening already.");
+    if (socket_) Raise(RuntimeError::InvalidProcedureCall, "The listener is listening already");
     if (port < 0 || port > kLastPort) {
         Raise(RuntimeError::InvalidProcedureCall,
-              "The port " + std::to_string(port) + " is outside 0 to 65535.");
+              "The port " + std::to_string(port) + " is outside 0 to 65535");
     }
     socket_ = platform_->network->Listen(local_address, port);
     local_address_ = local_address.empty() ? platform_->network->OwnAddress() : local_address;
@@ -102,7 +102,7 @@ void Listener::Impl::Welcome(std::unique_ptr<StreamSocket> stream) {
     if (Count() >= max_clients) {
         stream.reset();
         face_.ClientError(client, kTooManyConnections,
-                          "The limit of " + std::to_string(max_clients) + " connections has been reached.");
+                          "The limit of " + std::to_string(max_clients) + " connections has been reached");
         return;
     }
     client->SetReceiveType(receive_type);
