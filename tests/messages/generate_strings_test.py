@@ -62,6 +62,12 @@ class GenerateStrings(unittest.TestCase):
     def test_escapes_quotation_marks_and_backslashes(self):
         self.assertEqual(generate_strings.literal('a"\\'), '"a\\"\\\\"')
 
+    def test_writes_a_string_table_a_language_for_a_resource_compiler(self):
+        lines = generate_strings.resources([(1033, [(1, 'A "b"\\')]), (11274, [(1, "\u00e1")])]).split("\n")
+        self.assertEqual(lines[3:12], ["LANGUAGE 9, 1", "STRINGTABLE", "BEGIN", '    1, "A ""b""\\\\"', "END", "",
+                                       "LANGUAGE 10, 11", "STRINGTABLE", "BEGIN"])
+        self.assertEqual(lines[1], "#pragma code_page(65001)")
+
     def test_writes_nothing_when_a_line_is_refused(self):
         bad = os.path.join(self.folder.name, "1033.txt")
         with open(bad, "wb") as file:

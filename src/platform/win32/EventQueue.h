@@ -1,0 +1,68 @@
+// The events that wait to be run, one after the other, and the one pump message that is on its way for them.
+// May be used from any thread.
+#pragma once
+
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include <kqappsession/EventLoop.h>
+
+namespace kq {
+
+struct Event {
+    enum class Kind { Post, Timer, Watch };
+
+    std::uint64_t sequence;
+    Kind kind;
+    std::uint64_t id;      // of the timer or watch
+    EventLoop::Task task;  // of a post
+};
+
+class EventQueue {
+ public:
+    void Push(Event::Kind kind, std::uint64_t id, EventLoop::Task task) {
+        const std::lock_guard lock(mutex_);
+        events_.push_back({++last_sequence_, kind, id, std::move(task)});
+    }
+
+    std::uint64_t LastSequence() {
+        const std::lock_guard lock(mutex_);
+        return last_sequence_;
+    }
+
+    // The first event unless it is younger than `last`.
+    std::optional<Event> Take(std::uint64_t last = ~std::uint64_t{0}) {
+        const std::lock_guard lock(mutex_);
+        if (events_.empty() || events_.front().sequence > last) return std::nullopt;
+        std::optional<Event> event(std::move(events_.front()));
+        events_.pop_front();
+        return event;
+    }
+
+    void Clear() {
+        std::deque<Event> gone;  // destroyed without the lock: a task may hold anything
+        const std::lock_guard lock(mutex_);
+        gone.swap(events_);
+    }
+
+    // True when a pump is wanted and none is on its way: from now on one is.
+    bool ClaimPump() {
+        const std::lock_guard lock(mutex_);
+        return !events_.empty() && !std::exchange(pump_on_its_way_, true);
+    }
+
+    void ReleasePump() {
+        const std::lock_guard lock(mutex_);
+        pump_on_its_way_ = false;
+    }
+
+ private:
+    std::mutex mutex_;
+    std::deque<Event> events_;
+    std::uint64_t last_sequence_ = 0;
+    bool pump_on_its_way_ = false;
+};
+
+}  // namespace kq

@@ -1,0 +1,59 @@
+// Timers by number and by due time.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include <kqappsession/EventLoop.h>
+
+namespace kq {
+
+class TimerTable {
+ public:
+    using TimePoint = EventLoop::TimePoint;
+
+    void Start(EventLoop::TimerId id, TimePoint due, EventLoop::Task task) {
+        timers_.emplace(id, Timed{due, std::move(task)});
+        waiting_.emplace(due, id);
+    }
+
+    void Cancel(EventLoop::TimerId id) {
+        const auto node = timers_.extract(id);  // the task goes after the table is whole again
+        if (node) waiting_.erase({node.mapped().due, id});
+    }
+
+    // When the next one is due.
+    std::optional<TimePoint> Next() const {
+        return waiting_.empty() ? std::nullopt : std::optional(waiting_.begin()->first);
+    }
+
+    // The first one that is due; each is told once.
+    std::optional<EventLoop::TimerId> TakeDue(TimePoint now) {
+        if (waiting_.empty() || waiting_.begin()->first > now) return std::nullopt;
+        return waiting_.extract(waiting_.begin()).value().second;
+    }
+
+    // The task of a timer that was told, nothing when it was cancelled since. The timer is over.
+    EventLoop::Task Finish(EventLoop::TimerId id) {
+        auto node = timers_.extract(id);
+        return node ? std::move(node.mapped().task) : EventLoop::Task();
+    }
+
+    void Clear() {
+        waiting_.clear();
+        const auto gone = std::exchange(timers_, {});
+    }
+
+ private:
+    struct Timed {
+        TimePoint due;
+        EventLoop::Task task;
+    };
+
+    std::map<EventLoop::TimerId, Timed> timers_;
+    std::set<std::pair<TimePoint, EventLoop::TimerId>> waiting_;  // those that were not told yet
+};
+
+}  // namespace kq

@@ -1,0 +1,375 @@
+// The event loop on window messages.
+//
+// Messages about sockets and timers do not call anybody: they put an event into a queue of our own and make
+// sure that a pump message is on its way, which takes one event out and runs it. So a cancelled timer or a
+// removed watch takes its event along, and a wait inside a task goes on where the outer one stands, whoever
+// dispatches the messages: a wait of ours, the host's loop or a modal dialog's.
+//
+// Timers are counted here; the window's one timer only wakes the loops of others, for it comes after all
+// other messages and never in less than some 10 ms. The system tells of a socket once, when it becomes ready,
+// and again after something was done about it; every watch is asked anew after its callback to make this
+// "while it is ready".
+#include <algorithm>
+#include <atomic>
+#include <map>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include <kqappsession/Error.h>
+
+#include "platform/win32/EventQueue.h"
+#include "platform/win32/MessageWindow.h"
+#include "platform/win32/TimerTable.h"
+#include "platform/win32/Win32Platform.h"
+#include "platform/win32/Winsock.h"
+
+namespace kq {
+namespace {
+
+using Task = EventLoop::Task;
+using TimePoint = EventLoop::TimePoint;
+using Readiness = EventLoop::Readiness;
+
+// The one range of messages that ProcessPending leaves alone.
+constexpr UINT kPump = WM_APP + 0x2A10;
+constexpr UINT kSocket = kPump + 1;
+constexpr UINT_PTR kTimer = 1;
+constexpr long kAllSocketEvents = FD_ACCEPT | FD_CONNECT | FD_READ | FD_WRITE | FD_CLOSE;
+
+struct Watched {
+    SOCKET socket;
+    Readiness wanted;
+    std::function<void(Readiness)> ready;
+    bool queued = false;   // an event of this watch is in the queue
+    bool calling = false;  // its callback is running
+};
+
+bool HasPeer(SOCKET socket) {
+    return RemoteAddressOf(socket).length != 0;
+}
+
+// A connection attempt that failed is neither readable nor writable here but an exception, as are urgent
+// bytes of a connection, which mean nothing.
+Readiness ReadyNow(SOCKET socket, Readiness wanted) {
+    fd_set only{};
+    only.fd_count = 1;
+    only.fd_array[0] = socket;
+    fd_set readable = wanted.readable ? only : fd_set{};
+    fd_set writable = wanted.writable ? only : fd_set{};
+    fd_set failed = only;
+    timeval at_once{0, 0};
+    if (select(0, &readable, &writable, &failed, &at_once) <= 0) return {};
+    const bool broken = failed.fd_count != 0 && !HasPeer(socket);
+    return {wanted.readable && (broken || readable.fd_count != 0),
+            wanted.writable && (broken || writable.fd_count != 0)};
+}
+
+// Everything the loop is made of. A wait holds it firmly, so that the loop may be destroyed by a task that it
+// runs.
+class LoopState : public std::enable_shared_from_this<LoopState> {
+ public:
+    void Open() {
+        window_ =
+            std::make_unique<MessageWindow>([weak = weak_from_this()](UINT message, WPARAM first, LPARAM) {
+                if (const auto self = weak.lock()) self->OnMessage(message, first);
+            });
+    }
+
+    void Post(Task task) { Push(Event::Kind::Post, 0, std::move(task)); }
+
+    EventLoop::TimerId StartTimer(Milliseconds delay, Task task) {
+        const std::uint64_t id = ++last_id_;
+        // Far enough for any wait, near enough for the clock to count.
+        constexpr Milliseconds kLongest = std::chrono::hours(24 * 365);
+        const TimePoint due = std::chrono::steady_clock::now() + std::clamp(delay, Milliseconds(0), kLongest);
+        timers_.Start(id, due, std::move(task));
+        WakeOthersInTime();
+        return id;
+    }
+
+    void CancelTimer(EventLoop::TimerId id) { timers_.Cancel(id); }
+
+    EventLoop::WatchId Watch(SOCKET socket, Readiness wanted, std::function<void(Readiness)> ready) {
+        if (by_socket_.count(socket) != 0)
+            Raise(RuntimeError::InvalidProcedureCall, "The socket is watched already.");
+        if (WSAAsyncSelect(socket, window_->Get(), kSocket, kAllSocketEvents) != 0)
+            Raise(RuntimeError::InvalidProcedureCall,
+                  "The socket cannot be watched: " + NetErrorText(WSAGetLastError()));
+        const std::uint64_t id = ++last_id_;
+        watches_.emplace(id, std::make_shared<Watched>(Watched{socket, wanted, std::move(ready)}));
+        by_socket_.emplace(socket, id);
+        // What the system has told somebody of this socket before, it may not tell again.
+        PostMessageW(window_->Get(), kSocket, static_cast<WPARAM>(socket), 0);
+        return id;
+    }
+
+    void ChangeWatch(EventLoop::WatchId id, Readiness wanted) {
+        const auto entry = watches_.find(id);
+        if (entry == watches_.end()) return;
+        entry->second->wanted = wanted;
+        Ask(id, *entry->second);
+    }
+
+    void Unwatch(EventLoop::WatchId id) {
+        const auto node = watches_.extract(id);
+        if (!node) return;
+        by_socket_.erase(node.mapped()->socket);
+        WSAAsyncSelect(node.mapped()->socket, window_->Get(), 0, 0);
+    }
+
+    // First what is ready of ours, then the messages of other windows, which may run loops of their own.
+    void ProcessPending() {
+        const auto self = shared_from_this();
+        const Wait wait(*this);
+        for (const auto& [id, watched] : watches_)
+            Ask(id, *watched);
+        TakeDueTimers();
+        const std::uint64_t last = events_.LastSequence();
+        while (!Ending()) {
+            std::optional<Event> event = events_.Take(last);
+            if (!event) break;
+            RunEvent(std::move(*event));
+        }
+        // A window that is never satisfied must not keep us here.
+        for (int most = 1000; most > 0 && !Ending(); --most) {
+            if (Dispatch(0, kPump - 1) != Dispatched::One && Dispatch(kSocket + 1, 0xFFFF) != Dispatched::One)
+                break;
+        }
+    }
+
+    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) {
+        const auto self = shared_from_this();
+        const Wait wait(*this);
+        for (;;) {
+            if (done()) return true;
+            if (Ending() || std::chrono::steady_clock::now() >= deadline) return false;
+            TakeDueTimers();
+            switch (Dispatch(0, 0)) {
+                case Dispatched::One:
+                    break;
+                case Dispatched::Quit:
+                    return false;
+                case Dispatched::None:
+                    SleepUntil(deadline);
+                    break;
+            }
+        }
+    }
+
+    void Quit() {
+        quitting_ = true;
+        PostMessageW(window_->Get(), WM_NULL, 0, 0);  // ends the wait for the next message
+    }
+
+    // Also while the thread has been told to quit: every message loop on it returns.
+    bool Quitting() const {
+        MSG message;
+        return quitting_ ||
+               PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE | PM_QS_POSTMESSAGE) != 0;
+    }
+
+    // The loop object is gone: nothing is called any more and nothing of the callers' is kept.
+    void Close() {
+        closed_ = true;
+        const auto watches = std::exchange(watches_, {});
+        for (const auto& [id, watched] : watches)
+            WSAAsyncSelect(watched->socket, window_->Get(), 0, 0);
+        by_socket_.clear();
+        window_.reset();
+        timers_.Clear();
+        events_.Clear();
+    }
+
+ private:
+    enum class Dispatched { None, One, Quit };
+
+    // The frame of every wait of ours: what an outer callback has left ready is served in here.
+    class Wait {
+     public:
+        explicit Wait(LoopState& state) {
+            for (const auto& [id, watched] : state.watches_) {
+                if (watched->calling) state.Ask(id, *watched);
+            }
+            state.EnsurePump();
+        }
+    };
+
+    bool Ending() const { return quitting_ || closed_; }
+
+    void OnMessage(UINT message, WPARAM first) {
+        switch (message) {
+            case kPump:
+                Pump();
+                break;
+            case kSocket:
+                OnSocket(static_cast<SOCKET>(first));
+                break;
+            case WM_TIMER:
+                KillTimer(window_->Get(), kTimer);
+                woken_at_.reset();
+                TakeDueTimers();
+                break;
+            default:
+                break;
+        }
+    }
+
+    // One message of the thread. The order to quit is put back for the loops around us.
+    Dispatched Dispatch(UINT first, UINT last) {
+        MSG message;
+        if (PeekMessageW(&message, nullptr, first, last, PM_REMOVE) == 0) return Dispatched::None;
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return Dispatched::Quit;
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+        return Dispatched::One;
+    }
+
+    void SleepUntil(TimePoint deadline) {
+        EnsurePump();
+        if (const auto next = timers_.Next()) deadline = std::min(deadline, *next);
+        const auto remaining = std::chrono::ceil<Milliseconds>(deadline - std::chrono::steady_clock::now());
+        if (remaining.count() <= 0) return;
+        constexpr Milliseconds kLongest = std::chrono::hours(24);
+        MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(std::min(remaining, kLongest).count()),
+                                    QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    }
+
+    void TakeDueTimers() {
+        const TimePoint now = std::chrono::steady_clock::now();
+        while (const auto due = timers_.TakeDue(now))
+            Push(Event::Kind::Timer, *due, {});
+        WakeOthersInTime();
+    }
+
+    void WakeOthersInTime() {
+        const auto next = timers_.Next();
+        if (!next || woken_at_ == next) return;
+        woken_at_ = next;
+        const auto delay = std::chrono::ceil<Milliseconds>(*next - std::chrono::steady_clock::now()).count();
+        SetTimer(window_->Get(), kTimer,
+                 static_cast<UINT>(std::clamp<long long>(delay, 0, USER_TIMER_MAXIMUM)), nullptr);
+    }
+
+    void OnSocket(SOCKET socket) {
+        const auto entry = by_socket_.find(socket);
+        if (entry != by_socket_.end()) Ask(entry->second, *watches_.at(entry->second));
+    }
+
+    // Queues an event when the watch is ready and none is queued.
+    void Ask(std::uint64_t id, Watched& watched) {
+        if (watched.queued || !(watched.wanted.readable || watched.wanted.writable)) return;
+        const Readiness ready = ReadyNow(watched.socket, watched.wanted);
+        if (!ready.readable && !ready.writable) return;
+        watched.queued = true;
+        Push(Event::Kind::Watch, id, {});
+    }
+
+    void Push(Event::Kind kind, std::uint64_t id, Task task) {
+        if (closed_) return;
+        events_.Push(kind, id, std::move(task));
+        EnsurePump();
+    }
+
+    // The thread's message queue may be full of others' messages; then it is tried again with the next event
+    // or wait.
+    void EnsurePump() {
+        if (events_.ClaimPump() && PostMessageW(window_->Get(), kPump, 0, 0) == 0) events_.ReleasePump();
+    }
+
+    void Pump() {
+        events_.ReleasePump();
+        std::optional<Event> event = events_.Take();
+        EnsurePump();
+        if (event) RunEvent(std::move(*event));
+    }
+
+    void RunEvent(Event event) {
+        try {
+            switch (event.kind) {
+                case Event::Kind::Post:
+                    event.task();
+                    break;
+                case Event::Kind::Timer:
+                    if (const Task task = timers_.Finish(event.id)) task();
+                    break;
+                case Event::Kind::Watch:
+                    CallWatch(event.id);
+                    break;
+            }
+        } catch (...) {
+            ReportStrayException(std::current_exception());
+        }
+    }
+
+    void CallWatch(std::uint64_t id) {
+        const auto entry = watches_.find(id);
+        if (entry == watches_.end()) return;
+        const std::shared_ptr<Watched> watched = entry->second;
+        watched->queued = false;
+        // Asked again: what was ready may have been consumed or be unwanted since.
+        const Readiness ready = ReadyNow(watched->socket, watched->wanted);
+        if (ready.readable || ready.writable) {
+            const bool outer_call = std::exchange(watched->calling, true);
+            try {
+                watched->ready(ready);
+            } catch (...) {
+                ReportStrayException(std::current_exception());
+            }
+            watched->calling = outer_call;
+        }
+        if (watches_.count(id) != 0) Ask(id, *watched);
+    }
+
+    WinsockSession winsock_;
+    std::unique_ptr<MessageWindow> window_;  // null once closed
+    std::map<std::uint64_t, std::shared_ptr<Watched>> watches_;
+    std::map<SOCKET, std::uint64_t> by_socket_;
+    TimerTable timers_;
+    std::optional<TimePoint> woken_at_;  // what the window's timer is set to
+    std::uint64_t last_id_ = 0;
+    EventQueue events_;
+    std::atomic<bool> quitting_{false};
+    std::atomic<bool> closed_{false};
+};
+
+class Win32EventLoop final : public EventLoop {
+ public:
+    Win32EventLoop() { state_->Open(); }
+    ~Win32EventLoop() override { state_->Close(); }
+
+    TimePoint Now() const override { return std::chrono::steady_clock::now(); }
+    void Post(Task task) override { state_->Post(std::move(task)); }
+    TimerId StartTimer(Milliseconds delay, Task task) override {
+        return state_->StartTimer(delay, std::move(task));
+    }
+    void CancelTimer(TimerId id) override { state_->CancelTimer(id); }
+    WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) override {
+        return state_->Watch(static_cast<SOCKET>(socket), wanted, std::move(ready));
+    }
+    void ChangeWatch(WatchId id, Readiness wanted) override { state_->ChangeWatch(id, wanted); }
+    void Unwatch(WatchId id) override { state_->Unwatch(id); }
+    void ProcessPending() override { state_->ProcessPending(); }
+    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) override {
+        return state_->RunUntil(done, deadline);
+    }
+    void Run() override {
+        state_->RunUntil([] { return false; }, TimePoint::max());
+    }
+    void Quit() override { state_->Quit(); }
+    bool Quitting() const override { return state_->Quitting(); }
+
+ private:
+    std::shared_ptr<LoopState> state_ = std::make_shared<LoopState>();
+};
+
+}  // namespace
+
+std::shared_ptr<EventLoop> MakeWin32EventLoop() {
+    return std::make_shared<Win32EventLoop>();
+}
+
+}  // namespace kq

@@ -1,0 +1,60 @@
+// Puts the parts together. A program that has dialogs copies the bundle and adds its DialogHost.
+#include "platform/win32/Win32Platform.h"
+
+#include <utility>
+
+#include "platform/Clock.h"
+#include "platform/Locale.h"
+#include "platform/win32/Win32Api.h"
+
+namespace kq {
+namespace {
+
+class Win32Clock final : public Clock {
+ public:
+    std::chrono::system_clock::time_point Now() const override { return std::chrono::system_clock::now(); }
+
+    double SecondsSinceMidnight() const override {
+        SYSTEMTIME now{};
+        GetLocalTime(&now);
+        return now.wHour * 3600.0 + now.wMinute * 60.0 + now.wSecond + now.wMilliseconds / 1000.0;
+    }
+};
+
+class Win32Locale final : public Locale {
+ public:
+    std::int32_t UserLocaleId() const override { return static_cast<std::int32_t>(GetUserDefaultLCID()); }
+};
+
+}  // namespace
+
+std::shared_ptr<Clock> MakeWin32Clock() {
+    return std::make_shared<Win32Clock>();
+}
+
+std::shared_ptr<Locale> MakeWin32Locale() {
+    return std::make_shared<Win32Locale>();
+}
+
+PlatformPtr MakePlatform() {
+    return MakePlatform(MakeWin32EventLoop());
+}
+
+PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop) {
+    auto bundle = std::make_shared<Platform>();
+    bundle->clock = MakeWin32Clock();
+    bundle->network = MakeWin32Network(loop);
+    bundle->resolver = MakeWin32Resolver(loop);
+    bundle->folders = MakeWin32Folders();
+    bundle->profile_file = MakeWin32ProfileFile();
+    bundle->locale = MakeWin32Locale();
+    bundle->strings = MakeWin32StringTable();
+    bundle->process = MakeWin32Process();
+    bundle->file_share = MakeWin32FileShare();
+    bundle->version_resource = MakeWin32VersionResource();
+    bundle->crypto = MakeWin32Crypto();
+    bundle->loop = std::move(loop);
+    return bundle;
+}
+
+}  // namespace kq
