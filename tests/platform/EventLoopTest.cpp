@@ -1,17 +1,16 @@
 // The loop against the real system: order, time, sockets, waits inside tasks, and its end.
-#include <fcntl.h>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <sys/socket.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include <kqappsession/Platform.h>
+
 #include "platform/Patience.h"
-#include "platform/posix/PosixPlatform.h"
+#include "platform/PortTesting.h"
 
 namespace kq {
 namespace {
@@ -26,7 +25,7 @@ class Loop : public testing::Test {
         return Await(*loop_, [&] { return heard_ == words; });
     }
 
-    std::shared_ptr<EventLoop> loop_ = MakeOwnEventLoop();
+    std::shared_ptr<EventLoop> loop_ = MakePlatform()->loop;
     std::string heard_;
 };
 
@@ -187,26 +186,14 @@ TEST_F(Loop, LetsGoOfItsTasksWhenItIsDestroyed) {
 
 class LoopWithSockets : public Loop {
  protected:
-    LoopWithSockets() {
-        EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, sockets_), 0);
-    }
-    ~LoopWithSockets() override {
-        loop_.reset();
-        ::close(sockets_[0]);
-        ::close(sockets_[1]);
-    }
-    void Send(const std::string& text) {
-        EXPECT_EQ(::send(sockets_[1], text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
-    }
-    std::string TakeOne() {
-        char c = 0;
-        return ::recv(sockets_[0], &c, 1, 0) == 1 ? std::string(1, c) : std::string("?");
-    }
+    ~LoopWithSockets() override { loop_.reset(); }
+    void Send(const std::string& text) { sockets_.Send(text); }
+    std::string TakeOne() { return sockets_.TakeOne(); }
     EventLoop::WatchId WatchReading(std::function<void()> ready) {
-        return loop_->Watch(sockets_[0], {true, false}, [ready](EventLoop::Readiness) { ready(); });
+        return loop_->Watch(sockets_.Near(), {true, false}, [ready](EventLoop::Readiness) { ready(); });
     }
 
-    int sockets_[2] = {-1, -1};
+    SocketPair sockets_;
 };
 
 TEST_F(LoopWithSockets, CallsAgainWhileThereIsMoreToRead) {
@@ -216,7 +203,7 @@ TEST_F(LoopWithSockets, CallsAgainWhileThereIsMoreToRead) {
 }
 
 TEST_F(LoopWithSockets, TellsReadableAndWritableApart) {
-    loop_->Watch(sockets_[0], {true, true}, [&](EventLoop::Readiness ready) {
+    loop_->Watch(sockets_.Near(), {true, true}, [&](EventLoop::Readiness ready) {
         Note(ready.readable ? TakeOne() : ready.writable ? "w" : "");
         if (heard_ == "w") Send("r");
     });
@@ -237,7 +224,7 @@ TEST_F(LoopWithSockets, KeepsWhatIsUnwantedUntilItIsWanted) {
 
 TEST_F(LoopWithSockets, TellsThatThePeerHasEnded) {
     WatchReading([&] { Note(TakeOne()); });
-    ::shutdown(sockets_[1], SHUT_WR);
+    sockets_.FinishSending();
     EXPECT_TRUE(Await(*loop_, [&] { return !heard_.empty(); }));
     EXPECT_EQ(heard_.front(), '?');
 }
@@ -275,7 +262,7 @@ TEST_F(LoopWithSockets, ServesTheSameWatchInsideItsOwnCallback) {
 
 TEST_F(LoopWithSockets, HearsAChangeMadeInsideACallbackInsideIt) {
     EventLoop::WatchId id = 0;
-    id = loop_->Watch(sockets_[0], {true, false}, [&](EventLoop::Readiness ready) {
+    id = loop_->Watch(sockets_.Near(), {true, false}, [&](EventLoop::Readiness ready) {
         if (ready.writable) {
             Note("w");
             loop_->ChangeWatch(id, {});
@@ -316,7 +303,7 @@ TEST_F(LoopWithSockets, ReportsACallbackThatThrowsAndCallsItAgain) {
 }
 
 TEST_F(LoopWithSockets, RefusesToWatchWhatIsNoSocket) {
-    EXPECT_ANY_THROW(loop_->Watch(-1, {true, false}, [](EventLoop::Readiness) {}));
+    EXPECT_ANY_THROW(loop_->Watch(kNoSocket, {true, false}, [](EventLoop::Readiness) {}));
 }
 
 }  // namespace

@@ -14,13 +14,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/Clock.h"
-#include "platform/Crypto.h"
 #include "platform/FileShare.h"
 #include "platform/Folders.h"
 #include "platform/Locale.h"
 #include "platform/Patience.h"
 #include "platform/Process.h"
-#include "platform/Resolver.h"
 #include "platform/StringTable.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/posix/PosixPlatform.h"
@@ -251,100 +249,6 @@ TEST_F(Share, IsRefusedWithNamesThatAreNone) {
 TEST_F(Share, IsNoErrorWithoutSamba) {
     environment_.Set("PATH", folder_.Path());
     EXPECT_NO_THROW(share_->Share("Clients", "/srv"));
-}
-
-TEST(SodiumCrypto, MakesTheWellKnownKeyedHashes) {
-    const auto crypto = MakeSodiumCrypto();
-    EXPECT_EQ(crypto->HmacSha256Hex("Jefe", "what do ya want for nothing?"),
-              "5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843");
-    EXPECT_EQ(crypto->HmacSha256Hex(std::string(131, '\xAA'),
-                                    "Test Using Larger Than Block-Size Key - Hash Key First"),
-              "60e431591ee0b67f0d8a26aacbf5b77f8e0bc6213728c5140546040f0ee37f54");
-    EXPECT_EQ(crypto->HmacSha256Hex("", "").size(), 64U);
-}
-
-TEST(SodiumCrypto, DrawsDifferentNumbersOfTheRightLength) {
-    const auto crypto = MakeSodiumCrypto();
-    const std::string one = crypto->RandomHex(16);
-    EXPECT_EQ(one.size(), 32U);
-    EXPECT_EQ(one.find_first_not_of("0123456789abcdef"), std::string::npos);
-    EXPECT_NE(one, crypto->RandomHex(16));
-    EXPECT_EQ(crypto->RandomHex(0), "");
-}
-
-TEST(SodiumCrypto, ComparesWholeTexts) {
-    const auto crypto = MakeSodiumCrypto();
-    EXPECT_TRUE(crypto->EqualConstantTime("same", "same"));
-    EXPECT_TRUE(crypto->EqualConstantTime("", ""));
-    EXPECT_FALSE(crypto->EqualConstantTime("same", "sama"));
-    EXPECT_FALSE(crypto->EqualConstantTime("same", "sam"));
-}
-
-// A name that the resolver refuses without asking anybody: longer than any name can be.
-const std::string kImpossibleName(300, 'x');
-
-class Names : public testing::Test {
- protected:
-    void Resolve(const std::string& host) {
-        resolver_->Resolve(host, owner_,
-                           [this](std::vector<std::string> found) { found_ = std::move(found); });
-        EXPECT_FALSE(found_);
-    }
-    bool Answered() {
-        return Await(*loop_, [&] { return found_.has_value(); });
-    }
-
-    std::shared_ptr<EventLoop> loop_ = MakeOwnEventLoop();
-    std::shared_ptr<Resolver> resolver_ = MakePosixResolver(loop_);
-    std::optional<std::vector<std::string>> found_;
-    Owner owner_;
-};
-
-TEST_F(Names, ThatAreDottedAddressesComeBackAsTheyAre) {
-    EXPECT_EQ(resolver_->FirstIPv4("127.0.0.1"), "127.0.0.1");
-    EXPECT_EQ(resolver_->FirstIPv4("192.0.2.77"), "192.0.2.77");
-}
-
-TEST_F(Names, GiveTheFirstIPv4AddressOrNothing) {
-    EXPECT_EQ(resolver_->FirstIPv4("localhost"), "127.0.0.1");
-    EXPECT_EQ(resolver_->FirstIPv4(kImpossibleName), "");
-    EXPECT_EQ(resolver_->FirstIPv4("::1"), "");
-    EXPECT_EQ(resolver_->FirstIPv4(std::string("localhost\0x", 11)), "");
-}
-
-TEST_F(Names, AreResolvedInTheBackground) {
-    Resolve("localhost");
-    ASSERT_TRUE(Answered());
-    ASSERT_FALSE(found_->empty());
-    EXPECT_EQ(found_->front(), "127.0.0.1");
-}
-
-TEST_F(Names, ThatAreNumericNeedNoResolving) {
-    Resolve("::1");
-    ASSERT_TRUE(Answered());
-    EXPECT_EQ(*found_, std::vector<std::string>{"::1"});
-}
-
-TEST_F(Names, ThatAreUnknownGiveAnEmptyAnswer) {
-    Resolve(kImpossibleName);
-    ASSERT_TRUE(Answered());
-    EXPECT_TRUE(found_->empty());
-}
-
-TEST_F(Names, AnswerNobodyWhoHasGone) {
-    Resolve("127.0.0.1");
-    Resolve("localhost");
-    owner_.Cancel();
-    loop_->RunUntil([] { return false; }, loop_->Now() + Milliseconds(50));
-    EXPECT_FALSE(found_);
-}
-
-TEST_F(Names, OutliveTheResolverAndTheLoopWithoutHarm) {
-    const auto held = std::make_shared<int>(0);
-    resolver_->Resolve("localhost", owner_, [held](const std::vector<std::string>&) {});
-    resolver_.reset();
-    EXPECT_EQ(held.use_count(), 1);
-    loop_.reset();
 }
 
 TEST(PosixClock, CountsTheSecondsOfTheDay) {

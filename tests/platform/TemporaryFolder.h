@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
+#include <random>
 #include <stdlib.h>
 #include <string>
 #include <string_view>
@@ -14,9 +14,11 @@ namespace kq {
 class TemporaryFolder {
  public:
     TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "kqtest.XXXXXX").string();
-        if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
-        path_ = name;
+        std::random_device random;
+        const std::string beginning = (std::filesystem::temp_directory_path() / "kqtest.").string();
+        do {
+            path_ = beginning + std::to_string(random());
+        } while (!std::filesystem::create_directory(path_));
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
