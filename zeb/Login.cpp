@@ -45,6 +45,8 @@ Refusal ClientRequests::FinishLogin(const ASLoginRequest& request, const Restric
     if (account.must_change && checked.new_hash.empty()) return Refusal::MustChangePassword;
     if (!services_.servers.HasServerFor(request.AppID, restriction)) return Refusal::NoServer;
     if (services_.SessionsUsedUp(account, "")) return Refusal::TooManySessions;
+    response.TranslationTable = services_.user_data.TranslationTable(account.language);
+    response.Profiles = services_.user_data.Profiles(account.uid, request.AppID);
     if (!checked.new_hash.empty() &&
         !services_.accounts.ChangePassword(account.uid, account.password_hash, checked.new_hash))
         return Refusal::UnknownUser;
@@ -52,8 +54,6 @@ Refusal ClientRequests::FinishLogin(const ASLoginRequest& request, const Restric
     SetOutcome(response, Refusal::None);
     response.SessionID = services_.sessions.Issue(account.uid, request.AppID);
     response.Port = std::to_string(services_.servers.ChoosePort(request.AppID, restriction).value());
-    response.TranslationTable = services_.user_data.TranslationTable(account.language);
-    response.Profiles = services_.user_data.Profiles(account.uid, request.AppID);
     auto info = DescribeUser(account);
     info.SessionID = response.SessionID;
     response.SessionInfo = info.Build().ToXML();

@@ -177,6 +177,16 @@ TEST_F(LoginTest, ARefusedLoginKeepsTheOldPassword) {
     EXPECT_EQ(Login("ana").ErrorNumber, "0");
 }
 
+TEST_F(LoginTest, ALoginThatFailsForTextsThatNoMessageCanCarryKeepsTheOldPassword) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    store.Use("INSERT INTO translations VALUES ('1033', 'open', char(1))").Run();
+    EXPECT_EQ(Login("ana", kPassword, "battery staple").ErrorNumber, "7609");
+    store.Use("DELETE FROM translations").Run();
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
 TEST_F(LoginTest, TheLeastBusyServerIsChosen) {
     StartZeb();
     AddUser("ana");
