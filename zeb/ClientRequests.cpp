@@ -6,7 +6,6 @@
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"
-#include "platform/Resolver.h"
 #include "platform/Socket.h"
 
 namespace kq::zeb {
@@ -43,7 +42,7 @@ void ClientRequests::DownloadClient(const XMLMessage&, const PeerPtr& peer) {
     Refuse<ASDownloadClientResponse>(peer, Refusal::NoClientPackage);
 }
 
-void ClientRequests::ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
+bool ClientRequests::ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
                                      std::function<void(const Restriction&)> then) {
     const std::int32_t number = ValLong(port);
     if (peer->Relayed()) {
@@ -51,16 +50,16 @@ void ClientRequests::ReadRestriction(const PeerPtr& peer, const std::string& add
         if (!address.empty()) restriction.addresses.insert(address);
         restriction.port = number;
         then(restriction);
-    } else if (address.empty()) {
-        then(DirectRestriction(*peer, {}, number));
-    } else {
-        services_.platform->resolver->Resolve(
-            address, owner_,
-            [this, peer, address, number, then = std::move(then)](std::vector<std::string> found) {
-                if (found.empty()) found.push_back(address);
-                then(DirectRestriction(*peer, found, number));
-            });
+        return true;
     }
+    if (address.empty()) {
+        then(DirectRestriction(*peer, {}, number));
+        return true;
+    }
+    return host_names_.Find(
+        address, [this, peer, address, number, then = std::move(then)](const HostNames::Addresses& found) {
+            then(DirectRestriction(*peer, found.empty() ? HostNames::Addresses{address} : found, number));
+        });
 }
 
 Restriction ClientRequests::DirectRestriction(const Peer& peer, const std::vector<std::string>& addresses,

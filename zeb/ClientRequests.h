@@ -10,6 +10,7 @@
 #include <kqappsession/Signal.h>
 
 #include "messages/ASMessages.h"
+#include "zeb/HostNames.h"
 #include "zeb/Peer.h"
 #include "zeb/Services.h"
 
@@ -17,7 +18,8 @@ namespace kq::zeb {
 
 class ClientRequests {
  public:
-    explicit ClientRequests(Services& services) : services_(services) {}
+    explicit ClientRequests(Services& services)
+        : services_(services), host_names_(services.platform, HostNames::Rule()) {}
 
     // False for a type that is no client's request.
     bool Handle(const XMLMessage& message, const PeerPtr& peer);
@@ -35,8 +37,8 @@ class ClientRequests {
                                     const std::string& app_id);
 
     // Reads the two restriction fields. A direct client that names this server itself is not restricted.
-    // `then` may be called later, since host names have to be resolved.
-    void ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
+    // `then` may be called later, since host names have to be resolved; false and never when too many are.
+    bool ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
                          std::function<void(const Restriction&)> then);
     Restriction DirectRestriction(const Peer& peer, const std::vector<std::string>& addresses,
                                   std::int32_t port) const;
@@ -63,6 +65,7 @@ class ClientRequests {
     void Refuse(const PeerPtr& peer, Refusal refusal, const std::string& login = {});
 
     Services& services_;
+    HostNames host_names_;
     Owner owner_;
 };
 

@@ -29,13 +29,14 @@ void ClientRequests::Login(const XMLMessage& message, const PeerPtr& peer) {
                 peer->Answer(response.Build());
             });
         };
-        ReadRestriction(peer, request->RestrictIP, request->RestrictPort,
-                        [=, this](const Restriction& restriction) {
-                            Guard<Response>(peer, [&] {
-                                CheckPassword(request->LoginID, request->Password, new_password,
-                                              [=](const Checked& checked) { finish(checked, restriction); });
-                            });
-                        });
+        const bool taken = ReadRestriction(
+            peer, request->RestrictIP, request->RestrictPort, [=, this](const Restriction& restriction) {
+                Guard<Response>(peer, [&] {
+                    CheckPassword(request->LoginID, request->Password, new_password,
+                                  [=](const Checked& checked) { finish(checked, restriction); });
+                });
+            });
+        if (!taken) Refuse<Response>(peer, Refusal::Busy, request->LoginID);
     });
 }
 

@@ -8,7 +8,7 @@ void ClientRequests::ValidateClient(const XMLMessage& message, const PeerPtr& pe
     using Response = ASValidateClientResponse;
     Guard<Response>(peer, [&] {
         const auto request = ASValidateClientRequest::Read(message);
-        ReadRestriction(
+        const bool taken = ReadRestriction(
             peer, request.RestrictIP, request.RestrictPort, [=, this](const Restriction& restriction) {
                 Guard<Response>(peer, [&] {
                     Response response;
@@ -23,6 +23,7 @@ void ClientRequests::ValidateClient(const XMLMessage& message, const PeerPtr& pe
                     peer->Answer(response.Build());
                 });
             });
+        if (!taken) Refuse<Response>(peer, Refusal::Busy);
     });
 }
 
