@@ -81,6 +81,12 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
     // like a loss, but only when the sentence is another than the last one.
     Signal<bool, const std::string&> ConnectionChanged;
 
+    // Where the hub is; the key is in it. A client over another transport has no hub: default values, and
+    // setting makes it a hub's client. Set only while stopped, else RuntimeError::InvalidProcedureCall; what
+    // waits to be written goes to the new hub.
+    const BusSettings& Hub() const;
+    void SetHub(BusSettings settings);
+
     bool Running() const;    // started and not stopped, whether or not the bus is there at the moment
     bool Connected() const;  // has its place on the bus
     void Start();            // returns at once

@@ -47,6 +47,23 @@ TEST_F(RealBusTest, CarriesARequestAndItsAnswer) {
     EXPECT_THAT(server->heard, ElementsAre("answer"));
 }
 
+TEST_F(RealBusTest, GoesToTheHubThatWasSetWhileTheClientWasStopped) {
+    Party party(XMLBusClient::Create(platform, BusSettings()));
+    party.client->SetHub({"127.0.0.1", hub.Port(), "open sesame"});
+    party.client->Start();
+    EXPECT_TRUE(Await([&] { return party.client->Connected(); }));
+    EXPECT_EQ(party.client->Hub().port, hub.Port());
+}
+
+TEST_F(RealBusTest, KeepsTheHubOfARunningClient) {
+    const auto party = Join();
+    EXPECT_EQ(ErrorOf([&] {
+                  party->client->SetHub({"127.0.0.1", 1, ""});
+              }),
+              NumberOf(RuntimeError::InvalidProcedureCall));
+    EXPECT_EQ(party->client->Hub().port, hub.Port());
+}
+
 TEST_F(RealBusTest, RefusesAnotherKey) {
     const auto stranger = Join("another");
     ASSERT_TRUE(Await([&] { return !stranger->changes.empty(); }));

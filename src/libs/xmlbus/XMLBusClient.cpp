@@ -33,6 +33,8 @@ class XMLBusClient::Impl {
     Impl(XMLBusClient& face, PlatformPtr platform, std::shared_ptr<BusTransport> transport);
     ~Impl();
 
+    void UseTransport(std::shared_ptr<BusTransport> transport);
+    void SetHub(BusSettings settings);
     void Start();
     void Stop();
     void AddSubscription(const BusAddress& address, BusSubscription option);
@@ -45,6 +47,7 @@ class XMLBusClient::Impl {
 
     const BusAddress reply;
     std::string enterprise_id;
+    BusSettings hub;
     SendQueue queue;
 
  private:
@@ -76,6 +79,7 @@ class XMLBusClient::Impl {
     Milliseconds next_delay_ = kFirstDelay;
     EventLoop::TimerId retry_ = 0;
     Timer statistics_timer_;
+    Owner transport_owner_;
     Owner owner_;
 };
 
@@ -83,12 +87,8 @@ XMLBusClient::Impl::Impl(XMLBusClient& face, PlatformPtr platform, std::shared_p
     : reply{"Reply", platform->crypto->RandomHex(kReplyBytes)},
       face_(face),
       platform_(std::move(platform)),
-      transport_(std::move(transport)),
       statistics_timer_(platform_) {
-    transport_->Ready.Connect(owner_, [this] { OnReady(); });
-    transport_->Lost.Connect(owner_, [this](const std::string& text) { OnLost(text); });
-    transport_->Room.Connect(owner_, [this] { WriteWhileThereIsRoom(); });
-    transport_->Message.Connect(owner_, [this](const std::string& text) { OnMessage(text); });
+    UseTransport(std::move(transport));
     statistics_timer_.SetInterval(kStatisticsInterval);
     statistics_timer_.Tick.Connect(owner_, [this] {
         const auto self = face_.shared_from_this();
@@ -97,9 +97,27 @@ XMLBusClient::Impl::Impl(XMLBusClient& face, PlatformPtr platform, std::shared_p
 }
 
 XMLBusClient::Impl::~Impl() {
+    transport_owner_.Cancel();
     owner_.Cancel();
     platform_->loop->CancelTimer(retry_);
     transport_->Close();
+}
+
+void XMLBusClient::Impl::UseTransport(std::shared_ptr<BusTransport> transport) {
+    transport_owner_.Cancel();
+    transport_ = std::move(transport);
+    transport_->Ready.Connect(transport_owner_, [this] { OnReady(); });
+    transport_->Lost.Connect(transport_owner_, [this](const std::string& text) { OnLost(text); });
+    transport_->Room.Connect(transport_owner_, [this] { WriteWhileThereIsRoom(); });
+    transport_->Message.Connect(transport_owner_, [this](const std::string& text) { OnMessage(text); });
+}
+
+void XMLBusClient::Impl::SetHub(BusSettings settings) {
+    if (state_ != State::Stopped) {
+        Raise(RuntimeError::InvalidProcedureCall, "The bus client must be stopped before its hub is changed");
+    }
+    hub = std::move(settings);
+    UseTransport(HubTransport::Create(platform_, hub));
 }
 
 void XMLBusClient::Impl::Start() {
@@ -261,8 +279,9 @@ XMLBusClient::XMLBusClient() = default;
 XMLBusClient::~XMLBusClient() = default;
 
 std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform, BusSettings settings) {
-    auto transport = HubTransport::Create(platform, std::move(settings));
-    return Create(std::move(platform), std::move(transport));
+    auto client = Create(platform, HubTransport::Create(platform, settings));
+    client->impl_->hub = std::move(settings);
+    return client;
 }
 
 std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform,
@@ -270,6 +289,14 @@ std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform,
     std::shared_ptr<XMLBusClient> client(new XMLBusClient);
     client->impl_ = std::make_unique<Impl>(*client, std::move(platform), std::move(transport));
     return client;
+}
+
+const BusSettings& XMLBusClient::Hub() const {
+    return impl_->hub;
+}
+
+void XMLBusClient::SetHub(BusSettings settings) {
+    impl_->SetHub(std::move(settings));
 }
 
 bool XMLBusClient::Running() const {
