@@ -212,6 +212,7 @@ void Form::SetFocus(Control& control) {
 
 void Form::SetVisible(bool on) {
     if (visible_ == on) return;
+    if (const auto owned = owned_.lock(); owned && !on) owned->Hide();
     visible_ = on;
     activated_ = false;
     Tell(FormChange::Visible);
@@ -231,6 +232,7 @@ void Form::ShowModal(const std::shared_ptr<Form>& owner) {
     if (unloaded_) return;
     modal_ = true;
     owner_form_ = owner;
+    if (owner) owner->owned_ = self;
     Show();
     running_ = true;
     try {

@@ -18,7 +18,7 @@ FakePlatform::FakePlatform(Face face)
       crypto(std::make_shared<FakeCrypto>()),
       shortcuts(std::make_shared<FakeShortcuts>()),
       temp_files(std::make_shared<FakeTempFiles>()),
-      dialogs(face == Face::WithDialogs ? std::make_shared<FakeDialogHost>() : nullptr) {
+      dialogs(face == Face::WithDialogs ? std::make_shared<FakeDialogHost>(loop) : nullptr) {
     platform = std::make_shared<const Platform>(
         Platform{loop, clock, network, resolver, folders, profile_file, locale, strings, process, file_share,
                  version_resource, crypto, shortcuts, temp_files, dialogs});
