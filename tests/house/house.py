@@ -40,7 +40,7 @@ MAY_USE = {
     "tools": BELOW,
 }
 # Of the platform's interfaces, a dialog knows these.
-DIALOGS_SEE = {"platform/DialogHost.h", "platform/Form.h"}
+DIALOGS_SEE = {"platform/DialogHost.h", "platform/Form.h", "platform/Shortcuts.h", "platform/TempFiles.h"}
 # Programs know client and server by their public headers only.
 PUBLIC_ONLY = {("zeb", "client"), ("zeb", "server"), ("tools", "client"), ("tools", "server")}
 

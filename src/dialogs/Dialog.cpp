@@ -1,0 +1,31 @@
+// Loading a form and the plain message box.
+#include "dialogs/Dialog.h"
+
+#include <kqappsession/Error.h>
+
+namespace kq {
+
+Dialog::~Dialog() {
+    if (const auto form = form_.lock()) form->Hide();
+}
+
+Window::Window(Dialog& dialog, const FormRow& row)
+    : platform_(dialog.platform_), texts_(platform_), form_(Form::Load(platform_, row)) {
+    if (row.caption_id != 0) form_->SetCaption(texts_.LoadText(row.caption_id));
+    for (const auto& control : row.controls) {
+        if (control.text_id != 0) At(control.name).SetText(texts_.LoadText(control.text_id));
+    }
+    dialog.form_ = form_;
+}
+
+void Window::SelectsAllOnFocus(std::string_view box) {
+    Control& control = At(box);
+    control.OnGotFocus([&control] { control.SelectAll(); });
+}
+
+void Window::Warn(std::int32_t text_id) {
+    const auto dialogs = platform_->dialogs;
+    dialogs->ShowMessageBox(texts_.LoadText(text_id), std::string(kLibrarySource), BoxStyle::Warning);
+}
+
+}  // namespace kq

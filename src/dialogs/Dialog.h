@@ -1,0 +1,56 @@
+// What all dialogs share.
+//
+// A dialog object may be destroyed while its window is open, by code that the event loop runs meanwhile: the
+// window closes, and the call that shows it returns as if the user had cancelled. One window of an object at
+// a time.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include <kqappsession/Platform.h>
+
+#include "messages/modASMsg.h"
+#include "platform/DialogHost.h"
+#include "platform/Form.h"
+
+namespace kq {
+
+class Dialog {
+ public:
+    explicit Dialog(PlatformPtr platform) : platform_(std::move(platform)) {}
+    Dialog(const Dialog&) = delete;
+    Dialog& operator=(const Dialog&) = delete;
+    ~Dialog();
+
+ protected:
+    friend class Window;
+    PlatformPtr platform_;
+    std::weak_ptr<Form> form_;
+};
+
+// A loaded form with its texts, for one showing. It is unloaded when this object goes, in every case; the
+// dialog object may go earlier.
+class Window {
+ public:
+    Window(Dialog& dialog, const FormRow& row);
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+    virtual ~Window() { form_->Unload(); }
+
+ protected:
+    Control& At(std::string_view name) { return form_->At(name); }
+    void OnClick(std::string_view button, Control::Handler handler) {
+        At(button).OnClick(std::move(handler));
+    }
+    void SelectsAllOnFocus(std::string_view box);
+    // A message of a dialog that gives it no title: caption "KQAppSessionLib", exclamation icon, OK.
+    void Warn(std::int32_t text_id);
+
+    const PlatformPtr platform_;
+    const modASMsg texts_;
+    const std::shared_ptr<Form> form_;
+};
+
+}  // namespace kq
