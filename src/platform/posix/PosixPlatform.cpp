@@ -49,6 +49,8 @@ PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop) {
     bundle->file_share = MakeSambaShare();
     bundle->version_resource = MakePeVersionResource();
     bundle->crypto = MakeSodiumCrypto();
+    bundle->shortcuts = MakeXdgShortcuts(bundle->folders);
+    bundle->temp_files = MakePosixTempFiles();
     bundle->loop = std::move(loop);
     return bundle;
 }

@@ -23,5 +23,7 @@ std::shared_ptr<Process> MakePosixProcess();
 std::shared_ptr<FileShare> MakeSambaShare(std::string usershare_folder = "/var/lib/samba/usershares");
 std::shared_ptr<VersionResource> MakePeVersionResource();
 std::shared_ptr<Crypto> MakeSodiumCrypto();
+std::shared_ptr<Shortcuts> MakeXdgShortcuts(std::shared_ptr<Folders> folders);
+std::shared_ptr<TempFiles> MakePosixTempFiles();
 
 }  // namespace kq
