@@ -91,7 +91,7 @@ TEST(MessageCatalogue, KnowsEveryMessageOfTheSystemOnce) {
 TEST(MessageCatalogue, HasNoSampleOfAMessageThatIsGone) {
     std::set<std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(kSamples))
-        files.insert(entry.path().filename());
+        files.insert(entry.path().filename().string());
     std::set<std::string> expected;
     for (const auto& row : MessageCatalogue())
         expected.insert(std::string(row.type) + ".xml");

@@ -10,7 +10,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 
 constexpr auto kInvalid = NumberOf(RuntimeError::InvalidProcedureCall);
 
@@ -44,7 +43,7 @@ TEST_F(XMLBusClientTest, StartsAndStopsRunning) {
 
 TEST_F(XMLBusClientTest, HasAReplyAddressThatNoOtherClientHas) {
     EXPECT_EQ(server->client->ReplyType(), "Reply");
-    EXPECT_THAT(server->client->ReplySubType(), MatchesRegex("[0-9a-f]+"));
+    EXPECT_EQ(server->client->ReplySubType().find_first_not_of("0123456789abcdef"), std::string::npos);
     EXPECT_EQ(server->client->ReplySubType().size(), 32U);
     EXPECT_NE(server->client->ReplySubType(), zeb->client->ReplySubType());
 }
