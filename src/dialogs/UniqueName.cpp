@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string_view>
 
 #include <kqappsession/Error.h>
 
@@ -15,6 +16,16 @@ std::string UniqueName(const std::string& proposed, const std::function<bool(con
         name = proposed + std::to_string(++counter);
     }
     return name;
+}
+
+std::string NameForCopy(const std::string& original, const std::function<bool(const std::string&)>& exists) {
+    constexpr std::string_view kCopyOf = "Copy of ";
+    const bool is_copy = original.rfind(kCopyOf, 0) == 0;
+    try {
+        return UniqueName(is_copy ? original : std::string(kCopyOf) + original, exists);
+    } catch (const Error&) {
+        return {};
+    }
 }
 
 }  // namespace kq

@@ -10,4 +10,8 @@ namespace kq {
 // RuntimeError::Overflow when 32,767 is taken, too: the counter has 16 bits.
 std::string UniqueName(const std::string& proposed, const std::function<bool(const std::string&)>& exists);
 
+// The name that is proposed for a copy: "Copy of " and the original's name, or that name itself when it
+// begins so already, made unique. Empty when that overflows.
+std::string NameForCopy(const std::string& original, const std::function<bool(const std::string&)>& exists);
+
 }  // namespace kq

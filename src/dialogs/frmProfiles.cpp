@@ -22,7 +22,6 @@ constexpr std::int32_t kRemoveQuestion = 712;
 constexpr std::int32_t kNameTaken = 750;
 
 constexpr std::string_view kSwitch = "/PROFILE ";
-constexpr std::string_view kCopyOf = "Copy of ";
 
 class ProfilesWindow : public Window {
  public:
@@ -122,22 +121,12 @@ class ProfilesWindow : public Window {
     void cmdCopy_Click() {
         const auto original = Selected();
         if (!original) return;
-        std::string name = NameForCopy(original->Name());
+        std::string name = NameForCopy(original->Name(),
+                                       [this](const std::string& taken) { return profiles_->Exists(taken); });
         if (name.empty()) return;
         if (!frmNewProfile(platform_).GetNewProfile(name, form_) || IsTaken(name)) return;
         profiles_->Add(original->Copy(name));
         Changed(name);
-    }
-
-    // Empty when every name is taken.
-    std::string NameForCopy(const std::string& original) const {
-        const bool is_copy = original.rfind(kCopyOf, 0) == 0;
-        try {
-            return UniqueName(is_copy ? original : std::string(kCopyOf) + original,
-                              [this](const std::string& name) { return profiles_->Exists(name); });
-        } catch (const Error&) {
-            return {};
-        }
     }
 
     void cmdRename_Click() {

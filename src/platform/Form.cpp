@@ -43,7 +43,7 @@ const Control* Form::Find(std::string_view name) const {
 
 Control& Form::At(std::string_view name) {
     const Control* const found = Find(name);
-    if (!found) Raise(RuntimeError::InvalidProcedureCall, "The form has no such control.");
+    if (!found) Raise(RuntimeError::InvalidProcedureCall, "The form has no such control");
     return Own(*found);
 }
 
@@ -220,9 +220,9 @@ void Form::SetVisible(bool on) {
 
 void Form::Show() {
     if (!platform_->dialogs)
-        Raise(RuntimeError::InvalidProcedureCall, "There is nobody to ask: the program has no dialogs.");
+        Raise(RuntimeError::InvalidProcedureCall, "There is nobody to ask: the program has no dialogs");
     if (!view_) view_ = platform_->dialogs->CreateView(*this);
-    if (!view_) Raise(RuntimeError::InvalidProcedureCall, "The program's dialogs show message boxes only.");
+    if (!view_) Raise(RuntimeError::InvalidProcedureCall, "The program's dialogs show message boxes only");
     SetVisible(true);
 }
 

@@ -49,7 +49,7 @@ struct FormRow {
     std::string_view cancel_button = {};   // Escape
     std::string_view first_focus = {};     // empty: the first control that takes the focus
     Closing closing = Closing::Hides;
-    std::vector<ControlRow> controls;
+    std::vector<ControlRow> controls = {};
 };
 
 // How high the window is.

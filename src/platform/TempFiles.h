@@ -9,7 +9,7 @@ namespace kq {
 
 struct FileResult {
     std::int32_t error = 0;   // the system's number; 0: done
-    std::string description;  // the system's sentence for it
+    std::string description;  // the system's sentence for it, no full stop
 };
 
 class TempFiles {

@@ -12,10 +12,10 @@ constexpr std::string_view kIntroduction = R"(# Dialogs
 Generated from the forms in `src/dialogs`; a test compares the two. To rewrite this page after a change of a
 form, run `KQ_UPDATE_GOLDEN=1 test_dialogs`.
 
-A dialog is data: a list of controls that a renderer draws by kind. Controls stand in tab order, which is the
-order of reading. A text is its number in `resources/strings`, with the English words; where there is none, the
-dialog or the user fills it in. Enter clicks the default button, Escape the cancel button. The close box hides
-a dialog; only the code that showed it ends it.
+A dialog is data: a list of controls that a renderer draws by kind. Controls stand in tab order, which is
+the order of reading. A text is its number in `resources/strings`, with the English words; where there is
+none, the dialog or the user fills it in. Enter clicks the default button, Escape the cancel button. The close
+box hides a dialog; only the code that showed it ends it.
 )";
 
 std::string_view NameOf(ControlKind kind) {

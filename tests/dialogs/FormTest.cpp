@@ -343,6 +343,20 @@ TEST_F(FormTimer, MayDisableItselfInItsTick) {
     EXPECT_EQ(heard, "tick ");
 }
 
+TEST_F(FormTimer, KeepsTheIntervalThatItsTickStarted) {
+    timer.OnTick([this] {
+        heard += "tick ";
+        timer.SetTimerEnabled(false);
+        timer.SetTimerEnabled(true);
+        if (heard == "tick ") Passes(60);
+    });
+    timer.SetTimerEnabled(true);
+    Passes(100);
+    EXPECT_EQ(heard, "tick ");
+    Passes(40);
+    EXPECT_EQ(heard, "tick tick ");
+}
+
 TEST_F(FormTimer, EndsWithTheForm) {
     timer.SetTimerEnabled(true);
     form->Unload();

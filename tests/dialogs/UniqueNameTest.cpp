@@ -43,5 +43,23 @@ TEST(UniqueName, UsesTheLargestCounter) {
     EXPECT_EQ(UniqueName("Main", [](const std::string& name) { return name != "Main32767"; }), "Main32767");
 }
 
+std::string CopyAmong(const std::set<std::string>& taken, const std::string& original) {
+    return NameForCopy(original, [&](const std::string& name) { return taken.count(name) != 0; });
+}
+
+TEST(NameForCopy, SaysThatItIsOne) {
+    EXPECT_EQ(CopyAmong({"Main"}, "Main"), "Copy of Main");
+    EXPECT_EQ(CopyAmong({"Main", "Copy of Main"}, "Main"), "Copy of Main2");
+}
+
+TEST(NameForCopy, SaysItOnce) {
+    EXPECT_EQ(CopyAmong({"Copy of Main"}, "Copy of Main"), "Copy of Main2");
+    EXPECT_EQ(CopyAmong({}, "copy of Main"), "Copy of copy of Main");
+}
+
+TEST(NameForCopy, IsEmptyWhenNoNumberIsLeft) {
+    EXPECT_EQ(NameForCopy("Main", [](const std::string&) { return true; }), "");
+}
+
 }  // namespace
 }  // namespace kq

@@ -214,9 +214,11 @@ TEST_F(Download, CountsTheFirstOutcomeOnly) {
     host.Answer(BoxButton::No, [&] { client->Receive(Block{DataType::Raw, "", "MZ"}); });
     EXPECT_FALSE(Runs([&](FakeUser&) {
         client->Receive(Block{DataType::XML, "", Refusal("5", "No client").ToXML()});
+        const auto timers = loop.TimerCount();
         client->Receive(Block{DataType::Raw, "", "MZ"});
         client->Error(10054, "gone");
         client->Progress("", 1, 2);
+        EXPECT_EQ(loop.TimerCount(), timers);
     }));
     EXPECT_EQ(host.LastBox().text, Failed("No client"));
     EXPECT_TRUE(machine.fakes.temp_files->files.empty());

@@ -378,6 +378,16 @@ TEST_F(ProfilesDialog, RemovesNothingAfterANo) {
     EXPECT_FALSE(changed);
 }
 
+TEST_F(ProfilesDialog, RemovesNothingThatWentWhileTheUserWasAsked) {
+    host.Answer(BoxButton::Yes, [&] { profiles->Remove("Day"); });
+    Opens([](FakeUser& user) {
+        user.Clicks("cmdRemove");
+        user.Closes();
+    });
+    EXPECT_THAT(All(), ElementsAre("Night"));
+    EXPECT_FALSE(changed);
+}
+
 TEST_F(ProfilesDialog, LeavesNoCurrentProfileWhenThatIsRemoved) {
     host.Answer(BoxButton::Yes);
     Opens([](FakeUser& user) {
@@ -428,6 +438,12 @@ TEST_F(ProfilesDialog, OpensAgainWhenTheUserWantsToCreateAProfile) {
         user.Clicks("cmdNew");
         user.Clicks("cmdChoose");
     }));
+}
+
+TEST_F(ProfilesDialog, AsksNobodyWhenTheProgramEnds) {
+    MakesAnEmptyCollection();
+    host.Answer(BoxButton::OK);
+    EXPECT_FALSE(Opens([&](FakeUser&) { loop.Quit(); }));
 }
 
 TEST_F(ProfilesDialog, AsksAlsoWhenTheLastProfileWasRemoved) {
