@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kq {
 
@@ -17,7 +18,7 @@ class Secret {
     explicit Secret(const char* text) : text_(text) {}
     explicit Secret(std::string&& text) : text_(text) { Wipe(text); }
     Secret(const Secret&) = default;
-    Secret(Secret&& other) noexcept : text_(other.text_) { Wipe(other.text_); }
+    Secret(Secret&& other) noexcept { *this = std::move(other); }
     Secret& operator=(const Secret& other);
     Secret& operator=(Secret&& other) noexcept;
     ~Secret() { Wipe(text_); }

@@ -33,6 +33,20 @@ TEST(Secret, LeavesNothingInTheOneItMovesFrom) {
     EXPECT_EQ(std::string(from.Reveal().data(), 5), std::string(5, '\0'));
 }
 
+TEST(Secret, LeavesNothingInTheOneItIsMadeFromByMoving) {
+    Secret from(std::string_view("short"));
+    const Secret to(std::move(from));
+    EXPECT_EQ(to.Reveal(), "short");
+    EXPECT_EQ(std::string(from.Reveal().data(), 5), std::string(5, '\0'));
+}
+
+TEST(Secret, MovesALongTextWithoutCopyingIt) {
+    Secret from(std::string_view("longer than any text that is kept in place"));
+    const char* const memory = from.Reveal().data();
+    const Secret to(std::move(from));
+    EXPECT_EQ(to.Reveal().data(), memory);
+}
+
 TEST(Secret, SurvivesAssignmentToItself) {
     Secret secret(std::string_view("same"));
     auto& same = secret;
