@@ -64,7 +64,9 @@ class KQAppSessServer {
     Signal<const SessionPtr&, const Block&> ReceivedData;
     // A client with a session has gone; its session was removed before.
     Signal<const SessionPtr&> Disconnected;
+    // The listener failed: its number and sentence.
     Signal<std::int32_t, const std::string&> Error;
+    // The connection of a client with a session failed; Disconnected follows.
     Signal<const SessionPtr&, const ClientPtr&, std::int32_t, const std::string&> SessionError;
     // A message was handed to the bus client.
     Signal<const MessagePtr&> XMLBusSend;
@@ -73,26 +75,36 @@ class KQAppSessServer {
     // A session was added or removed.
     Signal<> Count;
 
-    // Seconds between announcements, default 120. A value above 2147483 is stored and raises
+    // Seconds between announcements, default 120. A value beyond 2147483 or -2147483 is stored and raises
     // RuntimeError::Overflow (an enabled announcement timer is then off); 0 or less stops the ticks.
     std::int32_t InfoInterval() const;
     void SetInfoInterval(std::int32_t seconds);
-    // kqaserrNotInitialized before Initialize.
+    // Raises kqaserrNotInitialized unless initialised.
     std::shared_ptr<kq::Listener> Listener() const;
     const std::shared_ptr<KQAppSessionInfos>& Sessions() const;
 
-    // May be called again at any time; sessions stay. Without `client` or `statistics` the object stays
-    // uninitialised. `app_obj` may be null; its "Path" says where the client installer is.
+    // May be called again at any time: the sessions stay, but clients that are connected have to register
+    // anew. Without `client` or `statistics` the object is not initialised afterwards, and nothing is raised.
+    // `app_obj` may be null; its "Path" says where the client installer is. Raises kqaserrInvalidInterfaces
+    // for InterfaceVersions::Invalid.
     void Initialize(const std::string& app_id, std::shared_ptr<AppObject> app_obj,
                     std::shared_ptr<XMLBusClient> client, std::shared_ptr<Statistics> statistics,
                     const InterfaceVersions& interfaces_versions);
+    // Stops listening, releases bus client and statistics; connected clients and sessions stay. Does nothing
+    // unless initialised.
     void Terminate();
     // Listens on the port (0: a free one) and local address (empty: all), takes the place on the bus and
-    // announces. kqaserrAlreadyConnected while listening, kqaserrNotInitialized before Initialize, the
-    // listener's errors.
+    // announces. Raises kqaserrAlreadyConnected while listening, kqaserrNotInitialized unless initialised,
+    // and the listener's errors; what the bus client's sending raises comes when all else is done. Waits up
+    // to 1 s while a bus client that runs already writes out what waits.
     void Listen(std::int32_t listen_port, const std::string& local_address = {});
+    // Takes no more clients (and drops those that are there), says so on the bus and leaves its place there,
+    // which waits up to 1 s. Raises kqaserrNotInitialized unless initialised, and as Listen what sending
+    // raises.
     void StopListening(bool disconnect_all = false);
-    // Whether a bus message belongs to this object. Null is no message.
+    // Whether a bus message is one of the three that the host must leave to this object:
+    // "RequestBroadcastAS", "ASRegistrationResponse" or "ASLogoutUser" of the login server's schema. False
+    // for null.
     bool CheckMessage(const MessagePtr& message) const;
     bool IsInitialized() const;
     // The client installer's file name in the folder "Install" of the application's "Path".
