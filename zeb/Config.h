@@ -50,9 +50,8 @@ struct Setting {
 
 std::span<const Setting> ConfigSettings();
 
-// Each raises kq::Error whose description is one line that says where the mistake is: "zebd.toml:3: unknown
-// key
-// \"colour\"", "ZEBD_PORT: must be a whole number from 0 to 65535", "--port: ...".
+// Each raises kq::Error whose description is one line that says where the mistake is:
+// "zebd.toml:3: unknown key \"colour\"", "ZEBD_PORT: must be a whole number from 0 to 65535", "--port: ...".
 void ApplyFile(const std::string& path, Config& config);
 void ApplyFileText(std::string_view text, const std::string& path, Config& config);
 // `read` gives a variable of the environment, null when it is not set.

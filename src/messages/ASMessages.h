@@ -7,10 +7,9 @@
 // Every struct holds a member for each field of its row in ASMessageList.h, named as the field, and
 //
 //   kType                        the message's type
-//   XMLMessage Build() const     version "1", fields in order; Bus messages in the schema namespace
-//   kZEBSchemas,
-//                                without a destination. Raises the errors of XMLMessage for what XML cannot
-//                                carry and for nested texts that are none.
+//   XMLMessage Build() const     version "1", fields in order; Bus messages in the schema kZEBSchemas, no
+//                                destination. Raises the errors of XMLMessage for what XML cannot carry and
+//                                for nested texts that are none.
 //   static Read(message)         the fields of any message, whatever its type; what is missing stays empty
 //   static Read(element)         the same of an element's children
 #pragma once

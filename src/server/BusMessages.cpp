@@ -1,8 +1,8 @@
 // What the bus says: answers of the login server to what was relayed and asked, its orders to log users out,
 // its wish to hear all sessions.
 //
-// One handler for each type. An error in a handler ends it, and is told to nobody; the message then counts as
-// not handled.
+// One handler for each type. An error in a handler ends it and is told to nobody, XMLBusReceive included; the
+// message counts as handled from the moment on that its work is done.
 #include <algorithm>
 
 #include "base/Convert.h"

@@ -117,8 +117,8 @@ class KQAppSessServer::Impl : public std::enable_shared_from_this<Impl> {
     std::vector<SessionPtr> removed_sessions_;
     bool bus_was_running_ = false;
     bool stopping_bus_ = false;
-    std::uint64_t turn_ =
-        0;  // counts Listen and StopListening: another value after a wait, and the caller's is over
+    // Counts Listen and StopListening: another value after a wait, and the caller's is over.
+    std::uint64_t turn_ = 0;
     Owner bus_owner_;
     Owner owner_;
 };
