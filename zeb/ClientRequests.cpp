@@ -81,7 +81,7 @@ Restriction ClientRequests::DirectRestriction(const Peer& peer, const std::vecto
 
 void ClientRequests::CheckPassword(const std::string& login, const Secret& password,
                                    const std::optional<Secret>& new_password,
-                                   std::function<void(const Checked&)> then) {
+                                   const std::function<void(const Checked&)>& then) {
     if (!services_.attempts.Begin(login)) {
         then({Refusal::TooManyAttempts, {}, {}});
         return;

@@ -53,7 +53,8 @@ class ClientRequests {
     Refusal FinishLogin(const ASLoginRequest& request, const Restriction& restriction, const Checked& checked,
                         ASLoginResponse& response);
     void CheckPassword(const std::string& login, const Secret& password,
-                       const std::optional<Secret>& new_password, std::function<void(const Checked&)> then);
+                       const std::optional<Secret>& new_password,
+                       const std::function<void(const Checked&)>& then);
     Checked Judge(const std::string& login, const std::optional<Account>& asked,
                   const PasswordAnswer& answer);
 

@@ -33,7 +33,7 @@ void Naming(const std::string& address, std::int32_t port, const std::function<v
 
 }  // namespace
 
-Host::Host(PlatformPtr platform, const Config& config, std::shared_ptr<spdlog::logger> log)
+Host::Host(PlatformPtr platform, const Config& config, const std::shared_ptr<spdlog::logger>& log)
     : platform_(std::move(platform)), store_(OpenData(config.data)) {
     lock_ = std::make_unique<FolderLock>(config.data);
     Argon2Hasher::Cost cost;

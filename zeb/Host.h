@@ -15,7 +15,7 @@ class Host {
  public:
     // Raises kq::Error when the database, the key file or an address cannot be used, or another zebd has the
     // data folder.
-    Host(PlatformPtr platform, const Config& config, std::shared_ptr<spdlog::logger> log);
+    Host(PlatformPtr platform, const Config& config, const std::shared_ptr<spdlog::logger>& log);
     ~Host();
 
     std::int32_t Port() const { return zeb_->Port(); }

@@ -33,7 +33,7 @@ namespace kq::zeb {
 
 enum class Refusal : std::int32_t {
     None = 0,
-#define X(name, number, param, text) name = number,
+#define X(name, number, param, text) name = (number),
     KQ_ZEB_REFUSALS(X)
 #undef X
 };

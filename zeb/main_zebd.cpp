@@ -54,7 +54,7 @@ Config ReadConfig(std::string file, const std::map<std::string, std::string>& fl
 int Serve(const Config& config) {
     auto log = spdlog::stderr_color_mt("zebd");
     log->set_level(spdlog::level::from_str(config.log_level));
-    SetStrayExceptionHandler([log](std::exception_ptr stray) {
+    SetStrayExceptionHandler([log](const std::exception_ptr& stray) {
         try {
             std::rethrow_exception(stray);
         } catch (const std::exception& error) {

@@ -75,7 +75,7 @@ struct BusAddress {
     std::string subtype;
     bool Empty() const { return type.empty() && subtype.empty(); }
     bool operator==(const BusAddress&) const = default;
-    auto operator<=>(const BusAddress&) const = default;
+    auto operator<=>(const BusAddress&) const = default;  // NOLINT(modernize-use-nullptr): it holds none
 };
 
 class XMLMessage {

@@ -83,6 +83,7 @@ bool IsTrue(std::string_view text) {
     return text == "True";
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): kinds and members are names, which bear no parentheses.
 #define KQ_WRITE(kind, name, meaning) field::kind::Write(message, #name, name);
 #define KQ_BUILD(channel, type, purpose, writes)                     \
     XMLMessage type::Build() const {                                 \
@@ -107,6 +108,7 @@ KQ_AS_MESSAGES(KQ_BUILD, KQ_WRITE)
 KQ_AS_MESSAGES(KQ_READ, KQ_READ_FIELD)
 #undef KQ_READ
 #undef KQ_READ_FIELD
+// NOLINTEND(bugprone-macro-parentheses)
 
 const std::vector<MessageRow>& MessageCatalogue() {
 #define KQ_FIELD_ROW(kind, name, meaning) FieldRow{#name, field::kind::kForm, meaning},

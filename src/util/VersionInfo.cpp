@@ -80,7 +80,7 @@ std::string VersionInfo::Value(const char* name, std::int32_t code_page_index) c
 }
 
 std::string VersionInfo::FileVersion(std::int32_t index) const {
-    const std::string version = Value("FileVersion", index);
+    std::string version = Value("FileVersion", index);
     const auto parts = Split(version, '.');
     if (parts.size() != 3) return version;
     return NumberText(Val(parts[0])) + "." + NumberText(Val(parts[1])) + "." + NumberText(Val(parts[2]));

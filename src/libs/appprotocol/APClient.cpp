@@ -19,10 +19,7 @@ APClient::~APClient() = default;
 void APClient::Connect(const std::string& address, std::int32_t port, const std::string& local_address,
                        std::int32_t time_out) {
     const auto self = shared_from_this();
-    // The caller's texts may go while the loop runs.
-    const std::string to = address;
-    const std::string from = local_address;
-    impl_->Connect(to, port, from, time_out);
+    impl_->Connect(address, port, local_address, time_out);
 }
 
 void APClient::BeginConnect(const std::string& address, std::int32_t port, const std::string& local_address,

@@ -37,6 +37,7 @@ class Waits {
 void APClient::Impl::Connect(const std::string& address, std::int32_t port, const std::string& local_address,
                              std::int32_t time_out) {
     BeginConnect(address, port, local_address, time_out);
+    // The caller's texts may go from here on.
     attempt_->waited = true;
     const auto mine = serial_;
     {

@@ -66,7 +66,7 @@ void FrameReader::JudgeHeaderByte(unsigned char byte) {
     switch (header_size_) {
         case 1:
         case 2:
-            if (byte != (header_size_ == 1 ? 'K' : 'Q')) {
+            if (byte != static_cast<unsigned char>(header_size_ == 1 ? 'K' : 'Q')) {
                 Fail(NetError::ConnectionAborted, "The other side does not speak the application protocol");
             }
             break;

@@ -225,7 +225,9 @@ void HubTransport::FailSoon(const std::string& text) {
 
 void HubTransport::Fail(const std::string& text) {
     const auto self = shared_from_this();
-    const std::string sentence = text;  // the event's own text may go with the connection
+    // The event's own text may go with the connection.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    const std::string sentence = text;
     Close();
     Lost(sentence);
 }

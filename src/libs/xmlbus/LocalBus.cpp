@@ -117,7 +117,7 @@ class LocalBus::Transport final : public BusTransport, public std::enable_shared
     Owner owner_;
 };
 
-LocalBus::LocalBus(PlatformPtr platform) : core_(std::make_shared<Core>()) {
+LocalBus::LocalBus(const PlatformPtr& platform) : core_(std::make_shared<Core>()) {
     core_->loop = platform->loop;
 }
 

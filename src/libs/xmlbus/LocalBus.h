@@ -12,7 +12,7 @@ namespace kq {
 
 class LocalBus {
  public:
-    explicit LocalBus(PlatformPtr platform);
+    explicit LocalBus(const PlatformPtr& platform);
     ~LocalBus();  // like SetUp(false), for ever
     LocalBus(const LocalBus&) = delete;
     LocalBus& operator=(const LocalBus&) = delete;
