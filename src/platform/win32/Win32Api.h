@@ -15,6 +15,7 @@
 #include <mstcpip.h>
 #include <windows.h>
 #include <bcrypt.h>
+#include <sddl.h>
 #include <shellapi.h>
 #include <shlobj.h>
 // clang-format on

@@ -53,6 +53,8 @@ PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop) {
     bundle->file_share = MakeWin32FileShare();
     bundle->version_resource = MakeWin32VersionResource();
     bundle->crypto = MakeWin32Crypto();
+    bundle->shortcuts = MakeWin32Shortcuts(bundle->folders);
+    bundle->temp_files = MakeWin32TempFiles();
     bundle->loop = std::move(loop);
     return bundle;
 }

@@ -29,5 +29,7 @@ using CommandRunner = std::function<void(const std::string& command_line)>;
 std::shared_ptr<FileShare> MakeWin32FileShare(CommandRunner run = {});
 std::shared_ptr<VersionResource> MakeWin32VersionResource();
 std::shared_ptr<Crypto> MakeWin32Crypto();
+std::shared_ptr<Shortcuts> MakeWin32Shortcuts(std::shared_ptr<Folders> folders);
+std::shared_ptr<TempFiles> MakeWin32TempFiles();
 
 }  // namespace kq

@@ -154,6 +154,7 @@ TEST(Win32Platform, IsWholeButForTheDialogs) {
                 platform->folders);
     EXPECT_TRUE(platform->profile_file && platform->locale && platform->strings && platform->process);
     EXPECT_TRUE(platform->file_share && platform->version_resource && platform->crypto);
+    EXPECT_TRUE(platform->shortcuts && platform->temp_files);
     EXPECT_EQ(platform->dialogs, nullptr);
     EXPECT_TRUE(platform->strings->Load(101).has_value());
 }
