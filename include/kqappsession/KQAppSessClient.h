@@ -17,7 +17,7 @@
 // One thread. The procedures run the event loop while they wait, so events arrive and other code runs
 // meanwhile; starting a procedure inside another one of the same object raises
 // RuntimeError::InvalidProcedureCall. Dropping the object or TerminateClient inside a procedure ends the
-// procedure's wait at once.
+// procedure's wait at once; it raises NetError::Interrupted.
 #pragma once
 
 #include <cstdint>
@@ -37,6 +37,8 @@
 
 namespace kq {
 
+class Icon;
+
 // How far a login has come.
 enum KQAppSessLoginState : std::int32_t {
     kqaslsNotLoggedIn = 0,
@@ -49,13 +51,14 @@ struct SystemLoginArguments {
     std::string AppID;             // the application identifier
     std::string InterfaceVersion;  // the interface version that the application needs
     std::string ClientVersion;     // empty: "Major.Minor.Revision" of AppObj, else the program's file version
-    std::shared_ptr<AppObject> AppObj;  // may be null
-    std::string CommandStr;             // the program's command line; "/Profile NAME" chooses a profile
-    std::string LoginID;                // silent only
-    Secret Password;                    // silent only
-    std::string Address;                // the login server; empty: from the settings file, with the next two
-    std::int32_t Port = 0;              // 1 to 65535
-    std::int32_t TimeOut = 0;           // ms, above 0
+    std::shared_ptr<AppObject> AppObj;    // may be null
+    std::shared_ptr<const Icon> AppIcon;  // of the dialogs' windows, made by the port; may be null
+    std::string CommandStr;               // the program's command line; "/Profile NAME" chooses a profile
+    std::string LoginID;                  // silent only
+    Secret Password;                      // silent only
+    std::string Address;       // the login server; empty: from the settings file, with the next two
+    std::int32_t Port = 0;     // 1 to 65535
+    std::int32_t TimeOut = 0;  // ms, above 0
     std::optional<bool> UseASServerForLogin{};  // given: replaces the stored setting
 };
 
@@ -68,7 +71,8 @@ class KQAppSessClient {
     KQAppSessClient(const KQAppSessClient&) = delete;
     KQAppSessClient& operator=(const KQAppSessClient&) = delete;
 
-    // Null before a login has delivered them. Objects are shared with the caller.
+    // Null before a login has delivered them. Objects are shared with the caller: a profile added to the
+    // collection or removed from it outside of a procedure is uploaded at once, as by UpdateProfiles.
     std::shared_ptr<kq::TranslationTable> TranslationTable() const;
     std::shared_ptr<kq::Profiles> Profiles() const;
     std::shared_ptr<Profile> CurrentProfile() const;
@@ -86,7 +90,7 @@ class KQAppSessClient {
     void SetAppServerAddress(const std::string& address);
     std::int32_t AppServerPort() const;
     void SetAppServerPort(std::int32_t port);
-    std::int32_t AppServerTimeOut() const;  // ms
+    std::int32_t AppServerTimeOut() const;  // ms; 0 or less: APClient::kDefaultTimeOut
     void SetAppServerTimeOut(std::int32_t time_out);
     std::string RestrictIP() const;
     void SetRestrictIP(const std::string& address);
@@ -104,10 +108,20 @@ class KQAppSessClient {
     // login.
     bool ServerLogin(bool interactive);
 
+    // Both, with a user at the dialogs, until the user is registered or gives up (false).
+    bool Login(const std::string& app_id, const std::string& interface_version,
+               std::shared_ptr<AppObject> app_obj, const std::string& command_str = {},
+               std::shared_ptr<const Icon> app_icon = nullptr);
+    // Shows the server dialog with the stored settings of the login server and keeps what the user confirms.
+    // False when cancelled. kqaserrLoginSessionRequired before a login or a SetSystem... call has opened the
+    // settings.
+    bool ChangeConfiguration();
+
     // Sends the profiles to the login server. Empty or 0 arguments are filled from the settings file, and the
     // caller sees what was filled in. True when they were sent, false when an interactive user gave up.
     // kqaserrLoginBadAddr, kqaserrLoginNoConnect, RuntimeError::TypeMismatch for a stored time-out that is
-    // none.
+    // none, RuntimeError::ObjectNotSet without a session record, the errors of APClient::Request when no answer
+    // comes.
     bool UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port, std::int32_t& time_out);
     void UpdateProfiles();  // interactive, login server from the settings file
     // Adds the profile in place of one of its name, then uploads all; the ASP variant never asks.
@@ -131,7 +145,8 @@ class KQAppSessClient {
                                std::int32_t system_time_out);
     void SetSystemConnectState2(const std::string& system_address, std::int32_t system_port,
                                 std::int32_t system_time_out, bool use_as_server_for_login);
-    // Drops both connections; nothing else changes. Never raises.
+    // Drops both connections; nothing else changes until the session connection's end arrives as an event,
+    // which turns LoginState to kqaslsSystemLogin. Never raises.
     void TerminateClient();
     // The first IPv4 address of the host as dotted text, empty when there is none. Never raises.
     std::string IPAddressFromHostName(const std::string& host_name) const;

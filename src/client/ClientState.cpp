@@ -55,7 +55,10 @@ std::shared_ptr<APClient> ClientState::NewLoginClient() {
 std::shared_ptr<APClient> ClientState::NewSessionClient() {
     ReleaseSessionClient();
     session_client_ = NewMessageClient(platform);
-    session_client_->Disconnected.Connect(session_owner_, [this] { login_state = kqaslsSystemLogin; });
+    session_client_->Disconnected.Connect(session_owner_, [this] {
+        login_state = kqaslsSystemLogin;
+        ending_session_client_.reset();
+    });
     return session_client_;
 }
 
@@ -68,6 +71,7 @@ void ClientState::ReleaseSessionClient() {
     session_owner_.Cancel();
     Disconnect(session_client_);
     session_client_.reset();
+    ending_session_client_.reset();
 }
 
 void ClientState::Terminate() {
@@ -75,7 +79,7 @@ void ClientState::Terminate() {
     Disconnect(login_client_);
     Disconnect(session_client_);
     login_client_.reset();
-    session_client_.reset();
+    if (session_client_) ending_session_client_ = std::move(session_client_);
     platform->loop->Post([] {});  // wakes a pause, which sees the count
 }
 
@@ -108,7 +112,7 @@ void ClientState::Pause(float seconds) {
 Procedure::Procedure(ClientState& state)
     : state_(state), terminations_(state.Terminations()), was_busy_(state.busy) {
     if (state_.procedure_runs_) {
-        Raise(RuntimeError::InvalidProcedureCall, "A login procedure of this client is running already.");
+        Raise(RuntimeError::InvalidProcedureCall, "A login procedure of this client is running already");
     }
     state_.procedure_runs_ = true;
     state_.busy = true;

@@ -71,6 +71,7 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     std::shared_ptr<Profiles> profiles_;
     std::shared_ptr<APClient> login_client_;
     std::shared_ptr<APClient> session_client_;
+    std::shared_ptr<APClient> ending_session_client_;  // of Terminate, until its end is heard
     std::uint32_t terminations_ = 0;
     bool procedure_runs_ = false;
     Owner profiles_owner_;

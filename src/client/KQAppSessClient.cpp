@@ -1,11 +1,11 @@
-// The face of the client object over its state and procedures. Every call holds the state, so the object may
-// be dropped by what runs inside.
+// The face of the client object over its state and procedures. Every call that can wait holds the state, so
+// the object may be dropped by what runs inside.
 #include <kqappsession/Error.h>
 #include <kqappsession/KQAppSessClient.h>
 
 #include "base/Convert.h"
 #include "client/ClientState.h"
-#include "client/LoginAttendant.h"
+#include "client/LoginPrompts.h"
 #include "client/ProfilesOnClient.h"
 #include "client/ServerLogin.h"
 #include "client/SystemLogin.h"
@@ -134,6 +134,30 @@ bool KQAppSessClient::SystemLogin2(bool interactive, const SystemLoginArguments&
 bool KQAppSessClient::ServerLogin(bool interactive) {
     const auto state = state_;
     return kq::ServerLogin(*state, interactive).Run();
+}
+
+bool KQAppSessClient::Login(const std::string& app_id, const std::string& interface_version,
+                            std::shared_ptr<AppObject> app_obj, const std::string& command_str,
+                            std::shared_ptr<const Icon> app_icon) {
+    const auto state = state_;
+    SystemLoginArguments arguments;
+    arguments.AppID = app_id;
+    arguments.InterfaceVersion = interface_version;
+    arguments.AppObj = std::move(app_obj);
+    arguments.CommandStr = command_str;
+    arguments.AppIcon = std::move(app_icon);
+    for (;;) {
+        if (!kq::SystemLogin(*state, true, arguments).Run()) return false;
+        const bool registered = kq::ServerLogin(*state, true).Run();
+        if (state->login_state != kqaslsNotLoggedIn) return registered;
+    }
+}
+
+bool KQAppSessClient::ChangeConfiguration() {
+    const auto state = state_;
+    if (!state->config) state->texts.RaiseASError(kqaserrLoginSessionRequired);
+    const Procedure procedure(*state);
+    return kq::ChangeConfiguration(state->platform, *state->config);
 }
 
 bool KQAppSessClient::UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port,

@@ -45,10 +45,10 @@ class LoginAttendant {
     virtual void HideWait() = 0;
 
     // Fills in the details; false when the user gives up.
-    virtual bool GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments,
+    virtual bool GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments, bool use_profiles,
                               LoginDetails& details) = 0;
     // The new password; nothing when the user gives up.
-    virtual std::optional<Secret> GetNewPassword() = 0;
+    virtual std::optional<Secret> GetNewPassword(const SystemLoginArguments& arguments) = 0;
     // Sets `current` to a profile of the collection; false when the user gives up. `changed`: the collection
     // was edited.
     virtual bool ChooseProfile(const std::shared_ptr<Profiles>& profiles,

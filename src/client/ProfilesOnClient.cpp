@@ -41,38 +41,59 @@ std::optional<std::string> TryConnect(APClient& client, const UploadTarget& targ
     }
 }
 
+// What the login server answers is not looked into.
+void Send(APClient& client, const XMLMessage& message, std::int32_t time_out, const Procedure& procedure) {
+    try {
+        client.Request(message, {}, time_out);
+        client.Disconnect();
+    } catch (const Error&) {
+        client.Disconnect();
+        procedure.CheckTermination();
+        throw;
+    }
+}
+
+// The upload with a wait window of its own.
+bool Upload(ClientState& state, const Procedure& procedure, LoginAttendant& attendant, UploadTarget& target) {
+    try {
+        return UploadProfiles(state, procedure, attendant, target);
+    } catch (...) {
+        attendant.HideWait();
+        throw;
+    }
+}
+
 }  // namespace
 
-bool UploadProfiles(ClientState& state, LoginAttendant& attendant, UploadTarget& target) {
+bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttendant& attendant,
+                    UploadTarget& target) {
+    procedure.CheckTermination();
     if (state.config) FillFromSettings(*state.config, target);
     if (target.time_out == 0 || target.port == 0 || target.address.empty()) {
         state.texts.RaiseASError(kqaserrLoginBadAddr,
                                  {target.address, TextOf(target.port), TextOf(target.time_out)});
     }
+    const XMLMessage message = UploadMessage(state);
     for (;;) {
         attendant.ShowWait(kWaitUpdating);
         const auto client = state.NewLoginClient();
         const auto failure = TryConnect(*client, target);
+        procedure.CheckTermination();
         if (!failure) {
-            client->Request(UploadMessage(state), {}, target.time_out);
-            client->Disconnect();
+            Send(*client, message, target.time_out, procedure);
             attendant.HideWait();
             return true;
         }
         attendant.HideWait();
         if (!attendant.RetryUpload(*failure)) return false;
+        procedure.CheckTermination();
     }
 }
 
 bool UpdateProfilesEx(ClientState& state, bool interactive, UploadTarget& target) {
     const Procedure procedure(state);
     const auto attendant = MakeAttendant(interactive, state.platform);
-    try {
-        return UploadProfiles(state, *attendant, target);
-    } catch (...) {
-        attendant->HideWait();
-        throw;
-    }
+    return Upload(state, procedure, *attendant, target);
 }
 
 void UpdateProfiles(ClientState& state) {
@@ -83,16 +104,15 @@ void UpdateProfiles(ClientState& state) {
 void AddReplaceProfile(ClientState& state, bool interactive, std::shared_ptr<Profile> changed_profile) {
     const auto profiles = state.GetProfiles();
     if (!profiles || !changed_profile) Raise(RuntimeError::ObjectNotSet);
-    {
-        const Procedure procedure(state);
-        const std::string current_name =
-            state.current_profile ? state.current_profile->Name() : std::string();
-        if (profiles->Exists(changed_profile->Name())) profiles->Remove(changed_profile->Name());
-        const auto added = profiles->Add(std::move(changed_profile));
-        if (added->Name() == current_name) state.current_profile = added;
-    }
+    const Procedure procedure(state);
+    const std::string current_name = state.current_profile ? state.current_profile->Name() : std::string();
+    if (profiles->Exists(changed_profile->Name())) profiles->Remove(changed_profile->Name());
+    const auto added = profiles->Add(std::move(changed_profile));
+    if (added->Name() == current_name) state.current_profile = added;
+    procedure.CheckTermination();
+    const auto attendant = MakeAttendant(interactive, state.platform);
     UploadTarget target;
-    UpdateProfilesEx(state, interactive, target);
+    Upload(state, procedure, *attendant, target);
 }
 
 }  // namespace kq

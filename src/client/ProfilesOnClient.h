@@ -11,6 +11,7 @@ namespace kq {
 
 class ClientState;
 class LoginAttendant;
+class Procedure;
 
 // Where profiles are uploaded to; empty and 0 values are filled in from the settings file.
 struct UploadTarget {
@@ -19,9 +20,11 @@ struct UploadTarget {
     std::int32_t time_out = 0;  // ms
 };
 
-// Sends the whole collection to the login server over a connection of its own. True when it was sent, false
-// when the attendant's user gave up. A failed upload leaves the local collection as it is.
-bool UploadProfiles(ClientState& state, LoginAttendant& attendant, UploadTarget& target);
+// A step of a procedure: sends the whole collection to the login server over a connection of its own. True
+// when it was sent, false when the attendant's user gave up. A failed upload leaves the local collection as
+// it is.
+bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttendant& attendant,
+                    UploadTarget& target);
 
 // The upload as a procedure of its own.
 bool UpdateProfilesEx(ClientState& state, bool interactive, UploadTarget& target);

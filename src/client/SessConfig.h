@@ -4,6 +4,7 @@
 // Values are read from the file at every call and written to it at once; a write that fails is silent.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include <kqappsession/Platform.h>
@@ -33,5 +34,21 @@ class SessConfig {
     IniFile ini_file_;
     std::string app_id_;
 };
+
+// The stored settings of the login server.
+struct ServerSettings {
+    std::string address;
+    std::int32_t port = 0;
+    std::int32_t time_out = 0;  // ms
+    bool use_as_server_for_login = false;
+};
+
+// What a missing time-out reads as where nothing else is said.
+inline constexpr const char* kUsualTimeOut = "10000";
+
+// `default_time_out`: the text that a missing time-out reads as; its readers differ. Malformed values raise
+// the errors of their conversions.
+ServerSettings ReadServerSettings(const SessConfig& config, const std::string& default_time_out);
+void WriteServerSettings(SessConfig& config, const ServerSettings& settings);
 
 }  // namespace kq

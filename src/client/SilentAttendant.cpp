@@ -16,15 +16,16 @@ LoginStates SilentAttendant::MeetUnexpected(std::int32_t, const Error&) {
     throw;
 }
 
-bool SilentAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments,
+bool SilentAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments, bool,
                                    LoginDetails& details) {
+    // A setting that an argument replaces is not read: what is wrong with it does not matter.
     details.use_as_server_for_login = arguments.UseASServerForLogin.has_value()
                                           ? *arguments.UseASServerForLogin
                                           : TextToBoolean(config.Setting("UseASServerForLogin", "1"));
     if (arguments.Address.empty()) {
         details.address = config.Setting("Address", "");
         details.port = ValLong(config.Setting("Port", ""));
-        details.time_out = ValLong(config.Setting("TimeOut", "10000"));
+        details.time_out = ValLong(config.Setting("TimeOut", kUsualTimeOut));
     } else {
         details.address = arguments.Address;
         details.port = arguments.Port;
@@ -42,7 +43,7 @@ bool SilentAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArgument
     return true;
 }
 
-std::optional<Secret> SilentAttendant::GetNewPassword() {
+std::optional<Secret> SilentAttendant::GetNewPassword(const SystemLoginArguments&) {
     texts_.RaiseASError(kqaserrLoginBadPassword);
 }
 
@@ -60,14 +61,6 @@ std::optional<std::string> SilentAttendant::DownloadClient(const std::shared_ptr
 
 bool SilentAttendant::RetryUpload(const std::string& description) {
     texts_.RaiseASError(kqaserrLoginNoConnect, {description});
-}
-
-std::unique_ptr<LoginAttendant> MakeAttendant(bool interactive, const PlatformPtr& platform) {
-    if (interactive) {
-        Raise(RuntimeError::InvalidProcedureCall,
-              "An interactive login asks its user through dialogs, and this program has none.");
-    }
-    return std::make_unique<SilentAttendant>(platform);
 }
 
 }  // namespace kq

@@ -13,9 +13,9 @@ class SilentAttendant : public LoginAttendant {
     LoginStates MeetUnexpected(std::int32_t text, const Error& error) override;
     void ShowWait(std::int32_t) override {}
     void HideWait() override {}
-    bool GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments,
+    bool GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments, bool use_profiles,
                       LoginDetails& details) override;
-    std::optional<Secret> GetNewPassword() override;
+    std::optional<Secret> GetNewPassword(const SystemLoginArguments& arguments) override;
     bool ChooseProfile(const std::shared_ptr<Profiles>& profiles, const SystemLoginArguments& arguments,
                        std::shared_ptr<Profile>& current, bool& changed) override;
     std::optional<std::string> DownloadClient(const std::shared_ptr<APClient>& client,

@@ -51,20 +51,19 @@ bool SystemLogin::Run() {
     try {
         Prepare();
         LoginStates state = lsGetLoginInfo;
-        while (state != lsFinish && state != lsFailed) {
+        while (state != lsFailed) {
             procedure_.CheckTermination();
             try {
+                if (state == lsFinish) {
+                    Finish();
+                    return true;
+                }
                 state = Step(state);
             } catch (const Error& error) {
                 procedure_.CheckTermination();
                 attendant_->HideWait();
                 state = attendant_->MeetUnexpected(kUnexpectedError, error);
             }
-        }
-        if (state == lsFinish) {
-            procedure_.CheckTermination();
-            Finish();
-            return true;
         }
     } catch (...) {
         Failed();
@@ -124,7 +123,9 @@ LoginStates SystemLogin::Meet(LoginFailure failure, const Args& question, const 
 LoginStates SystemLogin::GetLoginInfo() {
     details_ = LoginDetails();
     attendant_->HideWait();
-    return attendant_->GetLoginInfo(*state_.config, arguments_, details_) ? lsAttemptConnectZEB : lsFailed;
+    return attendant_->GetLoginInfo(*state_.config, arguments_, state_.use_profiles, details_)
+               ? lsAttemptConnectZEB
+               : lsFailed;
 }
 
 LoginStates SystemLogin::AttemptConnectZEB() {
@@ -236,7 +237,7 @@ LoginStates SystemLogin::RefusedLogin(const ReplyError& error) {
 
 LoginStates SystemLogin::ChangePassword() {
     attendant_->HideWait();
-    auto new_password = attendant_->GetNewPassword();
+    auto new_password = attendant_->GetNewPassword(arguments_);
     if (!new_password) return lsFailed;
     details_.new_password = std::move(*new_password);
     return lsAttemptLogin;

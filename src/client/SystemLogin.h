@@ -45,7 +45,6 @@ class SystemLogin {
     LoginStates Meet(LoginFailure failure, const Args& question = {}, const Args& error = {});
     // The state after a login reply with this error code.
     LoginStates RefusedLogin(const ReplyError& error);
-    LoginStates UseDefaultProfile(Profiles& profiles, bool& changed);
     // The profile that the command line or the last login names; null when there is none.
     std::shared_ptr<Profile> NamedProfile(const Profiles& profiles) const;
     bool ClientAvailable() const;
@@ -65,8 +64,5 @@ class SystemLogin {
 // The version that a client program announces when the host names none: "Major.Minor.Revision" of its
 // application object, else the file version of the program, else nothing.
 std::string ClientVersionOf(const AppObject* app, const PlatformPtr& platform);
-
-// The profile that "/Profile NAME" in a command line names; empty when it names none.
-std::string ProfileInCommand(const std::string& command);
 
 }  // namespace kq

@@ -4,6 +4,7 @@
 #include "base/Convert.h"
 #include "client/ProfilesOnClient.h"
 #include "client/SystemLogin.h"
+#include "dialogs/frmProfiles.h"
 #include "platform/Process.h"
 #include "util/VersionInfo.h"
 
@@ -65,7 +66,7 @@ LoginStates SystemLogin::GetProfile() {
     }
     if (changed) {
         UploadTarget target{details_.address, details_.port, details_.time_out};
-        UploadProfiles(state_, *attendant_, target);
+        UploadProfiles(state_, procedure_, *attendant_, target);
     }
     return lsFinish;
 }
@@ -106,18 +107,6 @@ std::string ClientVersionOf(const AppObject* app, const PlatformPtr& platform) {
     VersionInfo version(platform);
     version.Initialize(platform->process->ExecutablePath());
     return version.Initialized() && version.CodePageCount() > 0 ? version.FileVersion(1) : std::string();
-}
-
-std::string ProfileInCommand(const std::string& command) {
-    constexpr std::string_view kSwitch = "/PROFILE ";
-    const std::size_t at = UpperCase(command).find(kSwitch);
-    if (at == std::string::npos) return {};
-    std::string_view name = Trim(std::string_view(command).substr(at + kSwitch.size()));
-    if (!name.empty() && name.front() == '"') {
-        name.remove_prefix(1);
-        name = name.substr(0, name.find('"'));
-    }
-    return std::string(Trim(name));
 }
 
 }  // namespace kq

@@ -74,6 +74,14 @@ TEST_F(ClientObjectTest, SetSystemLoginStateIsAsGoodAsASystemLogin) {
     EXPECT_EQ(client->AppServerTimeOut(), 5000);
 }
 
+TEST_F(ClientObjectTest, SetSystemLoginStateKeepsTheObjectsThatItIsGiven) {
+    const auto message = std::make_shared<XMLMessage>("SessionInfo", "1");
+    const auto collection = std::make_shared<Profiles>();
+    client->SetSystemLoginState(message, table, collection, "", "host", 7000, 5000);
+    EXPECT_EQ(client->SessionInfo()->Export(), message);
+    EXPECT_EQ(client->Profiles(), collection);
+}
+
 TEST_F(ClientObjectTest, SetSystemLoginStateWithoutPortOrAddressLeavesTheState) {
     port = 0;
     SetState();
@@ -205,6 +213,16 @@ TEST_F(ClientObjectTest, TerminateClientLeavesTheLoginStateUntilTheDisconnection
     EXPECT_EQ(client->SessionClient(), nullptr);
     EXPECT_TRUE(client->SessionInfo()->IsInitialized());
     EXPECT_NE(client->TranslationTable(), nullptr);
+    machine.loop->RunReady();
+    EXPECT_EQ(client->LoginState(), kqaslsSystemLogin);
+}
+
+TEST_F(ClientObjectTest, TheDisconnectionArrivesAlsoWhenNothingElseHoldsTheConnection) {
+    LogInWhole();
+    address = "";
+    SetState();
+    ASSERT_EQ(client->LoginState(), kqaslsServerLogin);
+    client->TerminateClient();
     machine.loop->RunReady();
     EXPECT_EQ(client->LoginState(), kqaslsSystemLogin);
 }

@@ -25,7 +25,8 @@ using testing::IsEmpty;
 
 class LoginFixture : public testing::Test {
  protected:
-    LoginFixture() : platform(WithEnglishTexts()), client(std::make_unique<KQAppSessClient>(platform)) {
+    explicit LoginFixture(FakePlatform::Face face = FakePlatform::Face::None)
+        : machine(face), platform(WithEnglishTexts()), client(std::make_unique<KQAppSessClient>(platform)) {
         login.AppID = "Demo";
         login.InterfaceVersion = "1.0";
         login.ClientVersion = "5.2.3";
@@ -87,7 +88,7 @@ class LoginFixture : public testing::Test {
         return settings;
     }
 
-    FakePlatform machine{FakePlatform::Face::None};
+    FakePlatform machine;
     PlatformPtr platform;
     FakeZeb zeb{machine};
     FakeAppServer app{machine};

@@ -62,6 +62,13 @@ TEST_F(ProfilesOnClientTest, WithAStoredPortOfZeroIsABadAddress) {
                 "Invalid address (192.0.2.1), port (0), or timeout value (4000) was specified.");
 }
 
+TEST_F(ProfilesOnClientTest, ABadAddressLeavesTheLoginConnection) {
+    Forget("Address");
+    UploadError();
+    machine.loop->Advance(Milliseconds(2000));
+    EXPECT_EQ(zeb.Open(), 1);
+}
+
 TEST_F(ProfilesOnClientTest, WithoutAStoredAddressIsABadAddress) {
     Forget("Address");
     EXPECT_EQ(UploadError().Number(), kqaserrLoginBadAddr);
@@ -104,6 +111,93 @@ TEST_F(ProfilesOnClientTest, AFailedUploadLeavesTheChangeInPlace) {
     EXPECT_EQ(ErrorOf([this] { client->AddReplaceProfileASP(std::make_shared<Profile>("Third")); }).Number(),
               kqaserrLoginNoConnect);
     EXPECT_TRUE(client->Profiles()->Exists("Third"));
+}
+
+TEST_F(ProfilesOnClientTest, WithoutASessionRecordIsAnObjectNotSetBeforeItConnects) {
+    KQAppSessClient fresh(platform);
+    const int accepted = zeb.Accepted();
+    EXPECT_EQ(ErrorOf([&] {
+                  std::string to = FakeZeb::kAddress;
+                  std::int32_t at = FakeZeb::kPort;
+                  time_out = 1000;
+                  fresh.UpdateProfilesEx(false, to, at, time_out);
+              }).Number(),
+              NumberOf(RuntimeError::ObjectNotSet));
+    EXPECT_EQ(zeb.Accepted(), accepted);
+}
+
+TEST_F(ProfilesOnClientTest, TheAnswerIsNotLookedInto) {
+    zeb.Once(FakeZeb::kUpload, zeb.Answer(FakeZeb::Refusal("ASProfilesUpdateResponse", "9", "No", "")));
+    EXPECT_TRUE(Upload());
+    zeb.Once(FakeZeb::kUpload, zeb.Answer(FakeZeb::Validation()));
+    EXPECT_TRUE(Upload());
+}
+
+TEST_F(ProfilesOnClientTest, ClosesItsConnectionAfterTheAnswer) {
+    Upload();
+    machine.loop->Advance(Milliseconds(2000));
+    EXPECT_EQ(zeb.Open(), 0);
+}
+
+TEST_F(ProfilesOnClientTest, AnUploadWithoutAnswerRaisesTheTimeOutAndLeavesNoConnection) {
+    zeb.Once(FakeZeb::kUpload, zeb.Silence());
+    EXPECT_EQ(
+        TimeOf([this] { EXPECT_EQ(UploadError().Number(), static_cast<std::int32_t>(NetError::TimedOut)); }),
+        Milliseconds(4000));
+    machine.loop->Advance(Milliseconds(2000));
+    EXPECT_EQ(zeb.Open(), 0);
+}
+
+TEST_F(ProfilesOnClientTest, TerminateClientInsideAnUploadEndsItAtOnce) {
+    zeb.Once(FakeZeb::kUpload, [this](ScriptedPeer::Link&, const XMLMessage&) { client->TerminateClient(); });
+    EXPECT_EQ(UploadError().Number(), static_cast<std::int32_t>(NetError::Interrupted));
+    zeb.StopListening();
+    address = "192.0.2.99";
+    machine.network->BlackHole(address, FakeZeb::kPort);
+    machine.loop->StartTimer(Milliseconds(100), [this] { client->TerminateClient(); });
+    EXPECT_EQ(TimeOf([this] {
+                  EXPECT_EQ(UploadError().Number(), static_cast<std::int32_t>(NetError::Interrupted));
+              }),
+              Milliseconds(100));
+}
+
+TEST_F(ProfilesOnClientTest, DroppingTheClientObjectInsideAnUploadEndsIt) {
+    zeb.Once(FakeZeb::kUpload, [this](ScriptedPeer::Link&, const XMLMessage&) { client.reset(); });
+    KQAppSessClient& dying = *client;
+    EXPECT_EQ(ErrorOf([&] { dying.UpdateProfilesEx(false, address, port, time_out); }).Number(),
+              static_cast<std::int32_t>(NetError::Interrupted));
+}
+
+TEST_F(ProfilesOnClientTest, AClientDroppedByAnEventOfTheCollectionConnectsNoMore) {
+    Owner owner;
+    const auto profiles = client->Profiles();
+    profiles->ProfileAdded.Connect(owner, [this](const auto&) { client.reset(); });
+    const int accepted = zeb.Accepted();
+    KQAppSessClient& dying = *client;
+    EXPECT_EQ(ErrorOf([&] { dying.AddReplaceProfileASP(std::make_shared<Profile>("Third")); }).Number(),
+              static_cast<std::int32_t>(NetError::Interrupted));
+    machine.loop->Advance(Milliseconds(2000));
+    EXPECT_EQ(zeb.Accepted(), accepted);
+}
+
+TEST_F(ProfilesOnClientTest, AProcedureInsideAnUploadRaisesInvalidProcedureCall) {
+    std::int32_t inner = 0;
+    zeb.Once(FakeZeb::kUpload, [&](ScriptedPeer::Link& link, const XMLMessage&) {
+        inner = ServerLoginError().Number();
+        link.Send(FakeZeb::Validation());
+    });
+    EXPECT_TRUE(Upload());
+    EXPECT_EQ(inner, NumberOf(RuntimeError::InvalidProcedureCall));
+}
+
+TEST_F(ProfilesOnClientTest, AProfileAddedByTheHostInsideAProcedureIsNotUploaded) {
+    zeb.Once(FakeZeb::kUpload, [this](ScriptedPeer::Link& link, const XMLMessage&) {
+        client->Profiles()->Add(std::make_shared<Profile>("Third"));
+        link.Send(FakeZeb::Validation());
+    });
+    EXPECT_TRUE(Upload());
+    machine.loop->Advance(Milliseconds(2000));
+    EXPECT_EQ(std::ranges::count(zeb.HeardTypes(), FakeZeb::kUpload), 1);
 }
 
 TEST_F(ProfilesOnClientTest, WithoutACollectionIsAnObjectNotSet) {

@@ -229,6 +229,16 @@ TEST_F(ServerLoginTest, TerminateClientInsideEndsItAtOnceWithoutAnotherConnectio
     EXPECT_EQ(app.Accepted(), 1);
 }
 
+TEST_F(ServerLoginTest, DroppingTheClientObjectInsideEndsItAtOnce) {
+    app.Once(FakeAppServer::kRegister, [this](ScriptedPeer::Link&, const XMLMessage&) { client.reset(); });
+    KQAppSessClient& dying = *client;
+    const auto time = TimeOf([&] {
+        EXPECT_EQ(ErrorOf([&] { dying.ServerLogin(false); }).Number(),
+                  static_cast<std::int32_t>(NetError::Interrupted));
+    });
+    EXPECT_LT(time, Milliseconds(300));
+}
+
 TEST_F(ServerLoginTest, AProcedureInsideItRaisesInvalidProcedureCall) {
     std::int32_t inner = 0;
     app.Once(FakeAppServer::kRegister, [&](ScriptedPeer::Link& link, const XMLMessage&) {

@@ -1,7 +1,5 @@
 // How a silent system login chooses the profile, and when it uploads the profiles.
 #include "client/LoginFixture.h"
-#include "client/SystemLogin.h"
-
 namespace kq {
 namespace {
 
@@ -88,12 +86,11 @@ TEST_F(SystemLoginProfilesTest, AnUploadThatCannotConnectFailsTheLogin) {
                       "Could not connect to login server: " + NetErrorText(10061) + ".");
 }
 
-TEST(ProfileInCommand, ReadsTheNameUpToTheQuotationMarkOrTheEnd) {
-    EXPECT_EQ(ProfileInCommand(R"(/Profile "Night shift" /x)"), "Night shift");
-    EXPECT_EQ(ProfileInCommand("/pRoFiLe  Night shift "), "Night shift");
-    EXPECT_EQ(ProfileInCommand(R"(/Profile "open)"), "open");
-    EXPECT_EQ(ProfileInCommand("/Profile"), "");
-    EXPECT_EQ(ProfileInCommand(""), "");
+TEST_F(SystemLoginProfilesTest, TerminateClientInsideTheUploadEndsTheLogin) {
+    Delivers({"A"}, "");
+    zeb.Once(FakeZeb::kUpload, [this](ScriptedPeer::Link&, const XMLMessage&) { client->TerminateClient(); });
+    EXPECT_EQ(SystemLoginError().Number(), static_cast<std::int32_t>(NetError::Interrupted));
+    EXPECT_EQ(client->LoginState(), kqaslsNotLoggedIn);
 }
 
 }  // namespace

@@ -175,6 +175,36 @@ TEST_F(SystemLoginTest, WithoutLoginIdOrPasswordRaisesBadLogin) {
     EXPECT_EQ(zeb.Accepted(), 0);
 }
 
+TEST_F(SystemLoginTest, AStoredFlagOfTrueReadsAsTrue) {
+    Settings().SetSetting("UseASServerForLogin", "True");
+    SystemLogin();
+    EXPECT_TRUE(client->UseASServerForLogin());
+}
+
+TEST_F(SystemLoginTest, AnErrorNeverShowsAPasswordThatNoMessageCanCarry) {
+    login.Password = Secret("secret\x01word");
+    EXPECT_THAT(SystemLoginError().Description(), testing::Not(testing::HasSubstr("secret")));
+}
+
+TEST_F(SystemLoginTest, DroppingTheClientObjectInsideAConnectEndsTheLoginAtOnce) {
+    login.Address = "192.0.2.99";
+    machine.network->BlackHole(login.Address, login.Port);
+    KQAppSessClient& dying = *client;
+    machine.loop->StartTimer(Milliseconds(100), [this] { client.reset(); });
+    const auto time = TimeOf([&] {
+        EXPECT_EQ(ErrorOf([&] { dying.SystemLogin(false, login); }).Number(),
+                  static_cast<std::int32_t>(NetError::Interrupted));
+    });
+    EXPECT_EQ(time, Milliseconds(100));
+}
+
+TEST_F(SystemLoginTest, ReadsNoSettingThatItsArgumentsReplace) {
+    Settings().SetSetting("Port", "99999999999");
+    Settings().SetSetting("UseASServerForLogin", "yes");
+    login.UseASServerForLogin = false;
+    EXPECT_TRUE(client->SystemLogin2(false, login));
+}
+
 TEST_F(SystemLoginTest, AMalformedStoredFlagIsATypeMismatch) {
     Settings().SetSetting("UseASServerForLogin", "yes");
     EXPECT_EQ(SystemLoginError().Number(), NumberOf(RuntimeError::TypeMismatch));

@@ -1,0 +1,89 @@
+// Questions and dialogs. What a rule says about a silent procedure's error plays no part here.
+#include "client/InteractiveAttendant.h"
+
+#include "client/LoginPrompts.h"
+#include "dialogs/frmDownload.h"
+#include "dialogs/frmPassword.h"
+#include "dialogs/frmProfiles.h"
+
+namespace kq {
+
+namespace {
+
+constexpr std::int32_t kCannotConnect = 411;
+
+std::string PropertyOf(const SystemLoginArguments& arguments, std::string_view name) {
+    return arguments.AppObj ? arguments.AppObj->Property(name).value_or("") : std::string();
+}
+
+}  // namespace
+
+LoginStates InteractiveAttendant::Meet(LoginFailure failure, const Args& question, const Args&) {
+    const FailureRule& rule = RuleOf(failure);
+    switch (rule.question) {
+        case Question::None:
+            return rule.yes;
+        case Question::Information:
+            texts_.ShowInfo(rule.text, question);
+            return rule.no;
+        case Question::YesNo:
+            return texts_.AskYesNo(rule.text, question) ? rule.yes : rule.no;
+        case Question::YesNoCancel:
+            break;
+    }
+    switch (texts_.AskYesNoCancel(rule.text, question)) {
+        case BoxButton::Yes:
+            return rule.yes;
+        case BoxButton::No:
+            return rule.no;
+        default:
+            return rule.cancel;
+    }
+}
+
+LoginStates InteractiveAttendant::MeetUnexpected(std::int32_t text, const Error& error) {
+    return texts_.AskYesNo(text, {error.Description()}) ? lsGetLoginInfo : lsFailed;
+}
+
+bool InteractiveAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments,
+                                        bool use_profiles, LoginDetails& details) {
+    if (!AskServerAddress(platform_, config, false, arguments.AppIcon)) return false;
+    if (!AskLoginDetails(platform_, config, use_profiles, arguments.AppIcon, details)) return false;
+    const ServerSettings settings = ReadServerSettings(config, kUsualTimeOut);
+    details.address = settings.address;
+    details.port = settings.port;
+    details.time_out = settings.time_out;
+    details.use_as_server_for_login =
+        arguments.UseASServerForLogin.value_or(settings.use_as_server_for_login);
+    return true;
+}
+
+std::optional<Secret> InteractiveAttendant::GetNewPassword(const SystemLoginArguments& arguments) {
+    Secret old_password;
+    Secret new_password;
+    if (!frmPassword(platform_).GetPassword(old_password, new_password, arguments.AppIcon))
+        return std::nullopt;
+    return new_password;
+}
+
+bool InteractiveAttendant::ChooseProfile(const std::shared_ptr<Profiles>& profiles,
+                                         const SystemLoginArguments& arguments,
+                                         std::shared_ptr<Profile>& current, bool& changed) {
+    const ProgramInfo program{PropertyOf(arguments, "ProductName"), PropertyOf(arguments, "Path"),
+                              PropertyOf(arguments, "EXEName")};
+    return frmProfiles(platform_).GetProfile(profiles, current, arguments.CommandStr, program,
+                                             arguments.AppIcon, changed);
+}
+
+std::optional<std::string> InteractiveAttendant::DownloadClient(const std::shared_ptr<APClient>& client,
+                                                                bool& try_again) {
+    std::string path;
+    if (!frmDownload(platform_).DownloadClient(client, path, try_again)) return std::nullopt;
+    return path;
+}
+
+bool InteractiveAttendant::RetryUpload(const std::string&) {
+    return texts_.AskYesNo(kCannotConnect);
+}
+
+}  // namespace kq

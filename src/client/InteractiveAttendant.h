@@ -1,0 +1,33 @@
+// The attendant of a procedure with a user: every failure becomes a question, details come from dialogs.
+#pragma once
+
+#include "client/LoginAttendant.h"
+#include "dialogs/frmWait.h"
+
+namespace kq {
+
+class InteractiveAttendant : public LoginAttendant {
+ public:
+    explicit InteractiveAttendant(PlatformPtr platform)
+        : platform_(platform), texts_(platform), wait_(platform) {}
+
+    LoginStates Meet(LoginFailure failure, const Args& question, const Args& error) override;
+    LoginStates MeetUnexpected(std::int32_t text, const Error& error) override;
+    void ShowWait(std::int32_t caption) override { wait_.ShowWait(caption); }
+    void HideWait() override { wait_.HideWait(); }
+    bool GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments, bool use_profiles,
+                      LoginDetails& details) override;
+    std::optional<Secret> GetNewPassword(const SystemLoginArguments& arguments) override;
+    bool ChooseProfile(const std::shared_ptr<Profiles>& profiles, const SystemLoginArguments& arguments,
+                       std::shared_ptr<Profile>& current, bool& changed) override;
+    std::optional<std::string> DownloadClient(const std::shared_ptr<APClient>& client,
+                                              bool& try_again) override;
+    bool RetryUpload(const std::string& description) override;
+
+ private:
+    PlatformPtr platform_;
+    modASMsg texts_;
+    frmWait wait_;
+};
+
+}  // namespace kq
