@@ -77,9 +77,9 @@ class Signal {
 
     // Raises the event. By-reference arguments are the same objects for every handler.
     void operator()(Args... args) const {
-        const auto slots = slots_;  // outlives a handler that destroys the signal
-        std::erase_if(*slots, [](const auto& s) { return s->life.expired(); });
-        const auto copy = *slots;
+        const auto all = slots_;  // outlives a handler that destroys the signal
+        std::erase_if(*all, [](const auto& s) { return s->life.expired(); });
+        const auto copy = *all;
         for (const auto& slot : copy) {
             if (slot->life.expired())
                 continue;  // not held: an event inside the handler must see the owner gone
