@@ -9,6 +9,7 @@
 
 #include <kqappsession/Platform.h>
 
+#include "platform/MachineUnderTest.h"
 #include "platform/Patience.h"
 #include "platform/PortTesting.h"
 
@@ -25,7 +26,7 @@ class Loop : public testing::Test {
         return Await(*loop_, [&] { return heard_ == words; });
     }
 
-    std::shared_ptr<EventLoop> loop_ = MakePlatform()->loop;
+    std::shared_ptr<EventLoop> loop_ = MachineUnderTest()->loop;
     std::string heard_;
 };
 

@@ -7,6 +7,7 @@
 
 #include <kqappsession/Platform.h>
 
+#include "platform/MachineUnderTest.h"
 #include "platform/Patience.h"
 #include "platform/Resolver.h"
 
@@ -27,7 +28,7 @@ class Names : public testing::Test {
         return Await(*loop_, [&] { return found_.has_value(); });
     }
 
-    PlatformPtr machine_ = MakePlatform();
+    PlatformPtr machine_ = MachineUnderTest();
     std::shared_ptr<EventLoop> loop_ = machine_->loop;
     std::shared_ptr<Resolver> resolver_ = machine_->resolver;
     std::optional<std::vector<std::string>> found_;

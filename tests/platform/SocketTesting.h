@@ -10,6 +10,7 @@
 
 #include <kqappsession/Platform.h>
 
+#include "platform/MachineUnderTest.h"
 #include "platform/Patience.h"
 #include "platform/Socket.h"
 
@@ -62,7 +63,7 @@ class Sockets : public testing::Test {
     // A port where nobody listens.
     int FreePort() { return network_->Listen("127.0.0.1", 0)->LocalPort(); }
 
-    PlatformPtr machine_ = MakePlatform();
+    PlatformPtr machine_ = MachineUnderTest();
     std::shared_ptr<EventLoop> loop_ = machine_->loop;
     std::shared_ptr<Network> network_ = machine_->network;
     std::unique_ptr<ListenSocket> listener_;
