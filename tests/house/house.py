@@ -46,7 +46,7 @@ PUBLIC_ONLY = {("zeb", "client"), ("zeb", "server"), ("tools", "client"), ("tool
 
 PUBLIC_HEADERS = {
     "Error": "base", "Signal": "base", "Secret": "base", "AppObject": "base",
-    "EventLoop": "platform", "Platform": "platform", "AsioEventLoop": "platform",
+    "EventLoop": "platform", "Platform": "platform", "AsioEventLoop": "platform", "QtPlatform": "platform/qt",
     "XMLMessage": "libs/xmlmessage", "WebData": "libs/webdata", "Statistics": "libs/statistics",
     "Timer": "libs/timer", "APClient": "libs/appprotocol", "Listener": "libs/appprotocol",
     "XMLBusClient": "libs/xmlbus", "KQAppSessErrorEnum": "messages", "KQAppSessionInfo": "sessioninfo",

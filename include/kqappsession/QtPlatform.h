@@ -1,0 +1,28 @@
+// For programs with windows on Qt 6: link kqappsession::kqappsession-qt (pkg-config: kqappsession-qt).
+//
+//   QApplication application(argc, argv);
+//   kq::KQAppSessClient client(kq::MakeQtPlatform());
+//   client.SystemLogin(true, login);   // asks the user through dialogs
+//
+// The dialogs are modal for all of the program's windows and come above its active one. While one is open,
+// the program's windows go on drawing, and its connections, timers and sockets are served.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <kqappsession/Platform.h>
+
+namespace kq {
+
+class Icon;
+
+// The bundle of this machine with an event loop on Qt's own and with dialogs. Call it on the thread of the
+// QApplication, which must exist (RuntimeError::InvalidProcedureCall) and outlive the bundle and all objects
+// that use it. Whether QApplication::exec runs makes no difference.
+PlatformPtr MakeQtPlatform();
+
+// A picture for the dialogs' title bars from a file that Qt can read. Null when it cannot.
+std::shared_ptr<const Icon> MakeQtIcon(const std::string& path);
+
+}  // namespace kq

@@ -1,0 +1,417 @@
+// Notifiers and timers of the toolkit call nobody: they put an event into a queue of our own, and a pump,
+// which is a timer of the toolkit that is due at once, takes one event out and runs it. So a cancelled timer
+// or a removed watch takes its event along, what was ready is told from what became ready since, and tasks
+// that post each other for ever leave room for windows.
+//
+// A wait runs a QEventLoop of its own rather than QCoreApplication::processEvents: only so are objects
+// deleted that the toolkit deletes later. What ends the wait is asked whenever the toolkit has handled
+// something.
+#include "platform/qt/QtEventLoop.h"
+
+#include <QAbstractEventDispatcher>
+#include <QBasicTimer>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QEventLoop>
+#include <QSocketNotifier>
+#include <QTimer>
+#include <QTimerEvent>
+#include <algorithm>
+#include <atomic>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <poll.h>
+#include <set>
+#include <utility>
+
+#include <kqappsession/Error.h>
+#include <kqappsession/Signal.h>
+
+namespace kq {
+namespace {
+
+using Task = EventLoop::Task;
+using TimePoint = EventLoop::TimePoint;
+using Readiness = EventLoop::Readiness;
+
+constexpr auto kWake = static_cast<QEvent::Type>(QEvent::User + 0x4B51);
+
+TimePoint Now() {
+    return std::chrono::steady_clock::now();
+}
+
+// Milliseconds until then, never too few; what is further than a day is asked again after a day.
+int UntilThen(TimePoint then) {
+    constexpr TimePoint::duration kLongest = std::chrono::hours(24);
+    const TimePoint now = Now();
+    if (then <= now) return 0;
+    const auto wait = std::chrono::ceil<Milliseconds>(then - now < kLongest ? then - now : kLongest);
+    return static_cast<int>(wait.count());
+}
+
+struct Watched {
+    Watched(int fd, Readiness w, std::function<void(Readiness)> r)
+        : reading(fd, QSocketNotifier::Read),
+          writing(fd, QSocketNotifier::Write),
+          wanted(w),
+          ready(std::move(r)) {
+        Rest();
+    }
+    void Rest() {
+        reading.setEnabled(false);
+        writing.setEnabled(false);
+    }
+    void Arm() {
+        reading.setEnabled(wanted.readable && !queued);
+        writing.setEnabled(wanted.writable && !queued);
+    }
+    // Asked again when its turn has come: what was ready may have been consumed or be unwanted since.
+    Readiness ReadyNow() const {
+        pollfd asked{static_cast<int>(reading.socket()),
+                     static_cast<short>((wanted.readable ? POLLIN : 0) | (wanted.writable ? POLLOUT : 0)), 0};
+        const int answered = ::poll(&asked, 1, 0);
+        if (answered < 0) return wanted;  // it cannot be asked: what was reported before stands
+        if (answered == 0) return {};
+        const bool broken = (asked.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
+        return {wanted.readable && (broken || (asked.revents & POLLIN) != 0),
+                wanted.writable && (broken || (asked.revents & POLLOUT) != 0)};
+    }
+
+    QSocketNotifier reading, writing;
+    Readiness wanted;
+    std::function<void(Readiness)> ready;
+    bool queued = false;  // an event of this watch is in the queue
+};
+
+struct Timed {
+    TimePoint due;
+    Task task;
+};
+
+struct Event {
+    enum class Kind { Post, Timer, Watch };
+    std::uint64_t sequence;
+    Kind kind;
+    std::uint64_t id;  // of the timer or watch
+    Task task;         // of a post
+};
+
+// Everything the loop is made of. A wait holds it, so that the loop may be destroyed by a task that it runs.
+class LoopState final : public QObject, public std::enable_shared_from_this<LoopState> {
+ public:
+    void Post(Task task) { Push(Event::Kind::Post, 0, std::move(task)); }
+
+    EventLoop::TimerId StartTimer(Milliseconds delay, Task task) {
+        constexpr Milliseconds kLongest = std::chrono::hours(24 * 365);
+        const std::uint64_t id = ++last_id_;
+        const TimePoint due = Now() + std::clamp(delay, Milliseconds(0), kLongest);
+        timers_.emplace(id, Timed{due, std::move(task)});
+        due_.emplace(due, id);
+        SetAlarm();
+        return id;
+    }
+
+    void CancelTimer(EventLoop::TimerId id) {
+        const auto node = timers_.extract(id);  // the task goes after the tables are whole again
+        if (node && due_.erase({node.mapped().due, id}) != 0) SetAlarm();
+    }
+
+    EventLoop::WatchId Watch(int fd, Readiness wanted, std::function<void(Readiness)> ready) {
+        pollfd asked{fd, 0, 0};
+        if (fd < 0 || ::poll(&asked, 1, 0) < 0 || (asked.revents & POLLNVAL) != 0)
+            Raise(RuntimeError::InvalidProcedureCall, "The socket cannot be watched: it is not open");
+        const std::uint64_t id = ++last_id_;
+        const auto watched = std::make_shared<Watched>(fd, wanted, std::move(ready));
+        for (auto* const notifier : {&watched->reading, &watched->writing})
+            connect(notifier, &QSocketNotifier::activated, this, [this, id] { QueueWatch(id); });
+        watches_.emplace(id, watched);
+        watched->Arm();
+        return id;
+    }
+
+    void ChangeWatch(EventLoop::WatchId id, Readiness wanted) {
+        const auto entry = watches_.find(id);
+        if (entry == watches_.end()) return;
+        entry->second->wanted = wanted;
+        entry->second->Arm();
+    }
+
+    void Unwatch(EventLoop::WatchId id) {
+        if (const auto node = watches_.extract(id)) node.mapped()->Rest();
+    }
+
+    void ProcessPending() {
+        const auto self = shared_from_this();
+        std::uint64_t last = 0;
+        {
+            const Holding frame(*this, true);
+            QCoreApplication::processEvents();  // windows and whatever else the program has
+            PushDue();
+            const auto watches = watches_;
+            for (const auto& [id, watched] : watches) {
+                const Readiness ready = watched->ReadyNow();
+                if (ready.readable || ready.writable) QueueWatch(id);
+            }
+            last = LastSequence();
+        }
+        const Holding frame(*this, false);
+        while (!Ended()) {
+            auto event = Take(last);
+            if (!event) break;
+            RunEvent(std::move(*event));
+        }
+    }
+
+    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) {
+        const auto self = shared_from_this();
+        const Holding frame(*this, false);
+        for (;;) {
+            if (done()) return true;
+            if (Ended() || Now() >= deadline) return false;
+            if (!RunInner(done, deadline)) return false;
+        }
+    }
+
+    void Quit() {
+        quitting_ = true;
+        QCoreApplication::postEvent(this, new QEvent(kWake));
+    }
+
+    bool Quitting() const { return quitting_; }
+
+    // The loop object is gone: nothing is called any more and nothing of the callers' is kept.
+    void Close() {
+        closed_ = true;
+        const auto watches = std::exchange(watches_, {});
+        for (const auto& [id, watched] : watches)
+            watched->Rest();
+        const auto timers = std::exchange(timers_, {});
+        due_.clear();
+        std::deque<Event> events;
+        const std::lock_guard lock(mutex_);
+        events.swap(events_);
+    }
+
+ protected:
+    bool event(QEvent* event) override {
+        if (event->type() == kWake) {
+            pump_.start(0, this);
+            return true;
+        }
+        return QObject::event(event);
+    }
+
+    void timerEvent(QTimerEvent* event) override {
+        if (event->timerId() == pump_.timerId()) {
+            Pump();
+        } else if (event->timerId() == alarm_.timerId()) {
+            PushDue();
+        }
+    }
+
+ private:
+    // While it is held, the pump runs nothing. A wait inside lets it go on.
+    class Holding {
+     public:
+        Holding(LoopState& state, bool hold) : state_(state), before_(std::exchange(state.holding_, hold)) {
+            state_.EnsurePump();
+        }
+        Holding(const Holding&) = delete;
+        Holding& operator=(const Holding&) = delete;
+        ~Holding() {
+            state_.holding_ = before_;
+            state_.EnsurePump();
+        }
+
+     private:
+        LoopState& state_;
+        bool before_;
+    };
+
+    bool Ended() const { return quitting_ || closed_; }
+
+    // One run of the toolkit's loop. False when the program has ended it and not we.
+    bool RunInner(const std::function<bool()>& done, TimePoint deadline) {
+        QEventLoop inner;
+        QTimer alarm;
+        bool over = false;
+        std::exception_ptr failure;
+        const auto check = [&] {
+            if (over) return;
+            try {
+                over = Ended() || Now() >= deadline || done();
+            } catch (...) {
+                failure = std::current_exception();
+                over = true;
+            }
+            if (over) inner.quit();
+        };
+        auto* const dispatcher = QAbstractEventDispatcher::instance();
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &inner, check);
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &inner, check);
+        if (deadline != TimePoint::max()) {
+            alarm.setTimerType(Qt::PreciseTimer);
+            alarm.start(UntilThen(deadline));
+        }
+        inner.exec();
+        if (failure) std::rethrow_exception(failure);
+        return over;
+    }
+
+    // --- The queue; from any thread
+
+    void Push(Event::Kind kind, std::uint64_t id, Task task) {
+        if (closed_) return;
+        {
+            const std::lock_guard lock(mutex_);
+            events_.push_back({++last_sequence_, kind, id, std::move(task)});
+        }
+        EnsurePump();
+    }
+
+    void EnsurePump() {
+        {
+            const std::lock_guard lock(mutex_);
+            if (events_.empty() || std::exchange(pump_on_its_way_, true)) return;
+        }
+        QCoreApplication::postEvent(this, new QEvent(kWake));
+    }
+
+    std::uint64_t LastSequence() {
+        const std::lock_guard lock(mutex_);
+        return last_sequence_;
+    }
+
+    // The first event unless it is younger than `last`.
+    std::optional<Event> Take(std::uint64_t last) {
+        const std::lock_guard lock(mutex_);
+        if (events_.empty() || events_.front().sequence > last) return std::nullopt;
+        std::optional<Event> event(std::move(events_.front()));
+        events_.pop_front();
+        return event;
+    }
+
+    // --- On the loop's thread
+
+    // The next turn is prepared before the event runs: a wait inside it goes on from there. It needs a new
+    // timer, because the toolkit does not let one fire inside itself.
+    void Pump() {
+        pump_.stop();
+        {
+            const std::lock_guard lock(mutex_);
+            pump_on_its_way_ = false;
+        }
+        if (holding_) return;
+        const auto self = shared_from_this();
+        auto event = Take(~std::uint64_t{0});
+        EnsurePump();
+        if (event) RunEvent(std::move(*event));
+    }
+
+    void RunEvent(Event event) {
+        try {
+            switch (event.kind) {
+                case Event::Kind::Post:
+                    event.task();
+                    break;
+                case Event::Kind::Timer:
+                    if (auto node = timers_.extract(event.id)) node.mapped().task();
+                    break;
+                case Event::Kind::Watch:
+                    CallWatch(event.id);
+                    break;
+            }
+        } catch (...) {
+            ReportStrayException(std::current_exception());
+        }
+    }
+
+    void QueueWatch(std::uint64_t id) {
+        const auto entry = watches_.find(id);
+        if (entry == watches_.end() || std::exchange(entry->second->queued, true)) return;
+        entry->second->Rest();
+        Push(Event::Kind::Watch, id, {});
+    }
+
+    // Armed before the call, so that a wait inside it hears what comes next.
+    void CallWatch(std::uint64_t id) {
+        const auto entry = watches_.find(id);
+        if (entry == watches_.end()) return;
+        const std::shared_ptr<Watched> watched = entry->second;
+        watched->queued = false;
+        const Readiness ready = watched->ReadyNow();
+        watched->Arm();
+        if (ready.readable || ready.writable) watched->ready(ready);
+    }
+
+    void PushDue() {
+        const TimePoint now = Now();
+        while (!due_.empty() && due_.begin()->first <= now) {
+            const std::uint64_t id = due_.begin()->second;
+            due_.erase(due_.begin());
+            Push(Event::Kind::Timer, id, {});
+        }
+        SetAlarm();
+    }
+
+    void SetAlarm() {
+        if (due_.empty())
+            alarm_.stop();
+        else
+            alarm_.start(UntilThen(due_.begin()->first), Qt::PreciseTimer, this);
+    }
+
+    std::map<std::uint64_t, std::shared_ptr<Watched>> watches_;
+    std::map<std::uint64_t, Timed> timers_;
+    std::set<std::pair<TimePoint, std::uint64_t>> due_;  // of those timers that are not in the queue
+    std::uint64_t last_id_ = 0;
+    QBasicTimer pump_;
+    QBasicTimer alarm_;
+    bool holding_ = false;
+    std::atomic<bool> quitting_{false};
+    std::atomic<bool> closed_{false};
+
+    std::mutex mutex_;  // what follows, for Post from other threads
+    std::deque<Event> events_;
+    std::uint64_t last_sequence_ = 0;
+    bool pump_on_its_way_ = false;
+};
+
+class QtEventLoop final : public EventLoop {
+ public:
+    ~QtEventLoop() override { state_->Close(); }
+
+    TimePoint Now() const override { return kq::Now(); }
+    void Post(Task task) override { state_->Post(std::move(task)); }
+    TimerId StartTimer(Milliseconds delay, Task task) override {
+        return state_->StartTimer(delay, std::move(task));
+    }
+    void CancelTimer(TimerId id) override { state_->CancelTimer(id); }
+    WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) override {
+        return state_->Watch(socket, wanted, std::move(ready));
+    }
+    void ChangeWatch(WatchId id, Readiness wanted) override { state_->ChangeWatch(id, wanted); }
+    void Unwatch(WatchId id) override { state_->Unwatch(id); }
+    void ProcessPending() override { state_->ProcessPending(); }
+    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) override {
+        return state_->RunUntil(done, deadline);
+    }
+    void Run() override {
+        state_->RunUntil([] { return false; }, TimePoint::max());
+    }
+    void Quit() override { state_->Quit(); }
+    bool Quitting() const override { return state_->Quitting(); }
+
+ private:
+    const std::shared_ptr<LoopState> state_ = std::make_shared<LoopState>();
+};
+
+}  // namespace
+
+std::shared_ptr<EventLoop> MakeQtEventLoop() {
+    return std::make_shared<QtEventLoop>();
+}
+
+}  // namespace kq

@@ -1,0 +1,286 @@
+// Events go to the form as they come. While one is being handled the form may let the window go, so the
+// window is deleted only after the outermost of them has returned.
+#include "platform/qt/QtFormWindow.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPointer>
+#include <QPushButton>
+#include <QWindow>
+#include <algorithm>
+#include <cmath>
+
+#include "platform/AccessKeys.h"
+#include "platform/qt/QtIcon.h"
+#include "platform/qt/QtScreen.h"
+#include "platform/qt/QtText.h"
+
+namespace kq {
+namespace {
+
+constexpr double kTwipsPerInch = 1440;
+
+// What was typed is left nowhere but in the box and in the secret.
+Secret TypedIn(const QLineEdit& box) {
+    QByteArray typed = box.text().toUtf8();
+    Secret secret(std::string_view(typed.constData(), static_cast<std::size_t>(typed.size())));
+    WipeMemory(typed.data(), static_cast<std::size_t>(typed.size()));
+    return secret;
+}
+
+int SelectedRow(const QListWidget& list) {
+    const auto selected = list.selectedItems();
+    return selected.isEmpty() ? -1 : list.row(selected.first());
+}
+
+}  // namespace
+
+QtFormWindow::QtFormWindow(Form& form, std::shared_ptr<QtScreen> screen)
+    : form_(form.weak_from_this()), screen_(std::move(screen)) {
+    setObjectName(ToQt(form.Name()));
+    // Closing the last of a program's dialogs is no reason for the program to end.
+    setAttribute(Qt::WA_QuitOnClose, false);
+    for (const auto& control : form.Controls()) {
+        const Control* const frame = form.Find(control.Row().frame);
+        QWidget* const widget = MakeWidget(control, frame ? *widgets_.at(frame) : *this);
+        if (!widget) continue;
+        widget->setObjectName(ToQt(control.Name()));
+        widgets_.emplace(&control, widget);
+    }
+    for (const auto& [control, widget] : widgets_) {
+        const Control* const buddy = form.Find(control->Row().buddy);
+        if (auto* const label = qobject_cast<QLabel*>(widget); label && buddy)
+            label->setBuddy(widgets_.at(buddy));
+        if (auto* const button = qobject_cast<QPushButton*>(widget)) {
+            button->setAutoDefault(form.DefaultButton() != nullptr);
+            button->setDefault(control == form.DefaultButton());
+        }
+    }
+    layout_.emplace(*this, form, widgets_);
+    for (const auto& [control, widget] : widgets_) {
+        using enum ControlChange;
+        for (const auto change : {Text, Enabled, Checked, Items, SelectedItem, Progress})
+            ShowState(*control, *widget, change);
+        Connect(*control, *widget);
+    }
+    Draw(FormChange::Icon);
+    DrawTexts(form);
+    DrawDrawn(form);
+}
+
+QtFormWindow::~QtFormWindow() {
+    screen_->Remove(*this);
+}
+
+void QtFormWindow::LetGo() {
+    hide();
+    let_go_ = true;
+    form_.reset();
+    for (const auto& [control, widget] : widgets_) {
+        if (auto* const box = qobject_cast<QLineEdit*>(widget)) box->clear();
+    }
+    widgets_.clear();
+    if (reporting_ == 0) deleteLater();
+}
+
+// --- What the user does
+
+void QtFormWindow::Report(const std::function<void(Form&)>& event) {
+    const auto form = form_.lock();
+    if (!form) return;
+    ++reporting_;
+    event(*form);
+    --reporting_;
+    if (let_go_ && reporting_ == 0) deleteLater();
+}
+
+void QtFormWindow::Connect(const Control& control, QWidget& widget) {
+    widget.installEventFilter(this);
+    const Control* const which = &control;
+    if (auto* const box = qobject_cast<QLineEdit*>(&widget)) {
+        connect(box, &QLineEdit::textEdited, this, [this, which] { ReportTyping(*which); });
+    } else if (auto* const check_box = qobject_cast<QCheckBox*>(&widget)) {
+        connect(check_box, &QCheckBox::clicked, this,
+                [this, which](bool on) { Report([&](Form& form) { form.Toggle(*which, on); }); });
+    } else if (auto* const button = qobject_cast<QPushButton*>(&widget)) {
+        connect(button, &QPushButton::clicked, this,
+                [this, which] { Report([&](Form& form) { form.Click(*which); }); });
+    } else if (auto* const list = qobject_cast<QListWidget*>(&widget)) {
+        connect(list, &QListWidget::itemSelectionChanged, this, [this, which, list] {
+            Report([&](Form& form) { form.Select(*which, SelectedRow(*list)); });
+        });
+    }
+}
+
+void QtFormWindow::ReportTyping(const Control& control) {
+    const auto* const box = qobject_cast<QLineEdit*>(widgets_.at(&control));
+    Report([&](Form& form) {
+        if (control.Kind() == ControlKind::MaskedBox)
+            form.Type(control, TypedIn(*box));
+        else
+            form.Type(control, FromQt(box->text()), SelectionIn(*box));
+    });
+}
+
+const Control* QtFormWindow::ControlOf(const QObject* widget) const {
+    const auto found = std::ranges::find(widgets_, widget, &Widgets::value_type::second);
+    return found == widgets_.end() ? nullptr : found->first;
+}
+
+bool QtFormWindow::eventFilter(QObject* object, QEvent* event) {
+    const Control* const control = ControlOf(object);
+    if (!control) return QDialog::eventFilter(object, event);
+    if (event->type() == QEvent::FocusIn && control->TakesFocus()) {
+        const QPointer<QWidget> widget = qobject_cast<QWidget*>(object);
+        object->event(event);
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason == Qt::PopupFocusReason) return true;
+        Report([&](Form& form) {
+            form.GotFocus(*control);
+            // Whole texts are selected again, though the form did not hear that the caret had moved since.
+            auto* const box = qobject_cast<QLineEdit*>(widget.data());
+            if (box && !let_go_ && control->Selection().length != 0) Select(*box, control->Selection());
+        });
+        return true;
+    }
+    return ActivatesItem(*event, *control) || QDialog::eventFilter(object, event);
+}
+
+// Enter on a list is the item's; the window would take it for its default button, too.
+bool QtFormWindow::ActivatesItem(const QEvent& event, const Control& control) {
+    auto* const list = qobject_cast<QListWidget*>(widgets_.at(&control));
+    if (!list || event.type() != QEvent::KeyPress) return false;
+    const int key = static_cast<const QKeyEvent&>(event).key();
+    const int row = SelectedRow(*list);
+    if (row < 0 || (key != Qt::Key_Return && key != Qt::Key_Enter)) return false;
+    Report([&](Form& form) { form.ActivateItem(control, row); });
+    return true;
+}
+
+void QtFormWindow::reject() {
+    Report([](Form& form) { form.EscapePressed(); });
+}
+
+void QtFormWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();  // what becomes of the window is the form's decision
+    Report([](Form& form) { form.CloseAsked(); });
+}
+
+bool QtFormWindow::event(QEvent* event) {
+    const bool activated = event->type() == QEvent::WindowActivate;
+    const bool handled = QDialog::event(event);
+    if (activated) Report([](Form& form) { form.Activated(); });
+    return handled;
+}
+
+void QtFormWindow::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    const bool sizes = event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange;
+    const auto form = form_.lock();
+    if (sizes && form && layout_) Fit(*form);
+}
+
+// --- What the form shows
+
+void QtFormWindow::Draw(const Control& control, ControlChange change) {
+    const auto form = form_.lock();
+    const auto found = widgets_.find(&control);
+    if (!form || found == widgets_.end()) return;
+    ShowState(control, *found->second, change);
+    const bool typed = control.Kind() == ControlKind::TextBox || control.Kind() == ControlKind::MaskedBox;
+    if (change == ControlChange::Visible) DrawDrawn(*form);
+    if (change == ControlChange::Text && !typed) DrawTexts(*form);
+}
+
+void QtFormWindow::Draw(FormChange change) {
+    const auto form = form_.lock();
+    if (!form) return;
+    switch (change) {
+        case FormChange::Caption:
+            DrawTexts(*form);
+            break;
+        case FormChange::Icon:
+            setWindowIcon(ToQtIcon(form->FormIcon()));
+            break;
+        case FormChange::Height:
+            DrawDrawn(*form);
+            break;
+        case FormChange::Visible:
+            ShowOrHide(*form);
+            break;
+    }
+}
+
+void QtFormWindow::PutFocus(const Control& control) {
+    const auto found = widgets_.find(&control);
+    if (found != widgets_.end()) found->second->setFocus(Qt::OtherFocusReason);
+}
+
+void QtFormWindow::DrawTexts(const Form& form) {
+    setWindowTitle(ToQt(form.Caption()));
+    std::map<const Control*, std::size_t> keys;
+    for (const auto& key : AccessKeysOf(form))
+        keys[key.control] = key.place;
+    for (const auto& [control, widget] : widgets_) {
+        const auto key = keys.find(control);
+        ShowCaption(*control, *widget,
+                    ToQt(MarkAccessKey(control->Text(), key == keys.end() ? kNoAccessKey : key->second)));
+        if (const QString name = AccessibleNameOf(form, *control); !name.isEmpty())
+            widget->setAccessibleName(name);
+    }
+    Fit(form);
+}
+
+// Which controls are drawn decides about access keys and size, too.
+void QtFormWindow::DrawDrawn(const Form& form) {
+    for (const auto& [control, widget] : widgets_)
+        widget->setVisible(form.Drawn(*control));
+    DrawTexts(form);
+}
+
+void QtFormWindow::Fit(const Form& form) {
+    const QSize needed = layout_->NeededSize();
+    const QSize size(needed.width(), std::max(needed.height(), LeastHeight(form)));
+    const bool has_list = std::ranges::any_of(form.Controls(), [&](const Control& control) {
+        return control.Kind() == ControlKind::ListView && form.Drawn(control);
+    });
+    if (has_list) {  // more room is more items
+        setMinimumSize(size);
+        resize(this->size().expandedTo(size));
+    } else {
+        setFixedSize(size);
+    }
+}
+
+// A height is asked for in twips, and for the outer edges. Controls that need more get more.
+int QtFormWindow::LeastHeight(const Form& form) const {
+    if (form.Height().rule != FormHeight::Rule::Outer) return 0;
+    const double outer = std::round(form.Height().twips / kTwipsPerInch * logicalDpiY());
+    const QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
+    return static_cast<int>(outer) - frame.top() - frame.bottom();
+}
+
+void QtFormWindow::ShowOrHide(const Form& form) {
+    if (!form.Visible()) {
+        const bool active = isActiveWindow();
+        hide();
+        if (active) screen_->Activate(owner_);
+        return;
+    }
+    if (!isVisible()) {
+        setWindowModality(form.Modal() ? Qt::ApplicationModal : Qt::NonModal);
+        setWindowFlag(Qt::WindowStaysOnTopHint, !form.Modal());
+        setWindowFlag(Qt::WindowDoesNotAcceptFocus, !form.Modal());
+        setAttribute(Qt::WA_ShowWithoutActivating, !form.Modal());
+        owner_ = form.Modal() ? screen_->OwnerOf(form) : nullptr;
+    }
+    screen_->Present(*this, owner_, form.Modal() ? nullptr : &form);
+    layout_->SetTabOrder(form, widgets_);
+    Fit(form);  // how thick the system's frame is, is known by now
+}
+
+}  // namespace kq

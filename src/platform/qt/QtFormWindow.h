@@ -1,0 +1,58 @@
+// The window of one form. It lives until the toolkit has done with it, which may be after the form has let it
+// go.
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "platform/qt/QtFormLayout.h"
+#include "platform/qt/QtWidgets.h"
+
+namespace kq {
+
+class QtScreen;
+
+class QtFormWindow final : public QDialog {
+ public:
+    QtFormWindow(Form& form, std::shared_ptr<QtScreen> screen);
+    ~QtFormWindow() override;
+
+    void Draw(const Control& control, ControlChange change);
+    void Draw(FormChange change);
+    void PutFocus(const Control& control);
+    // The form is done with the window: hidden at once, gone when nothing of it is running.
+    void LetGo();
+
+    void reject() override;
+
+ protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+ private:
+    // Tells the form something, if it is still there.
+    void Report(const std::function<void(Form&)>& event);
+    void Connect(const Control& control, QWidget& widget);
+    void ReportTyping(const Control& control);
+    bool ActivatesItem(const QEvent& event, const Control& control);
+    const Control* ControlOf(const QObject* widget) const;
+    void ShowOrHide(const Form& form);
+    void DrawTexts(const Form& form);
+    void DrawDrawn(const Form& form);
+    void Fit(const Form& form);
+    int LeastHeight(const Form& form) const;
+
+    std::weak_ptr<Form> form_;
+    std::shared_ptr<QtScreen> screen_;
+    Widgets widgets_;
+    std::optional<QtFormLayout> layout_;
+    QWidget* owner_ = nullptr;  // compared only
+    int reporting_ = 0;
+    bool let_go_ = false;
+};
+
+}  // namespace kq

@@ -1,0 +1,26 @@
+#include <QApplication>
+
+#include <kqappsession/Error.h>
+#include <kqappsession/QtPlatform.h>
+
+#include "platform/qt/QtDialogHost.h"
+#include "platform/qt/QtEventLoop.h"
+#include "platform/qt/QtIcon.h"
+#include "platform/qt/QtText.h"
+
+namespace kq {
+
+PlatformPtr MakeQtPlatform() {
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+        Raise(RuntimeError::InvalidProcedureCall, "There is no QApplication yet");
+    auto bundle = std::make_shared<Platform>(*MakePlatform(MakeQtEventLoop()));
+    bundle->dialogs = MakeQtDialogHost(bundle->loop);
+    return bundle;
+}
+
+std::shared_ptr<const Icon> MakeQtIcon(const std::string& path) {
+    const QIcon icon(ToQt(path));
+    return icon.availableSizes().isEmpty() ? nullptr : std::make_shared<QtIcon>(icon);
+}
+
+}  // namespace kq

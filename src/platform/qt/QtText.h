@@ -1,0 +1,18 @@
+// Texts on their way between the library (UTF-8) and the toolkit.
+#pragma once
+
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace kq {
+
+inline QString ToQt(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+inline std::string FromQt(const QString& text) {
+    return text.toStdString();
+}
+
+}  // namespace kq
