@@ -120,8 +120,8 @@ class KQAppSessClient {
     // Sends the profiles to the login server. Empty or 0 arguments are filled from the settings file, and the
     // caller sees what was filled in. True when they were sent, false when an interactive user gave up.
     // kqaserrLoginBadAddr, kqaserrLoginNoConnect, RuntimeError::TypeMismatch for a stored time-out that is
-    // none, RuntimeError::ObjectNotSet without a session record, the errors of APClient::Request when no answer
-    // comes.
+    // none, RuntimeError::ObjectNotSet without a session record, the errors of APClient::Request when no
+    // answer comes.
     bool UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port, std::int32_t& time_out);
     void UpdateProfiles();  // interactive, login server from the settings file
     // Adds the profile in place of one of its name, then uploads all; the ASP variant never asks.
