@@ -1,0 +1,94 @@
+// What the system calls: the class factory, registration, and whether the DLL may go.
+#include <dispex.h>
+#include <initguid.h>  // here the identifiers of the system's and the library's interfaces get their place
+#include <ocidl.h>
+#include <olectl.h>
+#include <string_view>
+#include <windows.h>
+
+#include "automation/CoclassTable.h"
+#include "automation/Guard.h"
+#include "automation/Module.h"
+#include "automation/Registration.h"
+#include "automation/TypeLibraries.h"
+
+namespace kq::automation {
+namespace {
+
+class ClassFactory final : public IClassFactory {
+ public:
+    explicit ClassFactory(const CoclassEntry& entry) : entry_(entry) {}
+    virtual ~ClassFactory() = default;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+        if (!out) return E_POINTER;
+        *out = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
+        if (!*out) return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override {
+        return static_cast<ULONG>(InterlockedIncrement(&references_));
+    }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const LONG left = InterlockedDecrement(&references_);
+        if (left == 0) delete this;
+        return static_cast<ULONG>(left);
+    }
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
+        return Guard(iid, [&] {
+            Given(out) = nullptr;
+            if (outer) throw Failure(CLASS_E_NOAGGREGATION);
+            Check(entry_.make()->QueryInterface(iid, out));
+        });
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
+        LockModule(lock != FALSE);
+        return S_OK;
+    }
+
+ private:
+    const CoclassEntry& entry_;
+    LONG references_ = 1;
+    Living living_;
+};
+
+}  // namespace
+}  // namespace kq::automation
+
+using namespace kq::automation;
+
+STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** out) {
+    return Guard(iid, [&] {
+        Given(out) = nullptr;
+        for (const auto& entry : Coclasses()) {
+            if (entry.id != id) continue;
+            Check(Ptr<IClassFactory>::Attach(new ClassFactory(entry))->QueryInterface(iid, out));
+            return;
+        }
+        throw Failure(CLASS_E_CLASSNOTAVAILABLE);
+    });
+}
+
+STDAPI DllCanUnloadNow() {
+    if (!CanUnload()) return S_FALSE;
+    ForgetTypeLibraries();
+    return S_OK;
+}
+
+STDAPI DllRegisterServer() {
+    return Register(Scope::Machine);
+}
+
+STDAPI DllUnregisterServer() {
+    return Unregister(Scope::Machine);
+}
+
+// regsvr32 /n /i:user registers for the user alone; without a word it is for the machine.
+STDAPI DllInstall(BOOL install, LPCWSTR command) {
+    const std::wstring_view word = command ? command : L"";
+    if (word != L"" && word != L"user") return E_INVALIDARG;
+    const Scope scope = word == L"user" ? Scope::User : Scope::Machine;
+    return install ? Register(scope) : Unregister(scope);
+}

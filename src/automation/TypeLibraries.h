@@ -1,0 +1,22 @@
+// The type libraries inside this DLL, read from the DLL itself, so that nothing needs to be registered.
+#pragma once
+
+#include <oaidl.h>
+#include <string>
+
+#include "automation/Ptr.h"
+
+namespace kq::automation {
+
+inline constexpr int kTypeLibraries = 7;  // resources 1 to 7
+
+// The path by which the system finds library `number`.
+std::wstring TypeLibraryPath(int number);
+Ptr<ITypeLib> LoadTypeLibrary(int number);
+
+// The description of an interface or coclass of any of the libraries, null when there is none. Kept until
+// ForgetTypeLibraries.
+Ptr<ITypeInfo> TypeInfoOf(REFGUID id);
+void ForgetTypeLibraries() noexcept;
+
+}  // namespace kq::automation
