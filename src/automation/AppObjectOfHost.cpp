@@ -32,7 +32,7 @@ class AppObjectOfHost final : public AppObject {
         LPOLESTR names = wide.data();
         DISPID id = DISPID_UNKNOWN;
         if (SUCCEEDED(object_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id))) return id;
-        const auto by_expression = object_.As<IDispatchEx>(IID_IDispatchEx);
+        const auto by_expression = object_.As<IDispatchEx>();
         if (!by_expression) return std::nullopt;
         BSTR text = NewBSTR(name);
         const HRESULT found = by_expression->GetDispID(text, fdexNameCaseInsensitive, &id);

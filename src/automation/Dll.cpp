@@ -1,7 +1,4 @@
 // What the system calls: the class factory, registration, and whether the DLL may go.
-#include <dispex.h>
-#include <initguid.h>  // here the identifiers of the system's and the library's interfaces get their place
-#include <ocidl.h>
 #include <olectl.h>
 #include <string_view>
 #include <windows.h>
