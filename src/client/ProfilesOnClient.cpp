@@ -21,14 +21,14 @@ void FillFromSettings(const SessConfig& config, UploadTarget& target) {
     if (target.time_out == 0) target.time_out = TextToLong(config.Setting("TimeOut", ""));
 }
 
-XMLMessage UploadMessage(const ClientState& state) {
+// The request for the session, still without the profiles.
+ASProfilesUpdate UploadRequest(const KQAppSessionInfo& session) {
     ASProfilesUpdate request;
-    request.AppID = state.session_info->AppID();
-    request.LoginID = state.session_info->LoginID();
-    request.UserUID = TextOf(state.session_info->UserUID());
-    request.SessionID = state.session_info->SessionID();
-    request.Profiles = state.GetProfiles() ? state.GetProfiles()->ToXML() : Profiles().ToXML();
-    return request.Build();
+    request.AppID = session.AppID();
+    request.LoginID = session.LoginID();
+    request.UserUID = TextOf(session.UserUID());
+    request.SessionID = session.SessionID();
+    return request;
 }
 
 // Connects; the description of what went wrong, nothing when the connection stands.
@@ -41,10 +41,13 @@ std::optional<std::string> TryConnect(APClient& client, const UploadTarget& targ
     }
 }
 
-// What the login server answers is not looked into.
-void Send(APClient& client, const XMLMessage& message, std::int32_t time_out, const Procedure& procedure) {
+// Sends the profiles as they are by now: their events upload nothing while the procedure runs. What the login
+// server answers is not looked into.
+void Send(APClient& client, ASProfilesUpdate request, const std::shared_ptr<Profiles>& profiles,
+          std::int32_t time_out, const Procedure& procedure) {
     try {
-        client.Request(message, {}, time_out);
+        request.Profiles = profiles ? profiles->ToXML() : Profiles().ToXML();
+        client.Request(request.Build(), {}, time_out);
         client.Disconnect();
     } catch (const Error&) {
         client.Disconnect();
@@ -73,14 +76,14 @@ bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttenda
         state.texts.RaiseASError(kqaserrLoginBadAddr,
                                  {target.address, TextOf(target.port), TextOf(target.time_out)});
     }
-    const XMLMessage message = UploadMessage(state);
+    const ASProfilesUpdate request = UploadRequest(*state.session_info);
     for (;;) {
         attendant.ShowWait(kWaitUpdating);
         const auto client = state.NewLoginClient();
         const auto failure = TryConnect(*client, target);
         procedure.CheckTermination();
         if (!failure) {
-            Send(*client, message, target.time_out, procedure);
+            Send(*client, request, state.GetProfiles(), target.time_out, procedure);
             attendant.HideWait();
             return true;
         }

@@ -190,6 +190,14 @@ TEST_F(ProfilesOnClientTest, AProcedureInsideAnUploadRaisesInvalidProcedureCall)
     EXPECT_EQ(inner, NumberOf(RuntimeError::InvalidProcedureCall));
 }
 
+TEST_F(ProfilesOnClientTest, AProfileAddedByTheHostWhileTheUploadConnectsTravelsWithIt) {
+    machine.loop->Post([this] { client->Profiles()->Add(std::make_shared<Profile>("Third")); });
+    EXPECT_TRUE(Upload());
+    Profiles received;
+    received.LoadXML(zeb.Latest(FakeZeb::kUpload).Field("Profiles"));
+    EXPECT_TRUE(received.Exists("Third"));
+}
+
 TEST_F(ProfilesOnClientTest, AProfileAddedByTheHostInsideAProcedureIsNotUploaded) {
     zeb.Once(FakeZeb::kUpload, [this](ScriptedPeer::Link& link, const XMLMessage&) {
         client->Profiles()->Add(std::make_shared<Profile>("Third"));
