@@ -109,18 +109,15 @@ void ClientState::Pause(float seconds) {
     }
 }
 
-Procedure::Procedure(ClientState& state)
-    : state_(state), terminations_(state.Terminations()), was_busy_(state.busy) {
-    if (state_.procedure_runs_) {
+Procedure::Procedure(ClientState& state) : state_(state), terminations_(state.Terminations()) {
+    if (state_.busy) {
         Raise(RuntimeError::InvalidProcedureCall, "A login procedure of this client is running already");
     }
-    state_.procedure_runs_ = true;
     state_.busy = true;
 }
 
 Procedure::~Procedure() {
-    state_.busy = was_busy_;
-    state_.procedure_runs_ = false;
+    state_.busy = false;
 }
 
 void Procedure::CheckTermination() const {

@@ -24,7 +24,8 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     const modASMsg texts;
 
     std::optional<SessConfig> config;  // none before the application identifier is known
-    bool busy = false;                 // holds back uploads by events of the profile collection
+    // A procedure runs: no other may start, and events of the profile collection upload nothing.
+    bool busy = false;
     bool use_profiles = true;
     std::shared_ptr<TranslationTable> translation_table;
     std::shared_ptr<Profile> current_profile;
@@ -64,8 +65,6 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     void Pause(float seconds);
 
  private:
-    friend class Procedure;
-
     float TimeOfDay() const;
 
     std::shared_ptr<Profiles> profiles_;
@@ -73,7 +72,6 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     std::shared_ptr<APClient> session_client_;
     std::shared_ptr<APClient> ending_session_client_;  // of Terminate, until its end is heard
     std::uint32_t terminations_ = 0;
-    bool procedure_runs_ = false;
     Owner profiles_owner_;
     Owner session_owner_;
 };
@@ -94,7 +92,6 @@ class Procedure {
  private:
     ClientState& state_;
     std::uint32_t terminations_;
-    bool was_busy_;
 };
 
 }  // namespace kq
