@@ -21,6 +21,7 @@ MAY_USE = {
     "platform/posix": GROUND,
     "platform/win32": GROUND,
     "platform/qt": GROUND,
+    "platform/tty": GROUND,
     "libs/xmltext": GROUND,
     "libs/xmlmessage": GROUND | {"libs/xmltext"},
     "libs/webdata": GROUND | {"libs/xmltext"},
@@ -47,6 +48,7 @@ PUBLIC_ONLY = {("zeb", "client"), ("zeb", "server"), ("tools", "client"), ("tool
 PUBLIC_HEADERS = {
     "Error": "base", "Signal": "base", "Secret": "base", "AppObject": "base",
     "EventLoop": "platform", "Platform": "platform", "AsioEventLoop": "platform", "QtPlatform": "platform/qt",
+    "TtyPlatform": "platform/tty",
     "XMLMessage": "libs/xmlmessage", "WebData": "libs/webdata", "Statistics": "libs/statistics",
     "Timer": "libs/timer", "APClient": "libs/appprotocol", "Listener": "libs/appprotocol",
     "XMLBusClient": "libs/xmlbus", "KQAppSessErrorEnum": "messages", "KQAppSessionInfo": "sessioninfo",

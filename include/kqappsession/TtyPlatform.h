@@ -1,0 +1,30 @@
+// For programs without windows that ask their user on a terminal, over a remote shell too:
+//
+//   kq::KQAppSessClient client(kq::MakeTtyPlatform());
+//   client.SystemLogin(true, login);   // asks on the terminal
+//
+// A dialog's boxes are asked one after the other, passwords without echo; then its buttons are offered by
+// number. As long as a button leaves the dialog open it is asked again from the start. An empty answer keeps
+// what is there, for buttons the default one; a single blank empties a text box. The interrupt key and the
+// end of the input are Cancel. What a login waits for, and how far a download is, are told in lines.
+// Connections and timers are served meanwhile.
+//
+// While a question waits the terminal is in a mode of its own; the mode before comes back with every answer,
+// when the program exits or an exception passes, and when a signal ends or stops it that would do so by
+// default.
+#pragma once
+
+#include <memory>
+
+#include <kqappsession/Platform.h>
+
+namespace kq {
+
+// The bundle of this machine with dialogs on a terminal: `input` and `output` are open files, by default
+// standard input and standard error; they stay the caller's. The input need not be a terminal: a file or pipe
+// gives its lines as answers. Where nobody sees the questions, because they cannot be written or are asked of
+// a terminal but written elsewhere, each of them is answered by Cancel.
+// `loop`: the host's own, null for a new one.
+PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop = nullptr, int input = 0, int output = 2);
+
+}  // namespace kq

@@ -1,0 +1,188 @@
+// The loop watches the input through an epoll of its own: a watched file is made non-blocking, and a terminal
+// shares that with the program's output and with the shell that started it.
+#include <cerrno>
+#include <optional>
+#include <poll.h>
+#include <string>
+#include <sys/epoll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+#include <utility>
+
+#include "platform/Terminal.h"
+#include "platform/posix/TerminalMode.h"
+
+namespace kq {
+namespace {
+
+// Of a line; no terminal lets anybody type more than that.
+constexpr std::size_t kLongest = 65'536;
+
+class PosixTerminal final : public Terminal {
+ public:
+    PosixTerminal(std::shared_ptr<EventLoop> loop, int input, int output)
+        : loop_(std::move(loop)),
+          input_(input),
+          output_(output),
+          typed_by_hand_(::isatty(input) != 0),
+          rewrites_(::isatty(output) != 0) {}
+    PosixTerminal(const PosixTerminal&) = delete;
+    PosixTerminal& operator=(const PosixTerminal&) = delete;
+    ~PosixTerminal() override { Wipe(buffer_); }
+
+    std::size_t Width() const override {
+        winsize size{};
+        return ::ioctl(output_, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+    }
+
+    bool Rewrites() const override { return rewrites_; }
+
+    void Write(std::string_view text) override {
+        while (!text.empty() && !unseen_) {
+            const ssize_t count = ::write(output_, text.data(), text.size());
+            if (count > 0) {
+                text.remove_prefix(static_cast<std::size_t>(count));
+            } else if (errno == EAGAIN) {
+                pollfd room{output_, POLLOUT, 0};
+                ::poll(&room, 1, -1);
+            } else if (errno != EINTR) {
+                unseen_ = true;
+            }
+        }
+    }
+
+    Answer ReadLine(bool echo, const std::function<bool()>& stop) override {
+        if (unseen_ || (typed_by_hand_ && !rewrites_)) return {End::GivenUp, {}};
+        // Answers that are there already would be taken without the loop's ever coming to run.
+        loop_->ProcessPending();
+        const TerminalMode mode(input_, echo);
+        const Listening listening(*this);
+        std::optional<Answer> answer;
+        if (!loop_->Quitting()) {
+            const auto done = [&] { return stop() || (answer = TakeLine(mode.InterruptKey())); };
+            loop_->RunUntil(done, EventLoop::TimePoint::max());
+        }
+        if (!answer) return {End::Stopped, {}};
+        // A terminal has shown the line's end itself when that was typed and seen.
+        if (!echo || !typed_by_hand_ || answer->end == End::GivenUp) Write("\n");
+        return std::move(*answer);
+    }
+
+ private:
+    // The input is watched while anybody reads.
+    class Listening {
+     public:
+        explicit Listening(PosixTerminal& terminal) : terminal_(terminal) {
+            if (terminal_.readers_++ == 0) terminal_.Listen();
+        }
+        Listening(const Listening&) = delete;
+        Listening& operator=(const Listening&) = delete;
+        ~Listening() {
+            if (--terminal_.readers_ == 0) terminal_.Unlisten();
+        }
+
+     private:
+        PosixTerminal& terminal_;
+    };
+
+    void Listen() {
+        if (ended_) return;
+        epoll_event wanted{};
+        wanted.events = EPOLLIN;
+        epoll_ = ::epoll_create1(EPOLL_CLOEXEC);
+        if (epoll_ >= 0 && ::epoll_ctl(epoll_, EPOLL_CTL_ADD, input_, &wanted) == 0)
+            watch_ = loop_->Watch(epoll_, {true, false}, [this](EventLoop::Readiness) { Read(); });
+    }
+
+    void Unlisten() {
+        if (watch_ != 0) loop_->Unwatch(std::exchange(watch_, 0));
+        if (epoll_ >= 0) ::close(std::exchange(epoll_, -1));
+    }
+
+    void Read() {
+        char bytes[4096];
+        const ssize_t count = ::read(input_, bytes, sizeof bytes);
+        if (count > 0) {
+            Append({bytes, static_cast<std::size_t>(count)});
+            WipeMemory(bytes, static_cast<std::size_t>(count));
+        } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
+            End();
+        }
+    }
+
+    void End() {
+        ended_ = true;
+        if (watch_ != 0) loop_->ChangeWatch(watch_, {});
+    }
+
+    void Append(std::string_view bytes) {
+        std::string longer;
+        longer.reserve(buffer_.size() + bytes.size());
+        longer.append(buffer_).append(bytes);
+        Wipe(buffer_);
+        buffer_ = std::move(longer);
+    }
+
+    // A file can always be read and never be waited for.
+    std::size_t FindEnd(const std::string& ends) {
+        std::size_t end = buffer_.find_first_of(ends);
+        while (end == std::string::npos && watch_ == 0 && !ended_ && buffer_.size() <= kLongest) {
+            Read();
+            end = buffer_.find_first_of(ends);
+        }
+        if (end == std::string::npos && buffer_.size() > kLongest) {
+            Wipe(buffer_);
+            End();
+        }
+        return end;
+    }
+
+    std::optional<Answer> TakeLine(std::optional<char> interrupt_key) {
+        std::string ends = "\n";
+        if (interrupt_key) ends += *interrupt_key;
+        const std::size_t end = FindEnd(ends);
+        if (end == std::string::npos) return ended_ ? std::optional(TakeRest()) : std::nullopt;
+        Answer answer{End::Line, {}};
+        if (buffer_[end] == '\n') {
+            std::string_view line = std::string_view(buffer_).substr(0, end);
+            if (line.ends_with('\r')) line.remove_suffix(1);
+            answer.line = Secret(line);
+        } else {
+            answer.end = End::GivenUp;
+        }
+        std::string rest = buffer_.substr(end + 1);
+        Wipe(buffer_);
+        buffer_ = std::move(rest);
+        return answer;
+    }
+
+    // A terminal's user may go on after the end; a file's end, and a terminal that has gone, stay.
+    Answer TakeRest() {
+        if (watch_ != 0 && ::isatty(input_) != 0) {
+            ended_ = false;
+            loop_->ChangeWatch(watch_, {true, false});
+        }
+        if (buffer_.empty()) return {End::GivenUp, {}};
+        return {End::Line, Secret(std::exchange(buffer_, {}))};
+    }
+
+    std::shared_ptr<EventLoop> loop_;
+    const int input_;
+    const int output_;
+    const bool typed_by_hand_;
+    const bool rewrites_;
+    bool unseen_ = false;  // what is written does not arrive
+    std::string buffer_;   // typed and not yet taken
+    bool ended_ = false;
+    int readers_ = 0;
+    int epoll_ = -1;
+    EventLoop::WatchId watch_ = 0;  // 0 while reading: the input cannot be waited for
+};
+
+}  // namespace
+
+std::shared_ptr<Terminal> MakeTerminal(std::shared_ptr<EventLoop> loop, int input, int output) {
+    return std::make_shared<PosixTerminal>(std::move(loop), input, output);
+}
+
+}  // namespace kq

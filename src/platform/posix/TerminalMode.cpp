@@ -1,0 +1,128 @@
+// One terminal is guarded against the program's end, the one whose mode was changed first: a process has no
+// second one that somebody sits at. Signals that the program ignores or handles itself are left alone.
+#include "platform/posix/TerminalMode.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace kq {
+namespace {
+
+constexpr char kUsualInterruptKey = 3;
+
+constexpr std::array kEnding{SIGHUP,  SIGINT,  SIGQUIT, SIGILL,  SIGABRT, SIGBUS,  SIGFPE,  SIGUSR1,
+                             SIGSEGV, SIGUSR2, SIGPIPE, SIGALRM, SIGTERM, SIGXCPU, SIGXFSZ, SIGVTALRM};
+
+// What the handlers may touch. Written while `on` is 0.
+struct Guard {
+    volatile std::sig_atomic_t on = 0;
+    int terminal = -1;
+    termios before{};
+    termios meanwhile{};
+};
+Guard guard;
+
+// Waits for no output: the terminal may be gone. In the background the terminal has the mode of somebody
+// else.
+void Restore(int terminal, const termios& mode) {
+    const pid_t in_front = ::tcgetpgrp(terminal);
+    if (in_front >= 0 && in_front != ::getpgrp()) return;
+    ::tcsetattr(terminal, TCSANOW, &mode);
+}
+
+void RestoreGuarded() {
+    if (guard.on != 0) Restore(guard.terminal, guard.before);
+}
+
+void Handle(int signal, void (*handler)(int), int flags) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = flags;
+    ::sigaction(signal, &action, nullptr);
+}
+
+// The default action comes after the handler has returned.
+void OnEnd(int signal) {
+    RestoreGuarded();
+    ::raise(signal);
+}
+
+// Stops in here, and goes on in here.
+void OnStop(int signal) {
+    const int error = errno;
+    RestoreGuarded();
+    Handle(signal, SIG_DFL, 0);
+    sigset_t one;
+    sigset_t blocked;
+    sigemptyset(&one);
+    sigaddset(&one, signal);
+    ::raise(signal);
+    ::pthread_sigmask(SIG_UNBLOCK, &one, &blocked);
+    ::pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
+    Handle(signal, OnStop, SA_RESTART);
+    if (guard.on != 0) ::tcsetattr(guard.terminal, TCSANOW, &guard.meanwhile);
+    errno = error;
+}
+
+void HandleWhereDefault(int signal, void (*handler)(int), int flags) {
+    struct sigaction present {};
+    if (::sigaction(signal, nullptr, &present) != 0) return;
+    const bool asks_for_more = (present.sa_flags & SA_SIGINFO) != 0;
+    if (!asks_for_more && present.sa_handler == SIG_DFL) Handle(signal, handler, flags);
+}
+
+void LetGo(int signal, void (*handler)(int)) {
+    struct sigaction present {};
+    if (::sigaction(signal, nullptr, &present) != 0) return;
+    const bool asks_for_more = (present.sa_flags & SA_SIGINFO) != 0;
+    if (!asks_for_more && present.sa_handler == handler) Handle(signal, SIG_DFL, 0);
+}
+
+void BeginGuard(int terminal, const termios& before, const termios& meanwhile) {
+    static const int at_exit = std::atexit(RestoreGuarded);
+    static_cast<void>(at_exit);
+    guard.terminal = terminal;
+    guard.before = before;
+    guard.meanwhile = meanwhile;
+    guard.on = 1;
+    for (const int signal : kEnding)
+        HandleWhereDefault(signal, OnEnd, static_cast<int>(SA_RESETHAND));
+    HandleWhereDefault(SIGTSTP, OnStop, SA_RESTART);
+}
+
+void EndGuard() {
+    guard.on = 0;
+    for (const int signal : kEnding)
+        LetGo(signal, OnEnd);
+    LetGo(SIGTSTP, OnStop);
+}
+
+}  // namespace
+
+TerminalMode::TerminalMode(int terminal, bool echo) : terminal_(terminal) {
+    if (::tcgetattr(terminal_, &before_) != 0) return;
+    const bool has_key = before_.c_cc[VINTR] != _POSIX_VDISABLE;
+    interrupt_key_ = has_key ? static_cast<char>(before_.c_cc[VINTR]) : kUsualInterruptKey;
+    termios mode = before_;
+    mode.c_iflag &= ~static_cast<tcflag_t>(IGNCR | INLCR);
+    mode.c_iflag |= ICRNL;
+    mode.c_lflag &= ~static_cast<tcflag_t>(ISIG | ECHO | ECHONL);
+    mode.c_lflag |= ICANON;
+    if (echo) mode.c_lflag |= ECHO;
+    mode.c_cc[VEOL] = static_cast<cc_t>(*interrupt_key_);
+    if (guard.on == 0) {
+        BeginGuard(terminal_, before_, mode);
+        guarded_ = true;
+    }
+    ::tcsetattr(terminal_, TCSADRAIN, &mode);
+}
+
+TerminalMode::~TerminalMode() {
+    if (interrupt_key_) Restore(terminal_, before_);
+    if (guarded_) EndGuard();
+}
+
+}  // namespace kq

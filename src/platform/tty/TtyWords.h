@@ -1,0 +1,18 @@
+// The few words that a terminal shows and no text table has: what a system writes on its own boxes.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace kq {
+
+struct TtyWords {
+    std::string_view ok, cancel, yes, no;
+    std::string_view replace;  // asks whether to replace a file, whose path stands before it
+};
+
+// In the language that the text tables have for a locale identifier: whose texts are English, for want of a
+// table of its own, reads English on the buttons, too.
+const TtyWords& TtyWordsOf(std::int32_t locale);
+
+}  // namespace kq
