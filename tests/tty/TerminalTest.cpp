@@ -48,10 +48,17 @@ class RealTerminal : public testing::Test {
     Terminal::Answer Read(bool echo) {
         return terminal_->ReadLine(echo, [] { return false; });
     }
-    std::string Screen() {
-        char bytes[1000];
-        const ssize_t count = ::read(person_, bytes, sizeof bytes);
-        return {bytes, count > 0 ? static_cast<std::size_t>(count) : 0};
+    // What is on the screen up to this text; a terminal gives it in pieces.
+    std::string ScreenUpTo(const std::string& end) {
+        std::string screen;
+        pollfd more{person_, POLLIN, 0};
+        while (!screen.ends_with(end) && ::poll(&more, 1, static_cast<int>(kPatience.count())) == 1) {
+            char bytes[1000];
+            const ssize_t count = ::read(person_, bytes, sizeof bytes);
+            if (count <= 0) break;
+            screen.append(bytes, static_cast<std::size_t>(count));
+        }
+        return screen;
     }
     tcflag_t Mode() {
         termios mode{};
@@ -77,7 +84,7 @@ TEST_F(RealTerminal, ShowsWhatIsTypedOnlyWithEcho) {
     TypeWhenAsked("hidden\n");
     EXPECT_EQ(Read(false).line.Reveal(), "hidden");
     terminal_->Write("end");
-    EXPECT_EQ(Screen(), "seen\r\n\r\nend");
+    EXPECT_EQ(ScreenUpTo("end"), "seen\r\n\r\nend");
 }
 
 TEST_F(RealTerminal, TakesTheInterruptKeyAsGivingUp) {
