@@ -14,6 +14,7 @@ namespace kq {
 namespace {
 
 constexpr int kWrapWidth = 60;  // average characters, from where on a label is broken into lines
+constexpr int kWrapLeast = 44;  // the least that lines are made when a label is broken evenly
 constexpr int kBoxWidth = 28;   // average characters, the least for a box
 
 enum Column { kLabels, kBoxes, kBehind };
@@ -77,6 +78,13 @@ QHBoxLayout* ButtonRow(const Form& form, const Cells& buttons, const Widgets& wi
     return row;
 }
 
+// One line, or lines of about the same length, so that no word is left alone.
+int WidthOf(const QLabel& label, int character) {
+    const int whole = label.fontMetrics().boundingRect(label.text()).width() + character;
+    const int lines = (whole - 1) / (kWrapWidth * character) + 1;
+    return lines == 1 ? whole : std::max(whole / lines + 6 * character, kWrapLeast * character);
+}
+
 }  // namespace
 
 QtFormLayout::QtFormLayout(QWidget& window, const Form& form, const Widgets& widgets) : window_(window) {
@@ -95,6 +103,7 @@ void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_vi
         if (IsLabelledRow(cells)) behind = std::max(behind, cells.size() - 2);
     }
     const int columns = kBehind + static_cast<int>(behind);
+    const int all_columns = columns + (rows.side.empty() ? 0 : 1);
     grid->setColumnStretch(kBoxes, 1);
     int side_row = -1;
     int row = -1;
@@ -102,7 +111,7 @@ void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_vi
         ++row;
         if (cells.empty()) {
             grid->addLayout(ButtonRow(form, rows.buttons, widgets, *container.style()), row, 0, 1,
-                            columns + 1);
+                            all_columns);
             continue;
         }
         QWidget& first = *widgets.at(cells[0]);
@@ -141,19 +150,23 @@ void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_vi
 
 QSize QtFormLayout::NeededSize() {
     const int character = window_.fontMetrics().averageCharWidth();
-    for (auto* const label : wrapped_) {
-        label->setMinimumWidth(0);
-        const int line = label->fontMetrics().boundingRect(label->text()).width() + character;
-        label->setMinimumWidth(std::min(line, kWrapWidth * character));
-    }
+    for (auto* const label : wrapped_)
+        label->setMinimumWidth(WidthOf(*label, character));
     int widest = 0;
     for (const auto* const label : beside_boxes_)
         widest = std::max(widest, label->sizeHint().width());
     for (auto* const grid : grids_) {
         if (!beside_boxes_.empty()) grid->setColumnMinimumWidth(kLabels, widest);
         if (!beside_boxes_.empty()) grid->setColumnMinimumWidth(kBoxes, kBoxWidth * character);
-        grid->invalidate();
+        const int line = window_.fontMetrics().height();
+        grid->setSpacing(line * 3 / 5);
+        if (grid == grids_.front()) grid->setContentsMargins(line, line * 4 / 5, line, line * 4 / 5);
     }
+    // A text that has just changed counts at once; the toolkit by itself would measure it a turn later.
+    for (auto* const layout : window_.findChildren<QLayout*>())
+        layout->invalidate();
+    for (auto* const grid : grids_)
+        grid->parentWidget()->updateGeometry();
     QLayout& all = *window_.layout();
     QSize size = all.totalSizeHint();
     if (all.hasHeightForWidth()) size.setHeight(std::max(all.totalHeightForWidth(size.width()), 0));

@@ -113,6 +113,9 @@ void QtFormWindow::Connect(const Control& control, QWidget& widget) {
         connect(list, &QListWidget::itemSelectionChanged, this, [this, which, list] {
             Report([&](Form& form) { form.Select(*which, SelectedRow(*list)); });
         });
+        connect(list, &QListWidget::itemDoubleClicked, this, [this, which, list](QListWidgetItem* item) {
+            Report([&](Form& form) { form.ActivateItem(*which, list->row(item)); });
+        });
     }
 }
 
@@ -250,7 +253,7 @@ void QtFormWindow::Fit(const Form& form) {
     });
     if (has_list) {  // more room is more items
         setMinimumSize(size);
-        resize(this->size().expandedTo(size));
+        resize(isVisible() ? this->size().expandedTo(size) : size);
     } else {
         setFixedSize(size);
     }
