@@ -1,0 +1,84 @@
+// What a screen reader is told: compared with tests/golden/accessible, one file for each window. A test run
+// with KQ_REWRITE_GOLDEN=1 writes them anew.
+#include <QAccessible>
+#include <QLineEdit>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+#include <gtest/gtest.h>
+
+#include "gui/AccessibleTree.h"
+#include "gui/Scenes.h"
+
+namespace kq {
+namespace {
+
+std::string GoldenTree(const std::string& scene, const std::string& tree) {
+    const std::string path = KQ_SOURCE_DIR "/tests/golden/accessible/" + scene + ".txt";
+    if (std::getenv("KQ_REWRITE_GOLDEN")) std::ofstream(path) << tree;
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class AccessibleTrees : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(AccessibleTrees, AreAsAgreed) {
+    Stage stage;
+    const Scene& scene = Scenes().at(GetParam());
+    scene.show(stage, [&](QWidget& window) {
+        const std::string tree = AccessibleTree(window);
+        EXPECT_EQ(tree, GoldenTree(scene.name, tree));
+    });
+}
+
+TEST_P(AccessibleTrees, NameEveryControlThatTakesTheFocus) {
+    Stage stage;
+    Scenes().at(GetParam()).show(stage, [](QWidget& window) {
+        for (QWidget* const widget : window.findChildren<QWidget*>()) {
+            QAccessibleInterface* const part = QAccessible::queryAccessibleInterface(widget);
+            if (!part || !widget->isVisible() || widget->focusPolicy() == Qt::NoFocus) continue;
+            EXPECT_NE(part->text(QAccessible::Name), "") << widget->objectName().toStdString();
+        }
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEveryWindow, AccessibleTrees, testing::Range(std::size_t{0}, Scenes().size()),
+                         [](const testing::TestParamInfo<std::size_t>& which) {
+                             std::string name = Scenes().at(which.param).name;
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+std::string told;  // everything that a screen reader was told about texts
+
+void NoteTexts(QAccessibleEvent* event) {
+    if (event->type() == QAccessible::TextInserted)
+        told += static_cast<QAccessibleTextInsertEvent*>(event)->textInserted().toStdString();
+    if (event->type() == QAccessible::TextUpdated)
+        told += static_cast<QAccessibleTextUpdateEvent*>(event)->textInserted().toStdString();
+    if (event->type() == QAccessible::ValueChanged)
+        told += static_cast<QAccessibleValueChangeEvent*>(event)->value().toString().toStdString();
+}
+
+TEST(MaskedBox, TellsAScreenReaderNothingOfItsText) {
+    Stage stage;
+    const auto before = QAccessible::installUpdateHandler(NoteTexts);
+    QAccessible::setActive(true);
+    const auto& login = Scenes().at(1);
+    login.show(stage, [](QWidget& window) {
+        auto& box = In<QLineEdit>(window, "txtPassword");
+        box.insert("Swordfish");
+        QAccessibleInterface* const part = QAccessible::queryAccessibleInterface(&box);
+        EXPECT_EQ(AccessibleTree(window).find("Swordfish"), std::string::npos);
+        EXPECT_EQ(part->textInterface()->text(0, 9), "");
+        EXPECT_EQ(box.displayText(), "*********");
+    });
+    QAccessible::setActive(false);
+    QAccessible::installUpdateHandler(before);
+    EXPECT_EQ(told.find("Swordfish"), std::string::npos) << told;
+    EXPECT_EQ(told.find('w'), std::string::npos) << told;
+}
+
+}  // namespace
+}  // namespace kq

@@ -1,0 +1,70 @@
+// What every window must hold to, in every language and however large the user has set the writing.
+#include <QApplication>
+#include <QFont>
+#include <tuple>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "gui/Measures.h"
+#include "gui/Scenes.h"
+
+namespace kq {
+namespace {
+
+using testing::IsEmpty;
+
+using LanguageAndScale = std::tuple<std::int32_t, int>;
+
+class Windows : public testing::TestWithParam<LanguageAndScale> {
+ protected:
+    Windows() {
+        QFont larger = font_;
+        larger.setPointSizeF(font_.pointSizeF() * std::get<1>(GetParam()) / 100);
+        QApplication::setFont(larger);
+    }
+    ~Windows() override { QApplication::setFont(font_); }
+
+    void VisitAll(const Stage::Act& visit) {
+        Stage stage(std::get<0>(GetParam()));
+        for (const auto& scene : Scenes()) {
+            SCOPED_TRACE(scene.name);
+            scene.show(stage, visit);
+        }
+    }
+
+ private:
+    const QFont font_ = QApplication::font();
+};
+
+TEST_P(Windows, ShowEveryTextInFull) {
+    VisitAll([](QWidget& window) { EXPECT_THAT(LayoutFaults(window), IsEmpty()); });
+}
+
+TEST_P(Windows, HaveEachAccessKeyOnce) {
+    VisitAll([](QWidget& window) { EXPECT_THAT(DoubleAccessKeys(window), IsEmpty()); });
+}
+
+TEST_P(Windows, AreReadInTheOrderOfTheirTabs) {
+    VisitAll([](QWidget& window) { EXPECT_THAT(TabOrderFaults(window), IsEmpty()); });
+}
+
+TEST(WindowsInTheLanguageThatNobodySpeaks, TakeEveryTextFromTheTable) {
+    Stage stage(kPseudoLanguage);
+    for (const auto& scene : Scenes()) {
+        SCOPED_TRACE(scene.name);
+        scene.show(stage, [&](QWidget& window) {
+            EXPECT_THAT(UntranslatedTexts(window, {"KQAppSessionLib", "Main"}), IsEmpty());
+        });
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(InEveryLanguageAtEveryScale, Windows,
+                         testing::Combine(testing::ValuesIn(kLanguages), testing::Values(100, 150, 200)),
+                         [](const testing::TestParamInfo<LanguageAndScale>& which) {
+                             return std::to_string(std::get<0>(which.param)) + "_" +
+                                    std::to_string(std::get<1>(which.param));
+                         });
+
+}  // namespace
+}  // namespace kq

@@ -1,0 +1,107 @@
+// A window that does not come fails the test and quits the loop, which closes everything that is open.
+#include "gui/Stage.h"
+
+#include <QApplication>
+#include <QLocale>
+#include <QWindow>
+#include <fstream>
+#include <map>
+
+#include <gtest/gtest.h>
+
+#include <kqappsession/QtPlatform.h>
+
+#include "platform/Locale.h"
+#include "platform/posix/PosixStringTable.h"
+
+namespace kq {
+namespace {
+
+// Texts read from a file of the form "number, text".
+class FileStrings final : public StringTable {
+ public:
+    explicit FileStrings(const std::string& path) {
+        std::ifstream file(path);
+        for (std::string line; std::getline(file, line);) {
+            const auto comma = line.find(", ");
+            if (comma != std::string::npos) texts_[std::stoi(line)] = line.substr(comma + 2);
+        }
+        EXPECT_FALSE(texts_.empty()) << path;
+    }
+    std::optional<std::string> Load(std::int32_t id) const override {
+        const auto found = texts_.find(id);
+        return found == texts_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+ private:
+    std::map<std::int32_t, std::string> texts_;
+};
+
+// As the user's desktop would say it.
+QLocale LocaleOf(std::int32_t language) {
+    static const std::map<std::int32_t, const char*> names{
+        {1046, "pt_BR"},  {2058, "es_MX"},  {9226, "es_CO"},  {10250, "es_PE"},
+        {11274, "es_AR"}, {13322, "es_CL"}, {14346, "es_UY"}, {15370, "es_PY"}};
+    const auto found = names.find(language);
+    return QLocale(found == names.end() ? "en_US" : found->second);
+}
+
+PlatformPtr MachineSpeaking(std::int32_t language) {
+    QLocale::setDefault(LocaleOf(language));
+    auto machine = std::make_shared<Platform>(*MakeQtPlatform());
+    if (language == kPseudoLanguage)
+        machine->strings = std::make_shared<FileStrings>(KQ_PSEUDO_STRINGS);
+    else
+        machine->strings = MakePosixStringTable(*machine->locale, language);
+    return machine;
+}
+
+}  // namespace
+
+Stage::Stage(std::int32_t language) : machine_(MachineSpeaking(language)) {
+    QObject::connect(&eyes_, &QTimer::timeout, [this] { Look(); });
+    eyes_.start(1);
+}
+
+Stage::~Stage() {
+    EXPECT_EQ(acts_.size(), 0U) << "a window did not come";
+    machine_->loop->ProcessPending();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "a window is left";
+}
+
+void Stage::Await(const std::function<bool()>& done, const std::string& what) {
+    EXPECT_TRUE(kq::Await(Loop(), done)) << what;
+}
+
+void Stage::Look() {
+    if (acting_ || acts_.empty() || Loop().Quitting()) return;
+    const Planned planned = acts_.front();
+    QWidget* const window = FindWindow(planned.window);
+    QWidget* const modal = QApplication::activeModalWidget();
+    const bool there = window && window->windowHandle()->isExposed() &&
+                       (modal == window ? window->isActiveWindow() : !window->isModal() && !modal);
+    if (there) {
+        acts_.pop_front();
+        acting_ = true;
+        try {
+            planned.act(*window);
+        } catch (const std::exception& error) {
+            ADD_FAILURE() << error.what();
+            Loop().Quit();
+        }
+        acting_ = false;
+        last_act_ = std::chrono::steady_clock::now();
+    } else if (std::chrono::steady_clock::now() - last_act_ > kPatience) {
+        ADD_FAILURE() << planned.window << " did not come";
+        Loop().Quit();
+    }
+}
+
+QWidget* FindWindow(const std::string& name) {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->objectName().toStdString() == name) return window;
+    }
+    return nullptr;
+}
+
+}  // namespace kq

@@ -1,0 +1,62 @@
+#include "gui/User.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+
+namespace kq {
+
+QPoint User::MiddleOf(const QWidget& widget) const {
+    // A check box may be wider than its text, and hears clicks on what can be seen only.
+    const bool ticks = qobject_cast<const QCheckBox*>(&widget) != nullptr;
+    return widget.mapToGlobal(ticks ? QPoint(widget.height() / 2, widget.height() / 2)
+                                    : widget.rect().center());
+}
+
+void User::Clicks(QWidget& window, const std::string& control) {
+    const QPoint place = MiddleOf(In(window, control));
+    hand_.Click(place.x(), place.y());
+}
+
+void User::Answers(QWidget& box, const std::string& caption) {
+    for (QAbstractButton* const button : dynamic_cast<QMessageBox&>(box).buttons()) {
+        if (button->text().remove('&').toStdString() != caption) continue;
+        const QPoint place = MiddleOf(*button);
+        hand_.Click(place.x(), place.y());
+        return;
+    }
+    throw std::runtime_error("The box has no button " + caption);
+}
+
+void User::Types(QWidget& window, const std::string& box, const std::string& text) {
+    Clicks(window, box);
+    SeesFocusOn(window, box);
+    hand_.Press("a", "Control_L");
+    TypesHere(window, box, text, text);
+}
+
+void User::TypesHere(QWidget& window, const std::string& box, const std::string& text,
+                     const std::string& expected) {
+    const auto& edit = In<QLineEdit>(window, box);
+    hand_.Type(text);
+    stage_.Await([&] { return edit.text().toStdString() == expected; }, box + " to hold " + expected);
+}
+
+void User::ClicksItem(QWidget& window, const std::string& list, int row, bool twice) {
+    const auto& widget = In<QListWidget>(window, list);
+    const QPoint place = widget.viewport()->mapToGlobal(widget.visualItemRect(widget.item(row)).center());
+    if (twice)
+        hand_.DoubleClick(place.x(), place.y());
+    else
+        hand_.Click(place.x(), place.y());
+}
+
+void User::SeesFocusOn(QWidget& window, const std::string& control) {
+    const QWidget& widget = In(window, control);
+    stage_.Await([&] { return widget.hasFocus(); }, "the focus on " + control);
+}
+
+}  // namespace kq

@@ -1,0 +1,315 @@
+// Windows above others, message boxes, downloads, and what goes on while a modal window is open.
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QWindow>
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include <kqappsession/Listener.h>
+#include <kqappsession/QtPlatform.h>
+
+#include "dialogs/frmDownload.h"
+#include "dialogs/frmLogin.h"
+#include "dialogs/frmServer.h"
+#include "dialogs/frmWait.h"
+#include "gui/User.h"
+#include "platform/TemporaryFolder.h"
+
+namespace kq {
+namespace {
+
+class OnTheScreen : public testing::Test {
+ protected:
+    BoxButton Box(BoxStyle style, Stage::Act act) {
+        stage.When("MessageBox", std::move(act));
+        return stage.Machine()->dialogs->ShowMessageBox("Text <b>&amp;", "Caption", style);
+    }
+    Stage stage;
+    User user{stage};
+};
+
+// --- Message boxes
+
+TEST_F(OnTheScreen, BoxShowsItsTextAsItStands) {
+    const auto pressed = Box(BoxStyle::Error, [&](QWidget& window) {
+        const auto& box = dynamic_cast<QMessageBox&>(window);
+        EXPECT_EQ(box.text(), "Text <b>&amp;");
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        EXPECT_EQ(box.windowTitle(), "Caption");
+        EXPECT_EQ(box.icon(), QMessageBox::Critical);
+        user.Presses("Escape");
+    });
+    EXPECT_EQ(pressed, BoxButton::OK);
+}
+
+TEST_F(OnTheScreen, BoxTakesEnterForItsFirstButton) {
+    const auto enter = [&](QWidget&) { user.Presses("Return"); };
+    EXPECT_EQ(Box(BoxStyle::Information, enter), BoxButton::OK);
+    EXPECT_EQ(Box(BoxStyle::YesNo, enter), BoxButton::Yes);
+    EXPECT_EQ(Box(BoxStyle::YesNoCancel, enter), BoxButton::Yes);
+}
+
+TEST_F(OnTheScreen, BoxTakesItsCloseBoxForTheMildestAnswer) {
+    const auto close = [&](QWidget& box) { user.ClosesByTheSystem(box); };
+    EXPECT_EQ(Box(BoxStyle::Warning, close), BoxButton::OK);
+    EXPECT_EQ(Box(BoxStyle::YesNo, close), BoxButton::No);
+    EXPECT_EQ(Box(BoxStyle::YesNoCancel, close), BoxButton::Cancel);
+}
+
+TEST_F(OnTheScreen, BoxTellsEachButton) {
+    for (const auto& [caption, button] :
+         {std::pair{"Yes", BoxButton::Yes}, {"No", BoxButton::No}, {"Cancel", BoxButton::Cancel}}) {
+        EXPECT_EQ(Box(BoxStyle::YesNoCancel, [&](QWidget& box) { user.Answers(box, caption); }), button);
+    }
+}
+
+TEST(BoxesInPortuguese, HaveTheirButtonsInTheUsersLanguage) {
+    Stage stage(1046);
+    User user(stage);
+    stage.When("MessageBox", [&](QWidget& box) { user.Answers(box, "Não"); });
+    EXPECT_EQ(stage.Machine()->dialogs->ShowMessageBox("?", "?", BoxStyle::YesNo), BoxButton::No);
+}
+
+TEST_F(OnTheScreen, BoxEndsWithTheProgram) {
+    EXPECT_EQ(Box(BoxStyle::YesNo, [&](QWidget&) { stage.Loop().Quit(); }), BoxButton::No);
+}
+
+// --- The wait window
+
+class WaitWindow : public OnTheScreen {
+ protected:
+    void Shows(std::int32_t id) {
+        wait.ShowWait(id);
+        stage.Await([] { return FindWindow("frmWait") != nullptr; }, "the wait window");
+    }
+    frmWait wait{stage.Machine()};
+};
+
+TEST_F(WaitWindow, StaysOnTopWhileAModalQuestionIsAnswered) {
+    Shows(310);
+    QWidget& window = *FindWindow("frmWait");
+    EXPECT_EQ(Box(BoxStyle::YesNo,
+                  [&](QWidget& box) {
+                      const QPoint middle = box.geometry().center();
+                      window.move(middle - window.rect().center());
+                      stage.Await([&] { return QApplication::topLevelAt(middle) == &window; },
+                                  "the window on top");
+                      EXPECT_TRUE(box.isActiveWindow());
+                      user.Presses("Return");
+                  }),
+              BoxButton::Yes);
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(WaitWindow, LiesOnNoQuestion) {
+    Shows(310);
+    Box(BoxStyle::YesNo, [&](QWidget& box) {
+        EXPECT_FALSE(box.frameGeometry().intersects(FindWindow("frmWait")->frameGeometry()));
+        user.Presses("Return");
+    });
+}
+
+TEST_F(WaitWindow, ChangesItsTextsWhileItIsUp) {
+    Shows(300);
+    Shows(302);
+    QWidget& window = *FindWindow("frmWait");
+    EXPECT_EQ(window.windowTitle(), "Logging In...");
+    EXPECT_EQ(In<QLabel>(window, "lblPleaseWait").text(), "Attempting to log in.  Please Wait.");
+}
+
+TEST_F(WaitWindow, ComesAgainAfterTheUserHasClosedIt) {
+    Shows(300);
+    user.ClosesByTheSystem(*FindWindow("frmWait"));
+    stage.Await([] { return !FindWindow("frmWait"); }, "no window");
+    Shows(302);
+    wait.HideWait();
+    EXPECT_EQ(FindWindow("frmWait"), nullptr);
+}
+
+TEST_F(WaitWindow, TakesNoFocus) {
+    std::string name = "ann";
+    Secret password, new_password;
+    bool ask = false, show = false;
+    stage.When("frmLogin", [&](QWidget& window) {
+        Shows(300);
+        user.TypesHere(window, "txtLoginID", "bob", "bob");
+        user.Presses("Escape");
+    });
+    frmLogin(stage.Machine()).Login(name, password, false, new_password, ask, show, nullptr);
+}
+
+// --- Where to save
+
+class SaveQuestionOnScreen : public OnTheScreen {
+ protected:
+    std::optional<std::string> Ask() {
+        return stage.Machine()->dialogs->AskSavePath(
+            {"Where?", folder_.Path(), "Shortcut|*.lnk", "lnk", "Sales.lnk"});
+    }
+    // The next dialog gets a name and Enter.
+    void Types(const std::string& name) {
+        stage.When("SaveDialog", [this, name](QWidget& window) {
+            user.SeesFocusOn(window, "fileNameEdit");
+            user.Types(window, "fileNameEdit", name);
+            user.Presses("Return");
+        });
+    }
+    TemporaryFolder folder_;
+};
+
+TEST_F(SaveQuestionOnScreen, GivesTheNameAnExtension) {
+    Types("Other");
+    EXPECT_EQ(Ask(), folder_.File("Other.lnk"));
+}
+
+TEST_F(SaveQuestionOnScreen, ReplacesAFileOnlyAfterTheUserAgreed) {
+    folder_.Put("Sales.lnk", "old");
+    Types("Sales");
+    stage.When("MessageBox", [&](QWidget& box) { user.Answers(box, "No"); });
+    Types("Sales");
+    stage.When("MessageBox", [&](QWidget& box) {
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text(),
+                  "Sales.lnk already exists.\nDo you want to replace it?");
+        user.Answers(box, "Yes");
+    });
+    EXPECT_EQ(Ask(), folder_.File("Sales.lnk"));
+}
+
+// --- While a modal window is open
+
+TEST_F(OnTheScreen, ASocketIsServedWhileAnyModalWindowIsOpen) {
+    const auto listener = Listener::Create(stage.Machine());
+    Owner owner;
+    std::string heard;
+    listener->Receive.Connect(owner, [&](const auto&, const Block& block) { heard += block.data; });
+    listener->Listen(0, "127.0.0.1");
+    const auto client = APClient::Create(stage.Machine());
+    client->Connect("127.0.0.1", listener->Port(), "", 10'000);
+    const auto send = [&](const std::string& text) {
+        heard.clear();
+        client->SendBytes(text);
+        stage.Await([&] { return heard == text; }, text + " at the other side");
+    };
+    Box(BoxStyle::YesNo, [&](QWidget&) {
+        send("box");
+        user.Presses("Return");
+    });
+    stage.When("frmServer", [&](QWidget&) {
+        send("form");
+        user.Presses("Escape");
+    });
+    std::string address;
+    std::int32_t port = 1, time_out = 1000;
+    bool use_as_server = false;
+    frmServer(stage.Machine()).GetServerInfo(address, port, time_out, use_as_server, nullptr);
+}
+
+TEST_F(OnTheScreen, AModalWindowHasTheIconAndTheHostsWindowAsItsOwner) {
+    QWidget host;
+    host.setObjectName("host");
+    host.show();
+    QPixmap picture(16, 16);
+    picture.fill(Qt::red);
+    const std::string path = std::filesystem::temp_directory_path() / "kqicon.png";
+    picture.save(QString::fromStdString(path));
+    host.activateWindow();
+    stage.Await([&] { return host.isActiveWindow(); }, "the host's window");
+    stage.When("frmServer", [&](QWidget& window) {
+        EXPECT_EQ(window.windowHandle()->transientParent(), host.windowHandle());
+        EXPECT_EQ(window.windowIcon().pixmap(16).toImage().pixelColor(8, 8), QColor(Qt::red));
+        EXPECT_EQ(window.windowModality(), Qt::ApplicationModal);
+        user.Presses("Escape");
+    });
+    std::string address;
+    std::int32_t port = 1, time_out = 1000;
+    bool use_as_server = false;
+    frmServer(stage.Machine()).GetServerInfo(address, port, time_out, use_as_server, MakeQtIcon(path));
+    std::filesystem::remove(path);
+    EXPECT_TRUE(host.isVisible());
+}
+
+TEST(QtIcons, AreNothingWhereThereIsNoPicture) {
+    EXPECT_EQ(MakeQtIcon("/nowhere/icon.png"), nullptr);
+}
+
+// --- Download
+
+class DownloadWindow : public OnTheScreen {
+ protected:
+    DownloadWindow() {
+        listener_->Receive.Connect(owner_,
+                                   [this](const Listener::ClientPtr& peer, const Block&) { peer_ = peer; });
+        listener_->Listen(0, "127.0.0.1");
+        client_->Connect("127.0.0.1", listener_->Port(), "", 10'000);
+    }
+    bool Download() { return frmDownload(stage.Machine()).DownloadClient(client_, path_, try_again_); }
+    // The next question says so and is answered with No.
+    void IsAsked(const std::string& reason) {
+        stage.When("MessageBox", [=, this](QWidget& box) {
+            EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text().toStdString(), Failed(reason));
+            user.Answers(box, "No");
+        });
+    }
+    static std::string Failed(const std::string& reason) {
+        return "An error occurred while downloading: " + reason + ".  Would you like to try to login again?";
+    }
+
+    std::shared_ptr<Listener> listener_ = Listener::Create(stage.Machine());
+    std::shared_ptr<APClient> client_ = APClient::Create(stage.Machine());
+    Listener::ClientPtr peer_;  // the server's side, once the request has come
+    std::string path_ = "unchanged";
+    bool try_again_ = true;
+    Owner owner_;
+};
+
+TEST_F(DownloadWindow, MovesItsBarAndSavesTheFile) {
+    stage.When("frmDownload", [&](QWidget& window) {
+        const auto& bar = In<QProgressBar>(window, "pbProgress");
+        EXPECT_EQ(bar.value(), 0);
+        int moved = 0;
+        QObject::connect(&bar, &QProgressBar::valueChanged, &window, [&moved] { ++moved; });
+        stage.Await([&] { return peer_ != nullptr; }, "the request");
+        peer_->SendBytes(std::string(7 << 20, 'x'));
+        stage.Await([&] { return moved > 2; }, "the bar to move");
+    });
+    EXPECT_TRUE(Download());
+    EXPECT_EQ(std::filesystem::file_size(path_), 7U << 20);
+    std::filesystem::remove(path_);
+    std::filesystem::remove(path_.substr(0, path_.size() - 3) + "tmp");
+}
+
+TEST_F(DownloadWindow, CannotBeClosedByHand) {
+    stage.When("frmDownload", [&](QWidget& window) {
+        user.ClosesByTheSystem(window);
+        user.Presses("Escape");
+        stage.Await([&] { return peer_ != nullptr; }, "the request");
+        stage.Loop().ProcessPending();
+        EXPECT_TRUE(window.isVisible());
+        peer_->Disconnect();
+    });
+    stage.When("MessageBox", [&](QWidget& box) { user.Answers(box, "Yes"); });
+    EXPECT_FALSE(Download());
+    EXPECT_TRUE(try_again_);
+}
+
+TEST_F(DownloadWindow, SaysWhyTheServerRefuses) {
+    XMLMessage refusal("ASDownloadClientResponse", "1");
+    refusal.SetField("ErrorNumber", "5");
+    refusal.SetField("ErrorDesc", "No client");
+    stage.When("frmDownload", [&](QWidget&) {
+        stage.Await([&] { return peer_ != nullptr; }, "the request");
+        peer_->Send(refusal);
+    });
+    IsAsked("No client");
+    EXPECT_FALSE(Download());
+    EXPECT_FALSE(try_again_);
+    EXPECT_EQ(path_, "unchanged");
+}
+
+}  // namespace
+}  // namespace kq
