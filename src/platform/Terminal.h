@@ -30,10 +30,10 @@ class Terminal {
     virtual bool Rewrites() const = 0;
     // Shows a text at once; "\n" ends a line.
     virtual void Write(std::string_view text) = 0;
-    // Runs the event loop until a line has been typed or `stop` holds; what is typed is shown only with
-    // `echo`. The line on the screen is ended with the answer, but not by Stopped. Calls nest: the innermost
-    // takes the next line.
-    virtual Answer ReadLine(bool echo, const std::function<bool()>& stop) = 0;
+    // Shows the prompt, then runs the event loop until a line has been typed or `stop` holds. What is typed
+    // from the prompt on is shown only with `echo`. The line on the screen is ended with the answer, but not
+    // by Stopped. Calls nest: the innermost takes the next line.
+    virtual Answer ReadLine(std::string_view prompt, bool echo, const std::function<bool()>& stop) = 0;
 };
 
 // The port's. Reads from and writes to open files, which stay the caller's: a terminal or anything else that

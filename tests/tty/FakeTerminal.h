@@ -36,7 +36,8 @@ class FakeTerminal final : public Terminal {
     bool Rewrites() const override { return rewrites_; }
     void Write(std::string_view text) override { screen_ += text; }
 
-    Answer ReadLine(bool echo, const std::function<bool()>& stop) override {
+    Answer ReadLine(std::string_view prompt, bool echo, const std::function<bool()>& stop) override {
+        screen_ += prompt;
         while (!script_.empty()) {
             const Step step = script_.front();
             script_.pop_front();

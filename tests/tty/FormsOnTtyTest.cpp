@@ -131,7 +131,7 @@ TEST_F(ProfilesOnTty, OffersOnlyButtonsThatCanBeUsed) {
     terminal->Types({/* information */ "", "2"});
     terminal->PressesInterrupt();
     EXPECT_FALSE(Choose());
-    EXPECT_TRUE(terminal->Shows("create a profile:\n  1. New\n  2. Cancel\n: 2\n")) << terminal->Screen();
+    EXPECT_TRUE(terminal->Shows("create a profile:\n  1. New\n  2. Cancel\n1-2: 2\n")) << terminal->Screen();
 }
 
 TEST_F(ProfilesOnTty, MakesANewProfile) {

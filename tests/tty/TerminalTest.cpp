@@ -8,6 +8,7 @@
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <termios.h>
+#include <thread>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -46,7 +47,7 @@ class RealTerminal : public testing::Test {
         });
     }
     Terminal::Answer Read(bool echo) {
-        return terminal_->ReadLine(echo, [] { return false; });
+        return terminal_->ReadLine("", echo, [] { return false; });
     }
     // What is on the screen up to this text; a terminal gives it in pieces.
     std::string ScreenUpTo(const std::string& end) {
@@ -85,6 +86,18 @@ TEST_F(RealTerminal, ShowsWhatIsTypedOnlyWithEcho) {
     EXPECT_EQ(Read(false).line.Reveal(), "hidden");
     terminal_->Write("end");
     EXPECT_EQ(ScreenUpTo("end"), "seen\r\n\r\nend");
+}
+
+TEST_F(RealTerminal, ShowsNothingThatIsTypedAfterThePromptForAPassword) {
+    std::thread user([this] {
+        EXPECT_EQ(ScreenUpTo("Password: "), "Password: ");
+        Type("hidden\n");
+    });
+    const auto answer = terminal_->ReadLine("Password: ", false, [] { return false; });
+    user.join();
+    EXPECT_EQ(answer.line.Reveal(), "hidden");
+    terminal_->Write("end");
+    EXPECT_EQ(ScreenUpTo("end"), "\r\nend");
 }
 
 TEST_F(RealTerminal, TakesTheInterruptKeyAsGivingUp) {
@@ -131,7 +144,7 @@ TEST_F(RealTerminal, IsInItsOldModeAfterEachAnswer) {
 
 TEST_F(RealTerminal, IsInItsOldModeAfterAnException) {
     const tcflag_t before = Mode();
-    EXPECT_THROW(terminal_->ReadLine(false, []() -> bool { throw std::runtime_error("x"); }),
+    EXPECT_THROW(terminal_->ReadLine("", false, []() -> bool { throw std::runtime_error("x"); }),
                  std::runtime_error);
     EXPECT_EQ(Mode(), before);
 }
@@ -147,7 +160,7 @@ TEST_F(RealTerminal, LeavesTheInputBlockingWhileItReads) {
 TEST_F(RealTerminal, StopsReadingWhenAskedTo) {
     bool stop = false;
     loop_->StartTimer(Milliseconds(10), [&] { stop = true; });
-    EXPECT_EQ(terminal_->ReadLine(true, [&] { return stop; }).end, End::Stopped);
+    EXPECT_EQ(terminal_->ReadLine("", true, [&] { return stop; }).end, End::Stopped);
 }
 
 TEST_F(RealTerminal, GivesLinesThatWereTypedAheadOneByOne) {
@@ -204,7 +217,7 @@ class EndOfAProgram : public RealTerminal {
         if (child_ == 0) {
             const auto loop = MakePlatform()->loop;
             if (meanwhile) meanwhile(*loop);
-            MakeTerminal(loop, program_, program_)->ReadLine(false, [] { return false; });
+            MakeTerminal(loop, program_, program_)->ReadLine("", false, [] { return false; });
             ::_exit(99);
         }
     }

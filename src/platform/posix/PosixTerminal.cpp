@@ -51,17 +51,14 @@ class PosixTerminal final : public Terminal {
         }
     }
 
-    Answer ReadLine(bool echo, const std::function<bool()>& stop) override {
-        if (unseen_ || (typed_by_hand_ && !rewrites_)) return {End::GivenUp, {}};
-        // Answers that are there already would be taken without the loop's ever coming to run.
-        loop_->ProcessPending();
+    Answer ReadLine(std::string_view prompt, bool echo, const std::function<bool()>& stop) override {
         const TerminalMode mode(input_, echo);
+        Write(prompt);
+        if (unseen_ || (typed_by_hand_ && !rewrites_)) return {End::GivenUp, {}};
         const Listening listening(*this);
         std::optional<Answer> answer;
-        if (!loop_->Quitting()) {
-            const auto done = [&] { return stop() || (answer = TakeLine(mode.InterruptKey())); };
-            loop_->RunUntil(done, EventLoop::TimePoint::max());
-        }
+        const auto done = [&] { return stop() || (answer = TakeLine(mode.InterruptKey())); };
+        loop_->RunUntil(done, EventLoop::TimePoint::max());
         if (!answer) return {End::Stopped, {}};
         // A terminal has shown the line's end itself when that was typed and seen.
         if (!echo || !typed_by_hand_ || answer->end == End::GivenUp) Write("\n");

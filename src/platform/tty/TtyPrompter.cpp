@@ -52,17 +52,6 @@ void TtyPrompter::Show(const Line& line) {
     ++shown_;
 }
 
-void TtyPrompter::Show(const Question& question) {
-    for (const auto& line : question.lines)
-        Show(line);
-    std::string shown = line_open_ ? "\n" : "";
-    shown += Wrapped(HarmlessLine(question.prompt), terminal_->Width());
-    terminal_->Write(shown);
-    line_open_ = true;
-    rewritten_ = 0;
-    ++shown_;
-}
-
 void TtyPrompter::Say(std::string_view text) {
     Show({std::string(text)});
 }
@@ -86,30 +75,35 @@ void TtyPrompter::EndLine() {
     rewritten_ = 0;
 }
 
-TtyPrompter::Reply TtyPrompter::AwaitLine(const Question& question, const Terminated& stop) {
+TtyPrompter::Reply TtyPrompter::AskOnce(const Question& question, bool whole, const Terminated& stop) {
     for (;;) {
-        const std::uint64_t mine = shown_;
+        // Answers that are there already would be taken without the loop's ever coming to run.
+        loop_->ProcessPending();
+        if (stop() || loop_->Quitting()) return Stopped();
+        for (std::size_t i = 0; whole && i < question.lines.size(); ++i)
+            Show(question.lines[i]);
+        const std::string prompt =
+            (line_open_ ? "\n" : "") + Wrapped(HarmlessLine(question.prompt), terminal_->Width());
+        line_open_ = true;
+        rewritten_ = 0;
+        const std::uint64_t mine = ++shown_;
         const auto disturbed = [&] { return shown_ != mine; };
-        Terminal::Answer answer = terminal_->ReadLine(question.echo, [&] { return stop() || disturbed(); });
-        switch (answer.end) {
-            case Terminal::End::GivenUp:
-                line_open_ = false;
-                return {End::GivenUp, {}};
-            case Terminal::End::Line:
-                line_open_ = false;
-                if (IsPlainLine(answer.line.Reveal())) return {End::Answered, std::move(answer.line)};
-                Show({{}, question.prompt});
-                continue;
-            case Terminal::End::Stopped:
-                break;
-        }
-        if (stop() || loop_->Quitting() || !disturbed()) {
-            if (line_open_) terminal_->Write("\n");
-            line_open_ = false;
-            return {End::Stopped, {}};
-        }
-        Show(question);
+        Terminal::Answer answer =
+            terminal_->ReadLine(prompt, question.echo, [&] { return stop() || disturbed(); });
+        whole = answer.end == Terminal::End::Stopped;
+        if (whole && !disturbed()) return Stopped();
+        if (whole) continue;
+        line_open_ = false;
+        if (answer.end == Terminal::End::GivenUp) return {End::GivenUp, {}};
+        if (IsPlainLine(answer.line.Reveal())) return {End::Answered, std::move(answer.line)};
     }
+}
+
+TtyPrompter::Reply TtyPrompter::Stopped() {
+    if (line_open_) terminal_->Write("\n");
+    line_open_ = false;
+    rewritten_ = 0;
+    return {End::Stopped, {}};
 }
 
 TtyPrompter::Reply TtyPrompter::Ask(const std::vector<std::string>& above, const std::string& prompt,
@@ -117,25 +111,23 @@ TtyPrompter::Reply TtyPrompter::Ask(const std::vector<std::string>& above, const
     Question question{{}, prompt, echo};
     for (const auto& text : above)
         question.lines.push_back({text});
-    Show(question);
-    return AwaitLine(question, stop);
+    return AskOnce(question, true, stop);
 }
 
 TtyPrompter::Choice TtyPrompter::AskUntil(const Question& question, const Chooser& choose,
                                           const Terminated& stop) {
-    Show(question);
-    for (;;) {
-        const Reply reply = AwaitLine(question, stop);
+    for (bool whole = true;; whole = false) {
+        const Reply reply = AskOnce(question, whole, stop);
         if (reply.end != End::Answered) return {reply.end, 0};
         if (const auto chosen = choose(reply.line.Reveal())) return {End::Answered, *chosen};
-        Show({{}, question.prompt});
     }
 }
 
 TtyPrompter::Choice TtyPrompter::Choose(const std::vector<std::string>& above,
                                         const std::vector<std::string>& texts,
                                         std::optional<std::size_t> marked, const Terminated& stop) {
-    Question question{{}, marked ? "[" + std::to_string(*marked + 1) + "]: " : ": "};
+    const std::string numbers = texts.size() > 1 ? "1-" + std::to_string(texts.size()) : "1";
+    Question question{{}, (marked ? "[" + std::to_string(*marked + 1) + "]" : numbers) + ": "};
     for (const auto& text : above)
         question.lines.push_back({text});
     for (std::size_t i = 0; i < texts.size(); ++i) {

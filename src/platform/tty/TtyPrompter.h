@@ -63,8 +63,9 @@ class TtyPrompter {
         bool echo = true;
     };
     void Show(const Line& line);
-    void Show(const Question& question);
-    Reply AwaitLine(const Question& question, const Terminated& stop);
+    // `whole`: with its lines, else its prompt alone.
+    Reply AskOnce(const Question& question, bool whole, const Terminated& stop);
+    Reply Stopped();
     // Asks until `choose` finds an answer in the line.
     using Chooser = std::function<std::optional<std::size_t>(const std::string& line)>;
     Choice AskUntil(const Question& question, const Chooser& choose, const Terminated& stop);
