@@ -38,7 +38,7 @@ MAY_USE = {
     "library": BELOW | {"client", "server"},
     "automation": BELOW | {"client", "server", "dialogs"},
     "zeb": BELOW,
-    "tools": BELOW,
+    "tools": BELOW | {"platform/tty"},
 }
 # Of the platform's interfaces, a dialog knows these.
 DIALOGS_SEE = {"platform/DialogHost.h", "platform/Form.h", "platform/Shortcuts.h", "platform/TempFiles.h"}

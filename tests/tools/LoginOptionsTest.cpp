@@ -16,9 +16,9 @@ struct Parsed {
     std::string errors;
 };
 
-Parsed Parse(std::initializer_list<const char*> arguments) {
+Parsed Parse(const std::vector<const char*>& arguments) {
     std::vector<const char*> argv{"kqlogin"};
-    argv.insert(argv.end(), arguments);
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
     Parsed parsed;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -70,6 +70,32 @@ TEST(LoginOptions, TheSettingsFileStandsInForAnAddress) {
 
 TEST(LoginOptions, WithoutAddressAndSettingsAreAMistake) {
     ExpectMistake(Parse({"--app", "Demo", "--user", "ann"}), "--address or --settings is required");
+}
+
+TEST(LoginOptions, ATerminalStandsInForServerAndUser) {
+    const auto parsed = Parse({"--tty", "--app", "Demo", "--register"});
+    ASSERT_TRUE(parsed.options) << parsed.errors;
+    EXPECT_TRUE(parsed.options->tty);
+    EXPECT_FALSE(ParseWithServer({}).options->tty);
+}
+
+TEST(LoginOptions, WhatTheTerminalAsksForIsNoOptionBesides) {
+    for (const auto& option : std::vector<std::vector<const char*>>{{"--user", "ann"},
+                                                                    {"--address", "zeb"},
+                                                                    {"--port", "7710"},
+                                                                    {"--time-out", "10000"},
+                                                                    {"--settings"},
+                                                                    {"--save-settings"}}) {
+        std::vector<const char*> all{"--tty", "--app", "Demo"};
+        all.insert(all.end(), option.begin(), option.end());
+        const auto parsed = Parse(all);
+        EXPECT_EQ(2, parsed.exit_code) << option.front();
+        EXPECT_NE(std::string::npos, parsed.errors.find(option.front())) << parsed.errors;
+    }
+}
+
+TEST(LoginOptions, WithoutAUserAreAMistake) {
+    ExpectMistake(Parse({"--address", "zeb", "--port", "7710", "--app", "Demo"}), "--user is required");
 }
 
 TEST(LoginOptions, AnAddressAndTheSettingsFileExcludeEachOther) {

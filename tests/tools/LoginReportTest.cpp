@@ -76,6 +76,12 @@ TEST_F(LoginReportTest, WritesAFailureAsJsonAndAsALineOfErrors) {
     EXPECT_EQ("kqlogin: 0x80040A06 No: \"x\"\\u000a.\n", Errors());
 }
 
+TEST_F(LoginReportTest, TellsAUserWhoGaveUp) {
+    Report(true).GivenUp(client_);
+    EXPECT_EQ("{\"result\":\"given up\",\"LoginState\":\"kqaslsNotLoggedIn\"}\n", Output());
+    EXPECT_EQ("kqlogin: given up by the user\n", Errors());
+}
+
 TEST_F(LoginReportTest, NeverTellsThePassword) {
     LogIn();
     auto text = Report(false);

@@ -17,6 +17,7 @@ namespace kq {
     X(Version, 7, "client or interface version not supported, client not valid")       \
     X(Registration, 8, "the application server did not register the session")          \
     X(Other, 9, "any other failure")                                                   \
+    X(GivenUp, 10, "the user gave up (--tty)")                                         \
     X(Signal, 128, "plus the signal's number: ended by a signal before the end")
 
 enum class ExitCode : int {

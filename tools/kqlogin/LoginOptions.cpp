@@ -14,7 +14,9 @@ namespace {
 // Throws what says that a combination of options means nothing.
 void CheckTogether(const LoginOptions& options) {
     const auto refuse = [](const char* sentence) { throw CLI::ValidationError(sentence); };
-    if (options.address.empty() && !options.settings) refuse("--address or --settings is required");
+    if (!options.tty && options.user.empty()) refuse("--user is required");
+    if (!options.tty && options.address.empty() && !options.settings)
+        refuse("--address or --settings is required");
     if (!options.address.empty() && options.settings) refuse("--address and --settings exclude each other");
     if (!options.address.empty() && options.port == 0) refuse("--address needs --port");
     if (options.save_settings && options.settings) refuse("--save-settings needs --address");
@@ -26,20 +28,29 @@ void AddOptions(CLI::App& app, LoginOptions& options) {
     constexpr auto kLargest = std::numeric_limits<std::int32_t>::max();
     const CLI::Validator filled([](std::string& text) { return std::string(text.empty() ? "is empty" : ""); },
                                 "TEXT");
-    app.add_option("--address", options.address, "The login server's name or address");
-    app.add_option("--port", options.port, "The login server's port")->check(CLI::Range(1, 65535));
+    auto* tty =
+        app.add_flag("--tty", options.tty,
+                     "Ask on the terminal for login id and password, for the server when the settings "
+                     "file has none, and what to do about failures");
+    app.add_option("--address", options.address, "The login server's name or address")->excludes(tty);
+    app.add_option("--port", options.port, "The login server's port")
+        ->check(CLI::Range(1, 65535))
+        ->excludes(tty);
     app.add_option("--time-out", options.time_out, "Milliseconds to wait for a connection or a reply")
         ->check(CLI::Range(1, kLargest))
-        ->capture_default_str();
-    app.add_flag("--settings", options.settings, "Take address, port and time-out from the settings file");
+        ->capture_default_str()
+        ->excludes(tty);
+    app.add_flag("--settings", options.settings, "Take address, port and time-out from the settings file")
+        ->excludes(tty);
     app.add_flag("--save-settings", options.save_settings,
-                 "Store address, port and time-out in the settings file after the login");
+                 "Store address, port and time-out in the settings file after the login")
+        ->excludes(tty);
     app.add_option("--app", options.app, "The application identifier")->required()->check(filled);
     app.add_option("--interface", options.interface_version,
                    "The interface version that the application needs")
         ->capture_default_str();
     app.add_option("--client-version", options.client_version, "The version of this client");
-    app.add_option("--user", options.user, "The login id")->required()->check(filled);
+    app.add_option("--user", options.user, "The login id")->check(filled)->excludes(tty);
     app.add_option("--restrict-ip", options.restrict_ip, "Only application servers of this address");
     app.add_option("--restrict-port", options.restrict_port, "Only application servers of this port")
         ->check(CLI::Range(1, 65535));
@@ -64,8 +75,8 @@ std::optional<LoginOptions> ParseLoginOptions(int argc, const char* const* argv,
     LoginOptions options;
     CLI::App app(
         "Logs a user in. The password is read from standard input: a prompt without echo on a terminal, else "
-        "one "
-        "line.",
+        "one line. With --tty the user is asked for everything, as in the dialogs of a program with windows; "
+        "questions go to standard error, the result to standard output.",
         "kqlogin");
     app.footer(ExitCodeHelp());
     app.set_version_flag("--version", "kqlogin " KQ_VERSION);

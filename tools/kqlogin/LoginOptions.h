@@ -8,6 +8,7 @@
 namespace kq {
 
 struct LoginOptions {
+    bool tty = false;  // ask the user on the terminal for server, login id and password
     std::string address;
     std::int32_t port = 0;
     std::int32_t time_out = 10'000;  // ms

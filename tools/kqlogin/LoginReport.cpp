@@ -33,7 +33,7 @@ JsonObject SessionJson(const KQAppSessionInfo& session) {
     return json;
 }
 
-// What is the same in the object of a success and of a failure.
+// What is the same in the objects of all results.
 JsonObject ResultJson(const char* result, const KQAppSessClient& client) {
     JsonObject json;
     json.Add("result", result);
@@ -100,6 +100,11 @@ void LoginReport::Failed(const KQAppSessClient& client, const Error& error) {
         output_ << ResultJson("error", client).Add("Error", details).Text() << '\n' << std::flush;
     }
     errors_ << "kqlogin: " << ErrorLine(error) << '\n' << std::flush;
+}
+
+void LoginReport::GivenUp(const KQAppSessClient& client) {
+    if (json_) output_ << ResultJson("given up", client).Text() << '\n' << std::flush;
+    errors_ << "kqlogin: given up by the user\n" << std::flush;
 }
 
 void LoginReport::WaitEnded(bool by_server) {

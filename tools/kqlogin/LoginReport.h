@@ -23,6 +23,7 @@ class LoginReport {
     // The JSON object is written here, so that it is there before a long wait.
     void Succeeded(const KQAppSessClient& client);
     void Failed(const KQAppSessClient& client, const Error& error);
+    void GivenUp(const KQAppSessClient& client);
     void WaitEnded(bool by_server);
 
  private:

@@ -1,4 +1,5 @@
-// kqlogin: logs a user in from a command line, registers with the application server, sends a message.
+// kqlogin: logs a user in from a command line, registers with the application server, sends a message. It has
+// all that it needs from its options, or asks its user on the terminal.
 //
 // A signal ends the running step and with it the program; the connections are closed in order on every way
 // out.
@@ -8,6 +9,7 @@
 
 #include <kqappsession/EventLoop.h>
 #include <kqappsession/KQAppSessClient.h>
+#include <kqappsession/TtyPlatform.h>
 
 #include "tools/PasswordInput.h"
 #include "tools/StopSignals.h"
@@ -56,37 +58,58 @@ void WaitForTheEnd(EventLoop& loop, KQAppSessClient& client, LoginReport& report
     report.WaitEnded(gone());
 }
 
-void LogIn(EventLoop& loop, KQAppSessClient& client, const LoginOptions& options, Secret password,
+// Up to the registration, if that is wanted. False when the user, who is asked with --tty alone, gave up.
+bool Connect(KQAppSessClient& client, const LoginOptions& options, const SystemLoginArguments& arguments,
+             LoginReport& report) {
+    for (;;) {
+        if (!client.SystemLogin2(options.tty, arguments)) return false;
+        report.LoggedIn(client);
+        if (options.save_settings) SaveSettings(client, options);
+        if (!options.register_session) return true;
+        if (client.ServerLogin(options.tty)) break;
+        // A user who wants another login instead is not logged in any more.
+        if (client.LoginState() != kqaslsNotLoggedIn) return false;
+    }
+    report.Registered(client);
+    return true;
+}
+
+bool LogIn(EventLoop& loop, KQAppSessClient& client, const LoginOptions& options, Secret password,
            LoginReport& report) {
     client.SetRestrictIP(options.restrict_ip);
     client.SetRestrictPort(options.restrict_port);
-    client.SystemLogin2(false, ArgumentsOf(options, std::move(password)));
-    report.LoggedIn(client);
-    if (options.save_settings) SaveSettings(client, options);
-    if (options.register_session) {
-        client.ServerLogin(false);
-        report.Registered(client);
-    }
+    if (!Connect(client, options, ArgumentsOf(options, std::move(password)), report)) return false;
     if (options.send) SendText(client, *options.send, report);
     report.Succeeded(client);
     if (options.wait) WaitForTheEnd(loop, client, report);
+    return true;
 }
 
 int Run(const LoginOptions& options, StopSignals& signals) {
-    Secret password = ReadPassword(STDIN_FILENO, STDERR_FILENO, "Password: ", signals.Descriptor());
-    const PlatformPtr platform = MakePlatform();
+    if (options.tty && isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) == 0) {
+        std::cerr << "kqlogin: --tty asks on standard error, which is not the terminal\n";
+        return static_cast<int>(ExitCode::Usage);
+    }
+    Secret password;
+    if (!options.tty) {
+        password = ReadPassword(STDIN_FILENO, STDERR_FILENO, "Password: ", signals.Descriptor());
+    }
+    const PlatformPtr platform = options.tty ? MakeTtyPlatform() : MakePlatform();
     EventLoop& loop = *platform->loop;
     signals.Watch(loop, [&loop] { loop.Quit(); });
     KQAppSessClient client(platform);
     LoginReport report(std::cout, std::cerr, options.json);
+    ExitCode code = ExitCode::Ok;
     try {
-        LogIn(loop, client, options, std::move(password), report);
+        if (LogIn(loop, client, options, std::move(password), report)) return static_cast<int>(code);
+        code = ExitCode::GivenUp;
     } catch (const Error& error) {
         report.Failed(client, error);
-        if (signals.Received() != 0) return static_cast<int>(ExitCode::Signal) + signals.Received();
-        return static_cast<int>(ExitCodeOf(error.Number()));
+        code = ExitCodeOf(error.Number());
     }
-    return static_cast<int>(ExitCode::Ok);
+    if (signals.Received() != 0) return static_cast<int>(ExitCode::Signal) + signals.Received();
+    if (code == ExitCode::GivenUp) report.GivenUp(client);
+    return static_cast<int>(code);
 }
 
 }  // namespace
