@@ -14,6 +14,8 @@
 namespace kq {
 namespace {
 
+constexpr int kTitleButtons = 50;  // what the toolkit itself leaves beside the title of a message box
+
 std::string NameOf(const QWidget& widget) {
     const std::string name = widget.objectName().toStdString();
     return name.empty() ? widget.metaObject()->className() : name;
@@ -97,6 +99,8 @@ std::vector<std::string> LayoutFaults(const QWidget& window) {
                 faults.push_back(NameOf(widget) + " lies on " + NameOf(*shown[other]));
         }
     }
+    if (window.fontMetrics().horizontalAdvance(window.windowTitle()) + kTitleButtons > window.width())
+        faults.push_back("the title is clipped");
     if (!window.screen()->availableGeometry().contains(window.frameGeometry()))
         faults.push_back("the window leaves the screen");
     return faults;

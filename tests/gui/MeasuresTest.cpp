@@ -74,6 +74,11 @@ TEST_F(Rulers, FindWhatLiesOnSomethingElseOrSticksOut) {
     EXPECT_THAT(LayoutFaults(window_), ElementsAre("box lies on label", "button sticks out"));
 }
 
+TEST_F(Rulers, FindATitleThatIsCutOff) {
+    window_.setWindowTitle(QString(window_.width(), '.'));
+    EXPECT_THAT(LayoutFaults(window_), ElementsAre("the title is clipped"));
+}
+
 TEST_F(Rulers, FindAKeyThatStandsForTwoThings) {
     button_.setText("&Ñöðé");
     EXPECT_THAT(DoubleAccessKeys(window_), Contains("button and label share Alt+Ñ"));

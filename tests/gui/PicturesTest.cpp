@@ -19,10 +19,12 @@ constexpr int kMargin = 1;
 
 QPixmap Framed(QWidget& window) {
     const QPixmap inside = window.grab();
-    QPixmap picture(inside.width() + 2 * kMargin, inside.height() + kTitleHeight + kMargin);
+    const QSize size(window.width() + 2 * kMargin, window.height() + kTitleHeight + kMargin);
+    QPixmap picture(size * inside.devicePixelRatio());
+    picture.setDevicePixelRatio(inside.devicePixelRatio());
     picture.fill(QColor(0x6a, 0x70, 0x78));
     QPainter painter(&picture);
-    const QRect title(kMargin, kMargin, inside.width(), kTitleHeight - kMargin);
+    const QRect title(kMargin, kMargin, window.width(), kTitleHeight - kMargin);
     painter.fillRect(title, QColor(0xd8, 0xdc, 0xe2));
     QFont bold = window.font();
     bold.setBold(true);

@@ -9,12 +9,21 @@
 
 namespace kq {
 
-QPoint User::MiddleOf(const QWidget& widget) const {
-    // A check box may be wider than its text, and hears clicks on what can be seen only.
-    const bool ticks = qobject_cast<const QCheckBox*>(&widget) != nullptr;
-    return widget.mapToGlobal(ticks ? QPoint(widget.height() / 2, widget.height() / 2)
-                                    : widget.rect().center());
+namespace {
+
+// The toolkit's places are as far apart as the user has set; the display's are pixels.
+QPoint OnDisplay(const QWidget& widget, QPoint place) {
+    return widget.mapToGlobal(place) * widget.devicePixelRatio();
 }
+
+// A check box may be wider than its text, and hears clicks on what can be seen only.
+QPoint MiddleOf(const QWidget& widget) {
+    const bool ticks = qobject_cast<const QCheckBox*>(&widget) != nullptr;
+    const QPoint tick(widget.height() / 2, widget.height() / 2);
+    return OnDisplay(widget, ticks ? tick : widget.rect().center());
+}
+
+}  // namespace
 
 void User::Clicks(QWidget& window, const std::string& control) {
     const QPoint place = MiddleOf(In(window, control));
@@ -47,7 +56,7 @@ void User::TypesHere(QWidget& window, const std::string& box, const std::string&
 
 void User::ClicksItem(QWidget& window, const std::string& list, int row, bool twice) {
     const auto& widget = In<QListWidget>(window, list);
-    const QPoint place = widget.viewport()->mapToGlobal(widget.visualItemRect(widget.item(row)).center());
+    const QPoint place = OnDisplay(*widget.viewport(), widget.visualItemRect(widget.item(row)).center());
     if (twice)
         hand_.DoubleClick(place.x(), place.y());
     else

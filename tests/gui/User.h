@@ -28,8 +28,6 @@ class User {
     void SeesFocusOn(QWidget& window, const std::string& control);
 
  private:
-    QPoint MiddleOf(const QWidget& widget) const;
-
     Stage& stage_;
     Hand hand_;
 };

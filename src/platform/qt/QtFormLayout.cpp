@@ -13,8 +13,8 @@
 namespace kq {
 namespace {
 
-constexpr int kWrapWidth = 60;  // average characters, from where on a label is broken into lines
-constexpr int kWrapLeast = 44;  // the least that lines are made when a label is broken evenly
+constexpr int kWrapWidth = 66;  // average characters, from where on a label is broken into lines
+constexpr int kWrapLeast = 44;  // the least that lines are shortened to when they are made even
 constexpr int kBoxWidth = 28;   // average characters, the least for a box
 
 enum Column { kLabels, kBoxes, kBehind };
@@ -78,18 +78,30 @@ QHBoxLayout* ButtonRow(const Form& form, const Cells& buttons, const Widgets& wi
     return row;
 }
 
-// One line, or lines of about the same length, so that no word is left alone.
+// One line, or as many as it needs at the most, of about the same length, so that no word is left alone.
 int WidthOf(const QLabel& label, int character) {
-    const int whole = label.fontMetrics().boundingRect(label.text()).width() + character;
-    const int lines = (whole - 1) / (kWrapWidth * character) + 1;
-    return lines == 1 ? whole : std::max(whole / lines + 6 * character, kWrapLeast * character);
+    const QFontMetrics metrics = label.fontMetrics();
+    const int whole = metrics.boundingRect(label.text()).width() + character;
+    const int most = kWrapWidth * character;
+    if (whole <= most) return whole;
+    const auto height = [&](int width) {
+        return metrics.boundingRect(QRect(0, 0, width, 0), Qt::TextWordWrap, label.text()).height();
+    };
+    const int needed = height(most);
+    int width = most;
+    while (width - character >= kWrapLeast * character && height(width - character) == needed)
+        width -= character;
+    return std::min(width + character, most);
 }
 
 }  // namespace
 
 QtFormLayout::QtFormLayout(QWidget& window, const Form& form, const Widgets& widgets) : window_(window) {
     MakePart(window, form, {}, widgets);
-    grids_.front()->setRowStretch(grids_.front()->rowCount(), 1);
+    // Room to spare is the list's; without one it is left below.
+    const bool has_list = std::ranges::any_of(
+        form.Controls(), [](const Control& control) { return control.Kind() == ControlKind::ListView; });
+    if (!has_list) grids_.front()->setRowStretch(grids_.front()->rowCount(), 1);
 }
 
 void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_view frame,

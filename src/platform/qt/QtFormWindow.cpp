@@ -247,7 +247,7 @@ void QtFormWindow::DrawDrawn(const Form& form) {
 
 void QtFormWindow::Fit(const Form& form) {
     const QSize needed = layout_->NeededSize();
-    const QSize size(needed.width(), std::max(needed.height(), LeastHeight(form)));
+    const QSize size(std::max(needed.width(), LeastWidth()), std::max(needed.height(), LeastHeight(form)));
     const bool has_list = std::ranges::any_of(form.Controls(), [&](const Control& control) {
         return control.Kind() == ControlKind::ListView && form.Drawn(control);
     });
@@ -257,6 +257,13 @@ void QtFormWindow::Fit(const Form& form) {
     } else {
         setFixedSize(size);
     }
+}
+
+// So that the title bar has room for the caption, which many systems write in bold, beside its buttons.
+int QtFormWindow::LeastWidth() const {
+    QFont bold = font();
+    bold.setBold(true);
+    return QFontMetrics(bold).horizontalAdvance(windowTitle()) + 5 * fontMetrics().height();
 }
 
 // A height is asked for in twips, and for the outer edges. Controls that need more get more.

@@ -44,6 +44,7 @@ class QtFormWindow final : public QDialog {
     void DrawTexts(const Form& form);
     void DrawDrawn(const Form& form);
     void Fit(const Form& form);
+    int LeastWidth() const;
     int LeastHeight(const Form& form) const;
 
     std::weak_ptr<Form> form_;
