@@ -32,10 +32,11 @@ def identifiers(path):
     return found
 
 
+# The assembly has not the DLL's name: the system would look for its manifest inside the DLL then.
 def manifest(list_path, folder, output):
     lines = ['<?xml version="1.0" encoding="UTF-8" standalone="yes"?>',
              '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">',
-             '  <assemblyIdentity type="win32" name="KQAppSessionLib" version="1.0.0.0"/>',
+             '  <assemblyIdentity type="win32" name="KQAppSession.Automation" version="1.0.0.0"/>',
              '  <file name="KQAppSessionLib.dll">']
     proxies = []
     coclasses = rows(list_path, "KQ_COCLASSES")

@@ -5,6 +5,8 @@
 
 #include <kqappsession/Error.h>
 
+#include "automation/AppObjectOfHost.h"
+#include "base/Convert.h"
 #include "base/Utf.h"
 
 namespace kq::automation {
@@ -50,16 +52,66 @@ ArrayPtr NewVector(VARTYPE type, std::size_t count) {
     return array;
 }
 
-Ptr<IEnumVARIANT> EnumeratorOf(IDispatch* object) {
-    if (!object) RaiseConversion(DISP_E_TYPEMISMATCH);
+// The size of a variable of a type that is no VARIANT.
+std::size_t SizeOf(VARTYPE type) {
+    if (type & VT_ARRAY) return sizeof(SAFEARRAY*);
+    switch (type) {
+        case VT_I1:
+        case VT_UI1:
+            return 1;
+        case VT_I2:
+        case VT_UI2:
+        case VT_BOOL:
+            return 2;
+        case VT_I4:
+        case VT_UI4:
+        case VT_INT:
+        case VT_UINT:
+        case VT_R4:
+        case VT_ERROR:
+            return 4;
+        case VT_I8:
+        case VT_UI8:
+        case VT_R8:
+        case VT_DATE:
+        case VT_CY:
+            return 8;
+        case VT_DECIMAL:
+            return sizeof(DECIMAL);
+        case VT_BSTR:
+        case VT_DISPATCH:
+        case VT_UNKNOWN:
+            return sizeof(void*);
+        default:
+            RaiseConversion(DISP_E_TYPEMISMATCH);
+    }
+}
+
+// Null for an object that has none.
+Ptr<IEnumVARIANT> EnumeratorOf(IDispatch& object) {
     DISPPARAMS none{};
     Variant result;
-    Check(object->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT,
-                         DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &result, nullptr, nullptr));
-    if (result.vt != VT_UNKNOWN && result.vt != VT_DISPATCH) RaiseConversion(DISP_E_TYPEMISMATCH);
-    auto enumerator = Ptr<IUnknown>(result.punkVal).As<IEnumVARIANT>();
-    if (!enumerator) RaiseConversion(DISP_E_TYPEMISMATCH);
-    return enumerator;
+    if (FAILED(object.Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT,
+                             DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &result, nullptr, nullptr))) {
+        return {};
+    }
+    if (result.vt != VT_UNKNOWN && result.vt != VT_DISPATCH) return {};
+    return Ptr<IUnknown>(result.punkVal).As<IEnumVARIANT>();
+}
+
+// An array of a script that keeps its arrays as objects: the members "length", "0", "1", ...
+std::vector<std::string> ElementsOfScriptArray(const Ptr<IDispatch>& object) {
+    const auto members = AppObjectOf(object);
+    const auto length = members->Property("length");
+    if (!length) RaiseConversion(DISP_E_TYPEMISMATCH);
+    const std::int32_t count = TextToLong(*length);
+    std::vector<std::string> texts;
+    for (std::int32_t i = 0; i < count; ++i) {
+        auto text = members->Property(std::to_string(i));
+        if (!text) RaiseConversion(DISP_E_TYPEMISMATCH);
+        texts.push_back(std::move(*text));
+    }
+    return texts;
 }
 
 std::vector<std::string> ElementsOf(SAFEARRAY* array) {
@@ -110,6 +162,10 @@ Variant VariantOf(std::string_view text) {
 }
 
 Variant VariantOf(const std::string& text) {
+    return VariantOf(std::string_view(text));
+}
+
+Variant VariantOf(const char* text) {
     return VariantOf(std::string_view(text));
 }
 
@@ -179,9 +235,10 @@ Variant Resolve(const VARIANT& value) {
     return result;
 }
 
-Variant Changed(const VARIANT& value, VARTYPE type) {
+Variant Changed(const VARIANT& value, VARTYPE type, LCID locale) {
     Variant result;
-    const HRESULT changed = VariantChangeType(&result, const_cast<VARIANT*>(&value), VARIANT_ALPHABOOL, type);
+    const HRESULT changed =
+        VariantChangeTypeEx(&result, const_cast<VARIANT*>(&value), locale, VARIANT_ALPHABOOL, type);
     if (FAILED(changed)) RaiseConversion(changed);
     return result;
 }
@@ -237,14 +294,15 @@ void Store(VARIANT& target, const VARIANT& value) {
         Check(VariantCopy(&target, const_cast<VARIANT*>(&value)));
         return;
     }
-    Variant changed = Changed(value, target.vt & ~VT_BYREF);
+    const auto type = static_cast<VARTYPE>(target.vt & ~VT_BYREF);
+    const std::size_t size = SizeOf(type);
+    Variant changed = Changed(value, type);
     Variant old;
-    old.vt = target.vt & ~VT_BYREF;
-    const std::size_t size = old.vt == VT_BOOL || old.vt == VT_I2 ? sizeof(short)
-                             : old.vt == VT_BSTR || old.vt == VT_DISPATCH || old.vt == VT_UNKNOWN
-                                 ? sizeof(void*)
-                             : old.vt == VT_R8 || old.vt == VT_DATE || old.vt == VT_CY ? sizeof(double)
-                                                                                       : sizeof(long);
+    if (type == VT_DECIMAL) {
+        *target.pdecVal = changed.decVal;
+        return;
+    }
+    old.vt = type;
     std::memcpy(&old.llVal, target.byref, size);
     std::memcpy(target.byref, &changed.llVal, size);
     changed.vt = VT_EMPTY;  // belongs to the variable
@@ -300,7 +358,10 @@ Variant VariantOfBytes(std::string_view bytes) {
 std::vector<std::string> ListOf(const VARIANT& argument) {
     const Variant value = Resolve(argument);
     if ((value.vt & VT_ARRAY) && value.parray) return ElementsOf(value.parray);
-    const auto enumerator = EnumeratorOf(ObjectOr(&value).Get());
+    const auto object = ObjectOr(&value);
+    if (!object) RaiseConversion(DISP_E_TYPEMISMATCH);
+    const auto enumerator = EnumeratorOf(*object.Get());
+    if (!enumerator) return ElementsOfScriptArray(object);
     std::vector<std::string> texts;
     for (;;) {
         Variant element;

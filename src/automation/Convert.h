@@ -55,6 +55,7 @@ inline Variant VariantOf(Variant value) {
 }
 Variant VariantOf(std::string_view text);
 Variant VariantOf(const std::string& text);
+Variant VariantOf(const char* text);
 Variant VariantOf(std::int32_t number);
 Variant VariantOf(long number);
 Variant VariantOf(double number);
@@ -73,7 +74,7 @@ Variant ByReference(IDispatch*& object);
 // The value without references to variables. A copy.
 Variant Resolve(const VARIANT& value);
 // Converted as the automation run time does; TypeMismatch or Overflow.
-Variant Changed(const VARIANT& value, VARTYPE type);
+Variant Changed(const VARIANT& value, VARTYPE type, LCID locale = LOCALE_USER_DEFAULT);
 
 // An optional argument: left out when the pointer is null or the value says so.
 bool Missing(const VARIANT* argument);
@@ -98,7 +99,8 @@ Variant ScriptArray(const SAFEARRAY* array);
 std::string BytesOf(const VARIANT& value);
 Variant VariantOfBytes(std::string_view bytes);
 
-// The elements of an array or of an object with an enumerator, as texts. TypeMismatch for anything else.
+// The elements of an array, of an object with an enumerator or of a script's own array (an object with a
+// length), as texts. TypeMismatch for anything else.
 std::vector<std::string> ListOf(const VARIANT& value);
 
 // An index: a text is a name, a number a position. Calls the one function or the other.

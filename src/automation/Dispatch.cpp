@@ -59,9 +59,10 @@ Variant ObjectArgument(const VARIANT& argument, const Type& type) {
     const Ptr<IDispatch> object = ObjectOr(&argument);
     Variant value;
     value.vt = type.type;
-    if (!object) return value;
-    Check(object->QueryInterface(type.object.value_or(IID_IDispatch),
-                                 reinterpret_cast<void**>(&value.punkVal)));
+    if (object && FAILED(object->QueryInterface(type.object.value_or(IID_IDispatch),
+                                                reinterpret_cast<void**>(&value.punkVal)))) {
+        Raise(RuntimeError::TypeMismatch);
+    }
     return value;
 }
 
@@ -69,9 +70,7 @@ Variant ObjectArgument(const VARIANT& argument, const Type& type) {
 Variant Argument(const VARIANT& argument, const Type& type, LCID locale) {
     if (type.type == VT_DISPATCH || type.type == VT_UNKNOWN) return ObjectArgument(argument, type);
     if (type.type == VT_VARIANT) return Resolve(argument);
-    Variant value;
-    Check(VariantChangeTypeEx(&value, const_cast<VARIANT*>(&argument), locale, VARIANT_ALPHABOOL, type.type));
-    return value;
+    return Changed(argument, type.type, locale);
 }
 
 Variant Absent(const Type& type) {
@@ -86,6 +85,8 @@ Variant Absent(const Type& type) {
     return value;
 }
 
+// Whether a member left an argument as it was. Of what members write, that is: a value of another type that
+// has kept its type was not touched.
 bool SameValue(const VARIANT& a, const VARIANT& b) {
     if (a.vt != b.vt) return false;
     switch (a.vt) {
@@ -96,14 +97,13 @@ bool SameValue(const VARIANT& a, const VARIANT& b) {
         case VT_BOOL:
         case VT_I2:
             return a.iVal == b.iVal;
-        case VT_EMPTY:
-        case VT_NULL:
-            return true;
+        case VT_R8:
+            return a.dblVal == b.dblVal;
         case VT_DISPATCH:
         case VT_UNKNOWN:
             return a.punkVal == b.punkVal;
         default:
-            return false;
+            return true;
     }
 }
 
@@ -122,6 +122,7 @@ class Member {
     Member& operator=(const Member&) = delete;
     ~Member() { info_->ReleaseFuncDesc(description_); }
 
+    bool IsRead() const { return description_->invkind == INVOKE_PROPERTYGET; }
     UINT Count() const { return static_cast<UINT>(description_->cParams); }
     bool HasResult() const { return Count() > 0 && (FlagsOf(Count() - 1) & PARAMFLAG_FRETVAL); }
     UINT Inputs() const { return HasResult() ? Count() - 1 : Count(); }
@@ -175,6 +176,13 @@ class Call {
         for (UINT i = 0; i < member_.Count(); ++i)
             Take(i, locale, wrong_argument);
     }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+    // A password among the arguments leaves no copy behind.
+    ~Call() {
+        Wipe(values_);
+        Wipe(before_);
+    }
 
     // The result that the member itself returned.
     HRESULT Run(IDispatch* self) {
@@ -212,6 +220,13 @@ class Call {
     }
 
  private:
+    static void Wipe(std::vector<Variant>& values) {
+        for (Variant& value : values) {
+            if (value.vt == VT_BSTR && value.bstrVal)
+                WipeMemory(value.bstrVal, SysStringByteLen(value.bstrVal));
+        }
+    }
+
     void PlaceArguments() {
         const UINT named = arguments_.cNamedArgs;
         if (arguments_.cArgs > member_.Inputs()) throw Failure(DISP_E_BADPARAMCOUNT);
@@ -287,9 +302,16 @@ template <class F>
 HRESULT Plain(F&& body) noexcept {
     const HRESULT result = Guard(IID_IDispatch, body);
     ForgetError();
-    if (result == ResultOf(NumberOf(RuntimeError::TypeMismatch))) return DISP_E_TYPEMISMATCH;
-    if (result == ResultOf(NumberOf(RuntimeError::Overflow))) return DISP_E_OVERFLOW;
     return result;
+}
+
+// A call up to the member and back. An argument that cannot be converted is an error of this library like the
+// member's own; other failures of the dispatch are its plain result.
+template <class F>
+HRESULT Calling(EXCEPINFO* exception, F&& body) noexcept {
+    const HRESULT result = Guard(IID_IDispatch, body);
+    const bool run_time_error = FAILED(result) && HRESULT_FACILITY(result) == FACILITY_CONTROL;
+    return run_time_error ? FillException(result, exception) : Plain([&] { Check(result); });
 }
 
 }  // namespace
@@ -306,16 +328,19 @@ HRESULT Invoke(REFIID interface_id, IDispatch* self, DISPID id, LCID locale, WOR
                DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception, UINT* wrong_argument) noexcept {
     const Ptr<IDispatch> keep(self);  // a member may run the host's code, which may drop the object
     HRESULT outcome = S_OK;
-    const HRESULT failed = Plain([&] {
+    const HRESULT failed = Calling(exception, [&] {
         DISPPARAMS& given = Given(arguments);
         const Member member(interface_id, id, flags);
         DISPPARAMS none{};
-        const bool for_result = member.Inputs() == 0 && member.HasResult() && given.cArgs > 0;
+        const bool for_result = member.IsRead() && member.Inputs() == 0 && given.cArgs > 0;
         Call call(member, for_result ? none : given, locale, wrong_argument);
         const HRESULT raised = call.Run(self);
-        if (FAILED(raised)) outcome = FillException(raised, exception);
+        if (FAILED(raised)) {
+            outcome = FillException(raised, exception);
+            Plain([&] { call.WriteBack(); });  // what the member raised counts, not a variable too small
+            return;
+        }
         call.WriteBack();
-        if (FAILED(raised)) return;
         Variant value = call.TakeResult();
         if (for_result) {
             Variant element;

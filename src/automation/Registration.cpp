@@ -105,7 +105,9 @@ void UnregisterLibrary(Scope scope, int number) {
         scope == Scope::Machine
             ? UnRegisterTypeLib(of->guid, of->wMajorVerNum, of->wMinorVerNum, of->lcid, of->syskind)
             : UnRegisterTypeLibForUser(of->guid, of->wMajorVerNum, of->wMinorVerNum, of->lcid, of->syskind);
-    if (result != TYPE_E_REGISTRYACCESS) Check(result);  // it was not registered
+    const bool absent =
+        result == TYPE_E_REGISTRYACCESS || result == E_INVALIDARG;  // some systems say the latter
+    if (!absent) Check(result);
 }
 
 void RegisterCoclass(Scope scope, const CoclassEntry& entry) {
@@ -136,13 +138,6 @@ void UnregisterCoclass(Scope scope, const CoclassEntry& entry) {
     Remove(scope, L"CLSID\\" + id);
 }
 
-void TakeOut(Scope scope) {
-    for (const auto& entry : Coclasses())
-        UnregisterCoclass(scope, entry);
-    for (int number = kTypeLibraries; number >= 1; --number)
-        UnregisterLibrary(scope, number);
-}
-
 }  // namespace
 
 HRESULT Register(Scope scope) noexcept {
@@ -157,7 +152,16 @@ HRESULT Register(Scope scope) noexcept {
 }
 
 HRESULT Unregister(Scope scope) noexcept {
-    return Guard(IID_NULL, [&] { TakeOut(scope); });
+    HRESULT first_failure = S_OK;
+    const auto step = [&](auto&& body) {  // what cannot be taken out keeps nothing else in
+        const HRESULT result = Guard(IID_NULL, body);
+        if (FAILED(result) && SUCCEEDED(first_failure)) first_failure = result;
+    };
+    for (const auto& entry : Coclasses())
+        step([&] { UnregisterCoclass(scope, entry); });
+    for (int number = kTypeLibraries; number >= 1; --number)
+        step([&] { UnregisterLibrary(scope, number); });
+    return first_failure;
 }
 
 }  // namespace kq::automation

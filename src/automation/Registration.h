@@ -7,9 +7,9 @@ namespace kq::automation {
 
 enum class Scope { Machine, User };
 
-// All or nothing: what was entered is taken out again when a step fails.
+// All or nothing: when a step fails, everything is taken out, an earlier registration too.
 HRESULT Register(Scope scope) noexcept;
-// Leaves nothing behind; a ProgID that names another class stays.
+// Leaves nothing behind; a ProgID that names another class stays. The first failure, after all steps.
 HRESULT Unregister(Scope scope) noexcept;
 
 }  // namespace kq::automation

@@ -5,14 +5,12 @@
 #include "automation/Guard.h"
 
 // X(member, parameters)
-#define KQ_UNFINISHED_CLIENT_MEMBERS(X)                                      \
-    X(Login, (BSTR*, BSTR*, IDispatch**, VARIANT*, VARIANT*, VARIANT_BOOL*)) \
-    X(ChooseProfile, (IDispatch**, VARIANT*, VARIANT_BOOL*))                 \
-    X(ChangePassword, (BSTR*, VARIANT*, VARIANT_BOOL*))                      \
-    X(ChangeConfiguration, (VARIANT_BOOL*))                                  \
-    X(SaveFormInfo, (IDispatch**))                                           \
-    X(LoadFormInfo, (IDispatch**))                                           \
-    X(ChooseProfileASP, (VARIANT*, VARIANT_BOOL*))                           \
+#define KQ_UNFINISHED_CLIENT_MEMBERS(X)                      \
+    X(ChooseProfile, (IDispatch**, VARIANT*, VARIANT_BOOL*)) \
+    X(ChangePassword, (BSTR*, VARIANT*, VARIANT_BOOL*))      \
+    X(SaveFormInfo, (IDispatch**))                           \
+    X(LoadFormInfo, (IDispatch**))                           \
+    X(ChooseProfileASP, (VARIANT*, VARIANT_BOOL*))           \
     X(ChooseProfile2, (BSTR*, BSTR*, BSTR*, VARIANT*, VARIANT_BOOL*))
 
 namespace kq::automation {

@@ -55,6 +55,18 @@ class ClientObject final
         return Do([&] { core_->SetUseProfiles(In(Value)); });
     }
 
+    HRESULT STDMETHODCALLTYPE Login(BSTR* AppID, BSTR* InterfaceVersion, IDispatch** AppObj,
+                                    VARIANT* CommandStr, VARIANT* AppIcon, VARIANT_BOOL* Result) override {
+        return Get(Result, [&] {
+            CheckPicture(AppIcon);
+            return core_->Login(In(AppID), In(InterfaceVersion), AppObjectOf(Ptr<IDispatch>(Given(AppObj))),
+                                TextOr(CommandStr));
+        });
+    }
+    HRESULT STDMETHODCALLTYPE ChangeConfiguration(VARIANT_BOOL* Result) override {
+        return Get(Result, [&] { return core_->ChangeConfiguration(); });
+    }
+
 #define KQ_X(member, parameters)                           \
     HRESULT STDMETHODCALLTYPE member parameters override { \
         return Do([] { RaiseNotImplemented(#member); });   \
@@ -133,7 +145,8 @@ class ClientObject final
                 show_caller();
                 return sent;
             } catch (...) {
-                show_caller();
+                const HRESULT shown = Guard(__uuidof(Main), show_caller);
+                static_cast<void>(shown);  // the upload's own error counts, not a variable too small
                 throw;
             }
         });

@@ -1,0 +1,126 @@
+// How objects come and go: by manifest, from the class factory, until the DLL can be unloaded.
+#include <objbase.h>
+
+#include "automation/Host.h"
+
+namespace kq {
+namespace {
+
+constexpr const wchar_t* kClasses[] = {
+    L"KQAppSessionLib.KQAppSessClient",
+    L"KQAppSessionLib.KQAppSessServer",
+    L"KQXMLMessageLib.XMLElement",
+    L"KQXMLMessageLib.XMLMessage",
+    L"KQAppProtocolLib.APClient",
+    L"KQAppProtocolLib.Listener",
+    L"KQXMLBusClientLib.Client",
+    L"KQWebDataLib.TranslationTable",
+    L"KQWebDataLib.DataTable",
+    L"KQWebDataLib.Profile",
+    L"KQWebDataLib.Profiles",
+    L"KQStatisticsLib.Statistics",
+    L"KQTimerLib.Timer",
+};
+
+TEST(Activation, MakesEveryClassByItsPlainAndItsVersionedProgID) {
+    for (const std::wstring name : kClasses) {
+        EXPECT_TRUE(Create<IDispatch>(name.c_str()));
+        EXPECT_TRUE(Create<IDispatch>((name + L".1").c_str()));
+    }
+}
+
+TEST(Activation, UnloadsTheDllWhenTheLastObjectIsGone) {
+    auto server = NewServer();
+    auto client = NewClient();
+    ASSERT_TRUE(GetModuleHandleW(L"KQAppSessionLib.dll"));
+    server = nullptr;
+    client = nullptr;
+    ASSERT_TRUE(Await([] {
+        CoFreeUnusedLibrariesEx(0, 0);
+        return !GetModuleHandleW(L"KQAppSessionLib.dll");
+    }));
+    EXPECT_TRUE(NewClient());  // and it comes back
+}
+
+TEST(Activation, KeepsTheDllWhileAnObjectLives) {
+    const auto timer = NewTimer();
+    CoFreeUnusedLibrariesEx(0, 0);
+    EXPECT_TRUE(GetModuleHandleW(L"KQAppSessionLib.dll"));
+}
+
+TEST(Activation, RefusesToBePartOfAnotherObject) {
+    HostObject outer;
+    Ptr<IUnknown> object;
+    EXPECT_EQ(CoCreateInstance(__uuidof(Timer), &outer, CLSCTX_INPROC_SERVER, IID_IUnknown, object.OutVoid()),
+              CLASS_E_NOAGGREGATION);
+}
+
+TEST(Activation, RefusesInterfacesThatAClassLacks) {
+    Ptr<IUnknown> object;
+    EXPECT_EQ(
+        CoCreateInstance(__uuidof(Timer), nullptr, CLSCTX_INPROC_SERVER, __uuidof(_Client), object.OutVoid()),
+        E_NOINTERFACE);
+}
+
+TEST(Activation, TellsItsClassAndItsEvents) {
+    const auto info = NewTimer().As<IProvideClassInfo2>();
+    ASSERT_TRUE(info);
+    GUID source{};
+    EXPECT_EQ(info->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &source), S_OK);
+    EXPECT_TRUE(source == __uuidof(_TimerEvents));
+    Ptr<ITypeInfo> description;
+    EXPECT_EQ(info->GetClassInfo(description.Out()), S_OK);
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(description->GetTypeAttr(&attributes), S_OK);
+    EXPECT_TRUE(attributes->guid == __uuidof(Timer));
+    description->ReleaseTypeAttr(attributes);
+}
+
+TEST(Activation, TellsThatAClassHasNoEvents) {
+    GUID source{};
+    EXPECT_EQ(NewClient().As<IProvideClassInfo2>()->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &source),
+              E_INVALIDARG);
+}
+
+// A thread of the other kind of apartment: the system carries its calls to the object's thread.
+struct ForeignCall {
+    Ptr<IStream> stream;
+    HRESULT result = E_FAIL;
+    std::wstring address;
+    HANDLE context = nullptr;
+
+    static DWORD WINAPI Run(void* parameter) {
+        auto& call = *static_cast<ForeignCall*>(parameter);
+        ULONG_PTR cookie = 0;
+        ActivateActCtx(call.context, &cookie);
+        CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        {
+            Ptr<_KQAppSessClient> client;
+            call.result = CoGetInterfaceAndReleaseStream(call.stream.Detach(), __uuidof(_KQAppSessClient),
+                                                         client.OutVoid());
+            if (SUCCEEDED(call.result)) {
+                call.result = client->put_AppServerAddress(TextReference(L"from afar"));
+                call.address = Read(client, &_KQAppSessClient::get_AppServerAddress);
+            }
+        }
+        CoUninitialize();
+        return 0;
+    }
+};
+
+TEST(Activation, CarriesCallsFromOtherThreads) {
+    const auto client = NewClient();
+    ForeignCall call;
+    GetCurrentActCtx(&call.context);
+    ASSERT_EQ(
+        CoMarshalInterThreadInterfaceInStream(__uuidof(_KQAppSessClient), client.Get(), call.stream.Out()),
+        S_OK);
+    const HANDLE thread = CreateThread(nullptr, 0, &ForeignCall::Run, &call, 0, nullptr);
+    ASSERT_TRUE(Await([&] { return WaitForSingleObject(thread, 0) == WAIT_OBJECT_0; }));
+    CloseHandle(thread);
+    EXPECT_EQ(call.result, S_OK);
+    EXPECT_EQ(call.address, L"from afar");
+}
+
+}  // namespace
+}  // namespace kq
