@@ -15,6 +15,7 @@
 #include "dialogs/frmProfiles.h"
 #include "dialogs/frmServer.h"
 #include "gui/User.h"
+#include "platform/TemporaryFolder.h"
 
 namespace kq {
 namespace {
@@ -219,6 +220,15 @@ TEST_F(ServerWindow, GoesFromControlToControlByTab) {
     EXPECT_FALSE(Ask());
 }
 
+TEST_F(ServerWindow, ChangesNothingWhenItIsClosedByItsCloseBox) {
+    stage.When("frmServer", [&](QWidget& window) {
+        user.Types(window, "txtAddress", "zeb2");
+        user.ClosesByTheSystem(window);
+    });
+    EXPECT_FALSE(Ask());
+    EXPECT_EQ(address, "zeb");
+}
+
 // --- Password
 
 class PasswordWindow : public AtTheWindow {
@@ -253,6 +263,16 @@ TEST_F(PasswordWindow, EmptiesBothNewOnesWhenTheyDiffer) {
     BoxSays("Values must be entered for both old password and new password.", "OK", "KQAppSessionLib");
     stage.When("frmPassword", [&](QWidget& window) { user.ClosesByTheSystem(window); });
     EXPECT_FALSE(Ask());
+}
+
+TEST_F(PasswordWindow, TakesNothingWhenItIsCancelled) {
+    stage.When("frmPassword", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtOldPassword");
+        user.TypesHere(window, "txtOldPassword", "Old", "Old");
+        user.Clicks(window, "cmdCancel");
+    });
+    EXPECT_FALSE(Ask());
+    EXPECT_TRUE(old_password.Empty());
 }
 
 // --- Profiles
@@ -331,6 +351,65 @@ TEST_F(ProfilesWindow, MakesANewProfile) {
     EXPECT_TRUE(changed);
 }
 
+TEST_F(ProfilesWindow, CopiesAProfileUnderTheNameThatItProposes) {
+    Has({"Sales"});
+    current = profiles->Item("Sales");
+    stage.When("frmProfiles", [&](QWidget& window) { user.Clicks(window, "cmdCopy"); });
+    stage.When("frmNewProfile", [&](QWidget& window) {
+        EXPECT_EQ(window.windowTitle(), "New Profile");
+        EXPECT_EQ(In<QLineEdit>(window, "txtName").text(), "Copy of Sales");
+        stage.Await([&] { return In(window, "cmdOK").isEnabled(); }, "OK");
+        user.Clicks(window, "cmdOK");
+    });
+    stage.When("frmProfiles", [&](QWidget& window) {
+        EXPECT_THAT(Listed(window), testing::UnorderedElementsAre("Sales", "Copy of Sales"));
+        user.ClosesByTheSystem(window);
+    });
+    EXPECT_FALSE(Choose());
+    EXPECT_TRUE(changed);
+}
+
+TEST_F(ProfilesWindow, RenamesAProfileButNotToATakenName) {
+    Has({"Purchasing", "Sales"});
+    current = profiles->Item("Sales");
+    const auto rename = [&](const std::string& name) {
+        stage.When("frmProfiles", [&](QWidget& window) { user.Clicks(window, "cmdRename"); });
+        stage.When("frmNewProfile", [&, name](QWidget& window) {
+            EXPECT_EQ(window.windowTitle(), "Rename Profile");
+            user.SeesFocusOn(window, "txtName");
+            user.TypesHere(window, "txtName", name, name);
+            stage.Await([&] { return In(window, "cmdOK").isEnabled(); }, "OK");
+            user.Presses("Return");
+        });
+    };
+    rename("Purchasing");
+    BoxSays("A profile named Purchasing already exists.", "OK");
+    rename("Export");
+    stage.When("frmProfiles", [&](QWidget& window) {
+        EXPECT_THAT(Listed(window), testing::UnorderedElementsAre("Export", "Purchasing"));
+        user.Clicks(window, "cmdCancel");
+    });
+    EXPECT_FALSE(Choose());
+    EXPECT_EQ(current->Name(), "Export");
+    EXPECT_TRUE(changed);
+}
+
+TEST_F(ProfilesWindow, AsksAgainAsLongAsThereIsNoProfile) {
+    const std::string what =
+        "Profiles are used by the client to save groups of configurations.  Please create and choose at "
+        "least one "
+        "profile to use for this session by clicking the \"New\" button.";
+    const std::string none =
+        "A profile has not been created.  You will not be able to continue without a profile.  Click Yes to "
+        "create a profile, or No to quit.";
+    BoxSays(what, "OK");
+    stage.When("frmProfiles", [&](QWidget&) { user.Presses("Escape"); });
+    BoxSays(none, "Yes");
+    stage.When("frmProfiles", [&](QWidget&) { user.Presses("Escape"); });
+    BoxSays(none, "No");
+    EXPECT_FALSE(Choose());
+}
+
 TEST_F(ProfilesWindow, RemovesAProfileWhenTheUserAgrees) {
     Has({"Purchasing", "Sales"});
     current = profiles->Item("Sales");
@@ -344,6 +423,17 @@ TEST_F(ProfilesWindow, RemovesAProfileWhenTheUserAgrees) {
     EXPECT_TRUE(changed);
 }
 
+TEST_F(ProfilesWindow, KeepsAProfileWhenTheUserDoesNotAgree) {
+    Has({"Sales"});
+    current = profiles->Item("Sales");
+    stage.When("frmProfiles", [&](QWidget& window) { user.Clicks(window, "cmdRemove"); });
+    BoxSays("Are you sure you wish to remove the 'Sales\" profile?", "No", "Remove Profile Sales");
+    stage.When("frmProfiles", [&](QWidget&) { user.Presses("Escape"); });
+    EXPECT_FALSE(Choose());
+    EXPECT_TRUE(profiles->Exists("Sales"));
+    EXPECT_FALSE(changed);
+}
+
 TEST_F(ProfilesWindow, AsksWhereTheShortcutGoes) {
     Has({"Sales"});
     current = profiles->Item("Sales");
@@ -354,6 +444,20 @@ TEST_F(ProfilesWindow, AsksWhereTheShortcutGoes) {
     });
     stage.When("frmProfiles", [&](QWidget&) { user.Presses("Escape"); });
     EXPECT_FALSE(Choose());
+}
+
+TEST_F(ProfilesWindow, MakesAShortcutWhereTheUserSays) {
+    const TemporaryFolder folder;
+    Has({"Sales"});
+    current = profiles->Item("Sales");
+    stage.When("frmProfiles", [&](QWidget& window) { user.Clicks(window, "cmdShortcut"); });
+    stage.When("SaveDialog", [&](QWidget& window) {
+        user.Types(window, "fileNameEdit", folder.File("Mine"));
+        user.Presses("Return");
+    });
+    stage.When("frmProfiles", [&](QWidget&) { user.Presses("Escape"); });
+    EXPECT_FALSE(Choose());
+    EXPECT_THAT(folder.Get("Mine.desktop"), testing::HasSubstr("\"/Profile\" \"Sales\""));
 }
 
 // --- New profile
@@ -371,6 +475,19 @@ TEST_F(AtTheWindow, NewProfileKeepsOkBackWhileTheNameIsBlank) {
     });
     EXPECT_TRUE(frmNewProfile(stage.Machine()).RenameProfile(name, nullptr));
     EXPECT_EQ(name, "Main");
+}
+
+TEST_F(AtTheWindow, NewProfileLeavesTheNameWhenItIsClosed) {
+    std::string name = "Sales";
+    stage.When("frmNewProfile", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtName");
+        user.TypesHere(window, "txtName", "Main", "Main");
+        user.ClosesByTheSystem(window);
+    });
+    EXPECT_FALSE(frmNewProfile(stage.Machine()).GetNewProfile(name, nullptr));
+    stage.When("frmNewProfile", [&](QWidget& window) { user.Clicks(window, "cmdCancel"); });
+    EXPECT_FALSE(frmNewProfile(stage.Machine()).GetNewProfile(name, nullptr));
+    EXPECT_EQ(name, "Sales");
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 // What every window must hold to, in every language and however large the user has set the writing.
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QFont>
+#include <QProxyStyle>
+#include <QPushButton>
 #include <tuple>
 
 #include <gmock/gmock.h>
@@ -57,6 +60,37 @@ TEST(WindowsInTheLanguageThatNobodySpeaks, TakeEveryTextFromTheTable) {
             EXPECT_THAT(UntranslatedTexts(window, {"KQAppSessionLib", "Main"}), IsEmpty());
         });
     }
+}
+
+// The order of buttons of a desktop, by the toolkit's number.
+class ButtonsOfADesktop : public QProxyStyle {
+ public:
+    explicit ButtonsOfADesktop(int order) : order_(order) {}
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* result) const override {
+        return hint == SH_DialogButtonLayout ? order_ : QProxyStyle::styleHint(hint, option, widget, result);
+    }
+
+ private:
+    int order_;
+};
+
+TEST(WindowsOnADesktopThatEndsWithOk, HaveTheirButtonsAndTabsInThatOrder) {
+    const QString usual = QApplication::style()->objectName();
+    QApplication::setStyle(new ButtonsOfADesktop(QDialogButtonBox::GnomeLayout));
+    Stage stage;
+    for (const auto& scene : Scenes()) {
+        SCOPED_TRACE(scene.name);
+        scene.show(stage, [&](QWidget& window) {
+            EXPECT_THAT(TabOrderFaults(window), IsEmpty());
+            EXPECT_THAT(LayoutFaults(window), IsEmpty());
+            const auto* const ok = window.findChild<QPushButton*>("cmdOK");
+            const auto* const cancel = window.findChild<QPushButton*>("cmdCancel");
+            if (!ok || !cancel) return;
+            EXPECT_GT(ok->x(), cancel->x());
+        });
+    }
+    QApplication::setStyle(usual);
 }
 
 INSTANTIATE_TEST_SUITE_P(InEveryLanguageAtEveryScale, Windows,

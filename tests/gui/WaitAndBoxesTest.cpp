@@ -1,22 +1,22 @@
-// Windows above others, message boxes, downloads, and what goes on while a modal window is open.
+// Message boxes, windows above others, where to save, and what goes on while a modal window is open.
 #include <QApplication>
 #include <QLabel>
 #include <QMessageBox>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QWindow>
-#include <filesystem>
-#include <fstream>
+#include <algorithm>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include <kqappsession/Listener.h>
 #include <kqappsession/QtPlatform.h>
 
-#include "dialogs/frmDownload.h"
 #include "dialogs/frmLogin.h"
 #include "dialogs/frmServer.h"
 #include "dialogs/frmWait.h"
+#include "gui/Scenes.h"
 #include "gui/User.h"
 #include "platform/TemporaryFolder.h"
 
@@ -45,6 +45,39 @@ TEST_F(OnTheScreen, BoxShowsItsTextAsItStands) {
         user.Presses("Escape");
     });
     EXPECT_EQ(pressed, BoxButton::OK);
+}
+
+// Buttons from the left to the right, the default one in front.
+std::vector<std::string> ButtonsOf(const QMessageBox& box) {
+    auto buttons = box.buttons();
+    std::ranges::sort(buttons, {}, [](const QAbstractButton* button) { return button->x(); });
+    std::vector<std::string> captions{"default " + box.defaultButton()->text().remove('&').toStdString()};
+    for (QAbstractButton* const button : buttons)
+        captions.push_back(button->text().remove('&').toStdString());
+    return captions;
+}
+
+TEST_F(OnTheScreen, BoxHasTheIconAndTheButtonsOfItsStyle) {
+    using Captions = std::vector<std::string>;
+    struct Look {
+        BoxStyle style;
+        QMessageBox::Icon icon;
+        Captions buttons;
+    };
+    for (const auto& look :
+         {Look{BoxStyle::Error, QMessageBox::Critical, {"default OK", "OK"}},
+          Look{BoxStyle::Warning, QMessageBox::Warning, {"default OK", "OK"}},
+          Look{BoxStyle::Information, QMessageBox::Information, {"default OK", "OK"}},
+          Look{BoxStyle::YesNo, QMessageBox::Warning, {"default Yes", "Yes", "No"}},
+          Look{BoxStyle::YesNoCancel, QMessageBox::Warning, {"default Yes", "Yes", "No", "Cancel"}}}) {
+        Box(look.style, [&](QWidget& window) {
+            const auto& box = dynamic_cast<QMessageBox&>(window);
+            EXPECT_EQ(box.icon(), look.icon);
+            EXPECT_EQ(ButtonsOf(box), look.buttons);
+            EXPECT_FALSE(box.iconPixmap().isNull());
+            user.Presses("Return");
+        });
+    }
 }
 
 TEST_F(OnTheScreen, BoxTakesEnterForItsFirstButton) {
@@ -182,7 +215,7 @@ TEST_F(SaveQuestionOnScreen, ReplacesAFileOnlyAfterTheUserAgreed) {
 
 // --- While a modal window is open
 
-TEST_F(OnTheScreen, ASocketIsServedWhileAnyModalWindowIsOpen) {
+TEST_F(OnTheScreen, ASocketIsServedWhileAnyWindowIsOpen) {
     const auto listener = Listener::Create(stage.Machine());
     Owner owner;
     std::string heard;
@@ -190,23 +223,16 @@ TEST_F(OnTheScreen, ASocketIsServedWhileAnyModalWindowIsOpen) {
     listener->Listen(0, "127.0.0.1");
     const auto client = APClient::Create(stage.Machine());
     client->Connect("127.0.0.1", listener->Port(), "", 10'000);
-    const auto send = [&](const std::string& text) {
-        heard.clear();
-        client->SendBytes(text);
-        stage.Await([&] { return heard == text; }, text + " at the other side");
-    };
-    Box(BoxStyle::YesNo, [&](QWidget&) {
-        send("box");
-        user.Presses("Return");
-    });
-    stage.When("frmServer", [&](QWidget&) {
-        send("form");
-        user.Presses("Escape");
-    });
-    std::string address;
-    std::int32_t port = 1, time_out = 1000;
-    bool use_as_server = false;
-    frmServer(stage.Machine()).GetServerInfo(address, port, time_out, use_as_server, nullptr);
+    std::size_t visited = 0;
+    for (const auto& scene : Scenes()) {
+        scene.show(stage, [&](QWidget&) {
+            heard.clear();
+            client->SendBytes(scene.name);
+            stage.Await([&] { return heard == scene.name; }, scene.name + " at the other side");
+            ++visited;
+        });
+    }
+    EXPECT_EQ(visited, Scenes().size());
 }
 
 TEST_F(OnTheScreen, AModalWindowHasTheIconAndTheHostsWindowAsItsOwner) {
@@ -215,7 +241,8 @@ TEST_F(OnTheScreen, AModalWindowHasTheIconAndTheHostsWindowAsItsOwner) {
     host.show();
     QPixmap picture(16, 16);
     picture.fill(Qt::red);
-    const std::string path = std::filesystem::temp_directory_path() / "kqicon.png";
+    const TemporaryFolder folder;
+    const std::string path = folder.File("icon.png");
     picture.save(QString::fromStdString(path));
     host.activateWindow();
     stage.Await([&] { return host.isActiveWindow(); }, "the host's window");
@@ -229,86 +256,11 @@ TEST_F(OnTheScreen, AModalWindowHasTheIconAndTheHostsWindowAsItsOwner) {
     std::int32_t port = 1, time_out = 1000;
     bool use_as_server = false;
     frmServer(stage.Machine()).GetServerInfo(address, port, time_out, use_as_server, MakeQtIcon(path));
-    std::filesystem::remove(path);
     EXPECT_TRUE(host.isVisible());
 }
 
 TEST(QtIcons, AreNothingWhereThereIsNoPicture) {
     EXPECT_EQ(MakeQtIcon("/nowhere/icon.png"), nullptr);
-}
-
-// --- Download
-
-class DownloadWindow : public OnTheScreen {
- protected:
-    DownloadWindow() {
-        listener_->Receive.Connect(owner_,
-                                   [this](const Listener::ClientPtr& peer, const Block&) { peer_ = peer; });
-        listener_->Listen(0, "127.0.0.1");
-        client_->Connect("127.0.0.1", listener_->Port(), "", 10'000);
-    }
-    bool Download() { return frmDownload(stage.Machine()).DownloadClient(client_, path_, try_again_); }
-    // The next question says so and is answered with No.
-    void IsAsked(const std::string& reason) {
-        stage.When("MessageBox", [=, this](QWidget& box) {
-            EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text().toStdString(), Failed(reason));
-            user.Answers(box, "No");
-        });
-    }
-    static std::string Failed(const std::string& reason) {
-        return "An error occurred while downloading: " + reason + ".  Would you like to try to login again?";
-    }
-
-    std::shared_ptr<Listener> listener_ = Listener::Create(stage.Machine());
-    std::shared_ptr<APClient> client_ = APClient::Create(stage.Machine());
-    Listener::ClientPtr peer_;  // the server's side, once the request has come
-    std::string path_ = "unchanged";
-    bool try_again_ = true;
-    Owner owner_;
-};
-
-TEST_F(DownloadWindow, MovesItsBarAndSavesTheFile) {
-    stage.When("frmDownload", [&](QWidget& window) {
-        const auto& bar = In<QProgressBar>(window, "pbProgress");
-        EXPECT_EQ(bar.value(), 0);
-        int moved = 0;
-        QObject::connect(&bar, &QProgressBar::valueChanged, &window, [&moved] { ++moved; });
-        stage.Await([&] { return peer_ != nullptr; }, "the request");
-        peer_->SendBytes(std::string(7 << 20, 'x'));
-        stage.Await([&] { return moved > 2; }, "the bar to move");
-    });
-    EXPECT_TRUE(Download());
-    EXPECT_EQ(std::filesystem::file_size(path_), 7U << 20);
-    std::filesystem::remove(path_);
-    std::filesystem::remove(path_.substr(0, path_.size() - 3) + "tmp");
-}
-
-TEST_F(DownloadWindow, CannotBeClosedByHand) {
-    stage.When("frmDownload", [&](QWidget& window) {
-        user.ClosesByTheSystem(window);
-        user.Presses("Escape");
-        stage.Await([&] { return peer_ != nullptr; }, "the request");
-        stage.Loop().ProcessPending();
-        EXPECT_TRUE(window.isVisible());
-        peer_->Disconnect();
-    });
-    stage.When("MessageBox", [&](QWidget& box) { user.Answers(box, "Yes"); });
-    EXPECT_FALSE(Download());
-    EXPECT_TRUE(try_again_);
-}
-
-TEST_F(DownloadWindow, SaysWhyTheServerRefuses) {
-    XMLMessage refusal("ASDownloadClientResponse", "1");
-    refusal.SetField("ErrorNumber", "5");
-    refusal.SetField("ErrorDesc", "No client");
-    stage.When("frmDownload", [&](QWidget&) {
-        stage.Await([&] { return peer_ != nullptr; }, "the request");
-        peer_->Send(refusal);
-    });
-    IsAsked("No client");
-    EXPECT_FALSE(Download());
-    EXPECT_FALSE(try_again_);
-    EXPECT_EQ(path_, "unchanged");
 }
 
 }  // namespace
