@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setStyle("Fusion");
     QApplication::setFont(QFont("DejaVu Sans", 9));
+    QApplication::setCursorFlashTime(0);  // pictures are the same whenever they are taken
     QApplication::setQuitOnLastWindowClosed(false);
     return RUN_ALL_TESTS();
 }
