@@ -29,16 +29,52 @@ TEST(Activation, MakesEveryClassByItsPlainAndItsVersionedProgID) {
     }
 }
 
+bool Unloads() {
+    return Await([] {
+        CoFreeUnusedLibrariesEx(0, 0);
+        return !GetModuleHandleW(L"KQAppSessionLib.dll");
+    });
+}
+
+// A server with a sink, a connection to its listener, an enumeration and an error, all let go.
+void UseMuch() {
+    HostObject sink;
+    const auto server = NewServer();
+    const DWORD cookie = Advise(server.Get(), __uuidof(_KQAppSessServerEvents), &sink);
+    const auto bus = Create<_Client>(L"KQXMLBusClientLib.Client");
+    const auto statistics = Create<_Statistics>(L"KQStatisticsLib.Statistics");
+    EXPECT_EQ(server->Initialize(Text(L"Demo"), &sink, bus.Get(), statistics.Get(), _variant_t(L"1.0")),
+              S_OK);
+    EXPECT_EQ(server->Listen(0, _variant_t(L"127.0.0.1")), S_OK);
+    Ptr<_Listener> listener;
+    long port = 0;
+    server->get_Listener(listener.Out());
+    listener->get_Port(&port);
+    const auto connection = Create<_APClient>(L"KQAppProtocolLib.APClient");
+    EXPECT_EQ(connection->Connect(Text(L"127.0.0.1"), port, Text(L""), 0), S_OK);
+    long count = 0;
+    EXPECT_TRUE(Await([&] { return listener->get_Count(&count) == S_OK && count == 1; }));
+    Ptr<IUnknown> clients;
+    EXPECT_EQ(listener->get_NewEnum(clients.Out()), S_OK);
+    EXPECT_EQ(server->Listen(0, LeftOut()), static_cast<HRESULT>(kqaserrAlreadyConnected));
+    EXPECT_EQ(server->StopListening(_variant_t(true)), S_OK);
+    EXPECT_EQ(server->Terminate(), S_OK);
+    EXPECT_EQ(PointOf(server.Get(), __uuidof(_KQAppSessServerEvents))->Unadvise(cookie), S_OK);
+    SetErrorInfo(0, nullptr);
+}
+
+TEST(Activation, UnloadsTheDllAfterItWasUsed) {
+    UseMuch();
+    EXPECT_TRUE(Unloads());
+}
+
 TEST(Activation, UnloadsTheDllWhenTheLastObjectIsGone) {
     auto server = NewServer();
     auto client = NewClient();
     ASSERT_TRUE(GetModuleHandleW(L"KQAppSessionLib.dll"));
     server = nullptr;
     client = nullptr;
-    ASSERT_TRUE(Await([] {
-        CoFreeUnusedLibrariesEx(0, 0);
-        return !GetModuleHandleW(L"KQAppSessionLib.dll");
-    }));
+    ASSERT_TRUE(Unloads());
     EXPECT_TRUE(NewClient());  // and it comes back
 }
 

@@ -14,6 +14,12 @@ add_dependencies(test_automation KQAppSessionLib kq_idl)
 
 kq_test(test_automation_parts SOURCES PartsTest.cpp LINKS kq_automation kq_string_resources)
 
+enable_language(RC)
+kq_test(test_depending SOURCES DependingTest.cpp depending.rc LINKS kq_idl_headers ole32 uuid)
+set_source_files_properties(DependingTest.cpp PROPERTIES COMPILE_OPTIONS -Wno-non-virtual-dtor)
+set_target_properties(test_depending PROPERTIES RUNTIME_OUTPUT_DIRECTORY "$<TARGET_FILE_DIR:KQAppSessionLib>")
+add_dependencies(test_depending KQAppSessionLib kq_idl)
+
 add_library(KQTestRelay SHARED relay/Relay.cpp relay/KQTestRelay.def)
 target_link_libraries(KQTestRelay PRIVATE kq_settings ole32 oleaut32 uuid advapi32)
 target_link_options(KQTestRelay PRIVATE -static)
@@ -31,14 +37,15 @@ kq_wine_test(test_registration NAME registration_of_the_machine_ends ARGUMENTS -
 
 add_test(NAME Windows.TheDllNeedsNothingBesideTheSystem
          COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/imports_test.py" "${CMAKE_OBJDUMP}"
-                 "$<TARGET_FILE:KQAppSessionLib>")
+                 "$<TARGET_FILE:KQAppSessionLib>" pei-x86-64)
 
 if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
   return()  # Wine runs x64 programs only
 endif()
-# A user's registration reaches into the machine's under Wine, so it comes and goes before.
-set_tests_properties(Windows.registration_of_the_machine_begins PROPERTIES FIXTURES_SETUP Automation
-                                                                            DEPENDS Windows.test_registration)
+# A user's registration reaches into the machine's under Wine, so it comes and goes before; and a program that needs no
+# registration finds none.
+set_tests_properties(Windows.registration_of_the_machine_begins PROPERTIES
+                     FIXTURES_SETUP Automation DEPENDS "Windows.test_registration;Windows.test_depending")
 set_tests_properties(Windows.registration_of_the_machine_ends PROPERTIES FIXTURES_CLEANUP Automation)
 add_test(NAME Windows.relay_is_registered
          COMMAND "${KQ_IN_WINE}" run "${KQ_WINE_PLACE}" en_US regsvr32 /s "$<TARGET_FILE:KQTestRelay>")

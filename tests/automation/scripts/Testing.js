@@ -25,6 +25,15 @@ function expectError(what, action, number, description) {
     fail(what + " raised nothing");
 }
 
+// What the script host itself would keep to itself.
+function run(test) {
+    try {
+        test();
+    } catch (error) {
+        fail("raised " + (error.number >>> 0).toString(16).toUpperCase() + " " + error.description + " in " + test);
+    }
+}
+
 function array(value) {
     return new VBArray(value).toArray();
 }

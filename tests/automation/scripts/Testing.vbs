@@ -46,5 +46,5 @@ Sub Finish
     If Failures = 0 Then Relay.Print "DONE"
 End Sub
 
-Const SampleSession = "<ASMessage type=""SessionInfo"" version=""1""><AppID>KQScripts</AppID><SessionID>S1</SessionID><LoginID>ann</LoginID><FirstName>Ann</FirstName><LastName>Example</LastName><UserUID>17</UserUID><Language>en</Language><BUIDUnionList>7|9|</BUIDUnionList><PrivilegeList>read|write</PrivilegeList></ASMessage>"
+Const SampleSession = "<ASMessage type=""SessionInfo"" version=""1""><AppID>KQScripts</AppID><SessionID>S1</SessionID><LoginID>ann</LoginID><FirstName>Ann</FirstName><LastName>Example</LastName><UserUID>17</UserUID><Language>en</Language><EnterpriseID>E1</EnterpriseID><OperatorID>O1</OperatorID><DST>1</DST><BUID>7</BUID><BUIDUnionList>7|9|</BUIDUnionList><PrivilegeList>read|write</PrivilegeList></ASMessage>"
 Const SampleProfiles = "<Profiles><Profile name=""Work""/><Profile name=""Home""/></Profiles>"

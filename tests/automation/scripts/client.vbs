@@ -26,6 +26,10 @@ Sub KeepsLiteralsVariablesAndExpressions
     Expect "time-out", Client.AppServerTimeOut, CLng(5000)
     Expect "use", Client.UseProfiles, False
     Expect "restriction", Client.RestrictIP, "host"
+    Client.RestrictPort = 7001
+    Client.UseASServerForLogin = True
+    Expect "restriction's port", Client.RestrictPort, CLng(7001)
+    Expect "through the application server", Client.UseASServerForLogin, True
     Client.AppServerPort = "7001"
     Expect "a text that is a number", Client.AppServerPort, CLng(7001)
 End Sub
@@ -127,7 +131,13 @@ Sub ShowsTheSessionRecord
     Expect "LoginID", Session.LoginID, "ann"
     Expect "FirstName", Session.FirstName, "Ann"
     Expect "UserUID", Session.UserUID, CLng(17)
+    Expect "Language", Session.Language, "en"
+    Expect "EnterpriseID", Session.EnterpriseID, "E1"
+    Expect "OperatorID", Session.OperatorID, "O1"
+    Expect "DST", Session.DST, "1"
+    Expect "BUID", Session.BUID, "7"
     Expect "TZ", Session.TZ, ""
+    Expect "Password", Session.Password, ""
     Expect "BUIDList", JoinTexts(Session.BUIDList), "[7][9][]"
     Expect "its upper bound", UBound(Session.BUIDList), CLng(2)
     Expect "its second element", Session.BUIDList(1), "9"
@@ -152,6 +162,24 @@ Sub ShowsTheCallerTheAddressThatWasUsed
     ExpectError "UpdateProfilesEx with literals", &H80040A06, "KQAppSessionLib", "Could not connect to login server: The connection was refused."
 End Sub
 
+Sub UploadsProfiles
+    Dim Profile, Sent
+    Client.SetSystemLoginState SampleSession, Nothing, SampleProfiles, "", "", 0, 5000
+    Client.SetSystemConnectState2 "127.0.0.1", 1, 2000, False
+    Set Profile = Client.Profiles("Home").Copy("Elsewhere")
+    On Error Resume Next
+    Client.AddReplaceProfileASP Profile
+    ExpectError "AddReplaceProfileASP", &H80040A06, "KQAppSessionLib", "Could not connect to login server: The connection was refused."
+    ExpectTrue "added all the same", Client.Profiles.Exists("Elsewhere")
+    Client.AddReplaceProfile Profile
+    ExpectRunTimeError "AddReplaceProfile without dialogs", 5
+    Client.UpdateProfiles
+    ExpectRunTimeError "UpdateProfiles without dialogs", 5
+    Client.UseProfiles = True
+    Sent = Client.UpdateProfilesEx(False, "127.0.0.1", 1, 2000)
+    ExpectError "UpdateProfilesEx", &H80040A06, "KQAppSessionLib", "Could not connect to login server: The connection was refused."
+End Sub
+
 Sub KeepsItsStateWhenItIsTerminated
     Client.SetSystemLoginState SampleSession, Nothing, SampleProfiles, "", "host", 7000, 5000
     Client.TerminateClient
@@ -167,5 +195,6 @@ TakesALoginThatTheCallerHolds
 KeepsATableThatIsAnObjectAndDropsATextOne
 ShowsTheSessionRecord
 ShowsTheCallerTheAddressThatWasUsed
+UploadsProfiles
 KeepsItsStateWhenItIsTerminated
 Finish

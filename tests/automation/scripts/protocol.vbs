@@ -37,6 +37,39 @@ Sub ConnectsAndTellsBothEnds
     Expect "the other end", Listener.Client(1).RemotePort, Client.LocalPort
 End Sub
 
+Sub TellsItsEndsAndKeepsItsSettings
+    Dim Accepted
+    Set Accepted = Listener.Client(1)
+    Expect "local address", Client.LocalAddress, "127.0.0.1"
+    Expect "remote address", Accepted.RemoteAddress, "127.0.0.1"
+    Expect "listener's address", Listener.LocalAddress, "127.0.0.1"
+    Expect "receive mode", Accepted.ReceiveMode, CLng(0)
+    Expect "send type", Accepted.SendType, CLng(128)
+    Expect "receive type", Accepted.ReceiveType, CLng(64)
+    Client.FrameLimit = 1000
+    Client.AdmittedFrameLimit = 2000
+    Client.RawFrameLimit = 3000
+    Client.UnsentLimit = 4000
+    Client.FirstFrameTimeOut = 5000
+    Expect "limits", Client.FrameLimit & " " & Client.AdmittedFrameLimit & " " & Client.RawFrameLimit & " " & Client.UnsentLimit & " " & Client.FirstFrameTimeOut, "1000 2000 3000 4000 5000"
+    Client.FrameLimit = 65536
+    Client.AdmittedFrameLimit = 65536
+    Client.UnsentLimit = 65536
+    Client.SetKeepAlive True
+    Accepted.Admit
+    Listener.ReceiveType = 64
+    Listener.KeepAlive = True
+    Listener.MaxClients = 10
+    Listener.FrameLimit = 1000
+    Listener.AdmittedFrameLimit = 2000
+    Listener.UnsentLimit = 4000
+    Listener.FirstFrameTimeOut = 5000
+    Expect "listener's settings", Listener.ReceiveType & " " & Listener.KeepAlive & " " & Listener.MaxClients & " " & Listener.FrameLimit & " " & Listener.AdmittedFrameLimit & " " & Listener.UnsentLimit & " " & Listener.FirstFrameTimeOut, "64 True 10 1000 2000 4000 5000"
+    On Error Resume Next
+    Client.FrameLimit = -1
+    ExpectRunTimeError "a limit below 0", 5
+End Sub
+
 Sub FindsClientsByIdentifierAndPosition
     Dim Found, Each_
     Set Found = Listener(1)
@@ -102,6 +135,7 @@ Sub HasLimits
 End Sub
 
 ConnectsAndTellsBothEnds
+TellsItsEndsAndKeepsItsSettings
 FindsClientsByIdentifierAndPosition
 SendsAndTakesBlocks
 EndsAndRefuses
