@@ -210,6 +210,12 @@ TEST_F(RealTerminal, IsAsWideAsItIsNow) {
 
 class EndOfAProgram : public RealTerminal {
  protected:
+    ~EndOfAProgram() override {
+        if (child_ <= 0) return;
+        ::kill(child_, SIGKILL);
+        ::waitpid(child_, nullptr, 0);
+    }
+
     // Runs the question in a child process and waits until it is asked.
     void Ask(const std::function<void(EventLoop&)>& meanwhile = {}) {
         before_ = Mode();
@@ -231,6 +237,7 @@ class EndOfAProgram : public RealTerminal {
     int Status(int options = 0) {
         int status = 0;
         EXPECT_EQ(::waitpid(child_, &status, options), child_);
+        if (!WIFSTOPPED(status)) child_ = -1;
         return status;
     }
 
