@@ -33,9 +33,11 @@ class KqLoginTty : public testing::Test {
         login.Answer("1. OK\n", "");
     }
     static void MakeProfile(TerminalProcess& login, const std::string& name) {
-        login.Await("-- Login Procedure\n");
+        login.Await("clicking the \"New\" button.\n");
+        AnswerProfiles(login, name);
+    }
+    static void AnswerProfiles(TerminalProcess& login, const std::string& name) {
         login.Answer("1. OK\n", "");
-        login.Await("-- Profiles\n");
         login.Answer("1. New\n", "new");
         login.Answer("Please enter a name for the new profile: ", name);
         login.Answer("1. OK\n", "");
@@ -100,6 +102,19 @@ TEST_F(KqLoginTtyAgain, EndsWhenThePersonDoesNotTryAgain) {
     EXPECT_EQ(10, login->ExitCode());
     login->Await(R"({"result":"given up","LoginState":"kqaslsNotLoggedIn"})");
     login->Await("kqlogin: given up by the user\n");
+}
+
+TEST_F(KqLoginTtyAgain, BeginsAgainWhenThePersonWantsAnotherLogin) {
+    const auto login = LogIn({"--register"});
+    GiveDetails(*login, "ann", LoginServer::kPassword);
+    login->Await("clicking the \"New\" button.\n");
+    site_.AppServer().Signal(SIGKILL);
+    EXPECT_EQ(1000 + SIGKILL, site_.AppServer().ExitCode());
+    AnswerProfiles(*login, "Sales");
+    login->Answer("  1. Yes\n  2. No\n  3. Cancel\n[1]: ", "no");
+    login->Await("Login ID [ann]: ");
+    login->Type("\x03");
+    EXPECT_EQ(10, login->ExitCode()) << login->Screen();
 }
 
 TEST_F(KqLoginTtyAgain, IsCancelledByTheInterruptKeyAndByTheEndOfTheInput) {
