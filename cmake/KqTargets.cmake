@@ -53,6 +53,7 @@ function(kq_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} kq_settings GTest::gmock_main)
+  target_compile_options(${name} PRIVATE -O0)  # compiling takes most of a test's time
   target_compile_definitions(${name} PRIVATE KQ_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                                              KQ_BINARY_DIR="${PROJECT_BINARY_DIR}")
   if(WIN32)
