@@ -74,10 +74,17 @@ void Stage::Await(const std::function<bool()>& done, const std::string& what) {
 }
 
 void Stage::Look() {
-    if (acting_ || acts_.empty() || Loop().Quitting()) return;
+    if (acting_ || Loop().Quitting()) return;
+    QWidget* const modal = QApplication::activeModalWidget();
+    const bool patient = std::chrono::steady_clock::now() - last_act_ < kPatience;
+    if (acts_.empty()) {
+        if (!modal || patient) return;
+        ADD_FAILURE() << modal->objectName().toStdString() << " did not go";
+        Loop().Quit();
+        return;
+    }
     const Planned planned = acts_.front();
     QWidget* const window = FindWindow(planned.window);
-    QWidget* const modal = QApplication::activeModalWidget();
     const bool there = window && window->windowHandle()->isExposed() &&
                        (modal == window ? window->isActiveWindow() : !window->isModal() && !modal);
     if (there) {
@@ -91,7 +98,7 @@ void Stage::Look() {
         }
         acting_ = false;
         last_act_ = std::chrono::steady_clock::now();
-    } else if (std::chrono::steady_clock::now() - last_act_ > kPatience) {
+    } else if (!patient) {
         ADD_FAILURE() << planned.window << " did not come";
         Loop().Quit();
     }

@@ -25,14 +25,25 @@ QPoint MiddleOf(const QWidget& widget) {
 
 }  // namespace
 
+// What has just been hidden may be on the display still, and would take the click.
+void User::AwaitOnDisplay(const QWidget& widget) {
+    const auto reachable = [&] {
+        return QApplication::topLevelAt(widget.mapToGlobal(widget.rect().center())) == widget.window();
+    };
+    stage_.Await(reachable, widget.objectName().toStdString() + " under the mouse");
+}
+
 void User::Clicks(QWidget& window, const std::string& control) {
-    const QPoint place = MiddleOf(In(window, control));
+    const QWidget& widget = In(window, control);
+    AwaitOnDisplay(widget);
+    const QPoint place = MiddleOf(widget);
     hand_.Click(place.x(), place.y());
 }
 
 void User::Answers(QWidget& box, const std::string& caption) {
     for (QAbstractButton* const button : dynamic_cast<QMessageBox&>(box).buttons()) {
         if (button->text().remove('&').toStdString() != caption) continue;
+        AwaitOnDisplay(*button);
         const QPoint place = MiddleOf(*button);
         hand_.Click(place.x(), place.y());
         return;
@@ -41,7 +52,7 @@ void User::Answers(QWidget& box, const std::string& caption) {
 }
 
 void User::Types(QWidget& window, const std::string& box, const std::string& text) {
-    Clicks(window, box);
+    if (!In(window, box).hasFocus()) Clicks(window, box);
     SeesFocusOn(window, box);
     hand_.Press("a", "Control_L");
     TypesHere(window, box, text, text);
@@ -56,6 +67,7 @@ void User::TypesHere(QWidget& window, const std::string& box, const std::string&
 
 void User::ClicksItem(QWidget& window, const std::string& list, int row, bool twice) {
     const auto& widget = In<QListWidget>(window, list);
+    AwaitOnDisplay(widget);
     const QPoint place = OnDisplay(*widget.viewport(), widget.visualItemRect(widget.item(row)).center());
     if (twice)
         hand_.DoubleClick(place.x(), place.y());

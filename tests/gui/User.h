@@ -16,7 +16,7 @@ class User {
     void Clicks(QWidget& window, const std::string& control);
     // The same, but on a button by its standard caption of a message box.
     void Answers(QWidget& box, const std::string& caption);
-    // Clicks into a box and types. What stood there goes, if getting the focus selects it.
+    // Clicks into a box, unless the focus is there, and types; what stood there goes.
     void Types(QWidget& window, const std::string& box, const std::string& text);
     // Types where the focus is, and waits until `box` holds `expected`.
     void TypesHere(QWidget& window, const std::string& box, const std::string& text,
@@ -28,6 +28,8 @@ class User {
     void SeesFocusOn(QWidget& window, const std::string& control);
 
  private:
+    void AwaitOnDisplay(const QWidget& widget);
+
     Stage& stage_;
     Hand hand_;
 };

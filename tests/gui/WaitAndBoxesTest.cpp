@@ -128,10 +128,13 @@ TEST_F(WaitWindow, StaysOnTopWhileAModalQuestionIsAnswered) {
     QWidget& window = *FindWindow("frmWait");
     EXPECT_EQ(Box(BoxStyle::YesNo,
                   [&](QWidget& box) {
-                      const QPoint middle = box.geometry().center();
-                      window.move(middle - window.rect().center());
-                      stage.Await([&] { return QApplication::topLevelAt(middle) == &window; },
-                                  "the window on top");
+                      window.move(box.geometry().center() - window.rect().center());
+                      const auto on_top = [&] {
+                          const QPoint middle = window.geometry().center();
+                          return box.geometry().contains(middle) &&
+                                 QApplication::topLevelAt(middle) == &window;
+                      };
+                      stage.Await(on_top, "the window on top");
                       EXPECT_TRUE(box.isActiveWindow());
                       user.Presses("Return");
                   }),

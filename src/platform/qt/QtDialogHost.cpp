@@ -6,13 +6,13 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLibraryInfo>
-#include <QLocale>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QTranslator>
 
 #include "platform/Form.h"
+#include "platform/Languages.h"
 #include "platform/qt/QtFormWindow.h"
 #include "platform/qt/QtScreen.h"
 #include "platform/qt/QtText.h"
@@ -94,9 +94,10 @@ QString FilterOf(const std::string& filter) {
 
 class QtDialogHost final : public DialogHost {
  public:
-    explicit QtDialogHost(std::shared_ptr<EventLoop> loop) : loop_(std::move(loop)) {
+    QtDialogHost(std::shared_ptr<EventLoop> loop, Tongue tongue) : loop_(std::move(loop)) {
         const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
-        translated_ = translator_.load(QLocale(), "qtbase", "_", folder);
+        if (tongue == Tongue::Portuguese) translated_ = translator_.load("qtbase_pt_BR", folder);
+        if (tongue == Tongue::Spanish) translated_ = translator_.load("qtbase_es", folder);
     }
 
     BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style) override {
@@ -156,7 +157,7 @@ class QtDialogHost final : public DialogHost {
                               BoxStyle::YesNo) == BoxButton::Yes;
     }
 
-    // Boxes speak the user's language also in programs that install no translation of the toolkit.
+    // Boxes speak the language of the texts also in programs that install no translation of the toolkit.
     void Translate(QMessageBox& box) const {
         if (!translated_) return;
         constexpr std::pair<QMessageBox::StandardButton, const char*> kTexts[] = {
@@ -185,8 +186,8 @@ class QtDialogHost final : public DialogHost {
 
 }  // namespace
 
-std::shared_ptr<DialogHost> MakeQtDialogHost(std::shared_ptr<EventLoop> loop) {
-    return std::make_shared<QtDialogHost>(std::move(loop));
+std::shared_ptr<DialogHost> MakeQtDialogHost(std::shared_ptr<EventLoop> loop, std::int32_t locale) {
+    return std::make_shared<QtDialogHost>(std::move(loop), TextLanguageFor(locale).tongue);
 }
 
 }  // namespace kq

@@ -1,6 +1,7 @@
 // Forms, message boxes and the question for a file on Qt.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include <kqappsession/EventLoop.h>
@@ -9,7 +10,8 @@
 
 namespace kq {
 
-// The loop must be the one that runs the program's windows (MakeQtEventLoop).
-std::shared_ptr<DialogHost> MakeQtDialogHost(std::shared_ptr<EventLoop> loop);
+// The loop must be the one that runs the program's windows (MakeQtEventLoop). The toolkit's own words are those
+// for a user of `locale`.
+std::shared_ptr<DialogHost> MakeQtDialogHost(std::shared_ptr<EventLoop> loop, std::int32_t locale);
 
 }  // namespace kq

@@ -3,6 +3,7 @@
 #include <kqappsession/Error.h>
 #include <kqappsession/QtPlatform.h>
 
+#include "platform/Locale.h"
 #include "platform/qt/QtDialogHost.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtIcon.h"
@@ -10,11 +11,11 @@
 
 namespace kq {
 
-PlatformPtr MakeQtPlatform() {
+PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language) {
     if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
         Raise(RuntimeError::InvalidProcedureCall, "There is no QApplication yet");
-    auto bundle = std::make_shared<Platform>(*MakePlatform(MakeQtEventLoop()));
-    bundle->dialogs = MakeQtDialogHost(bundle->loop);
+    auto bundle = std::make_shared<Platform>(*MakePlatform(MakeQtEventLoop(), language));
+    bundle->dialogs = MakeQtDialogHost(bundle->loop, bundle->locale->UserLocaleId());
     return bundle;
 }
 

@@ -50,7 +50,9 @@ void QtScreen::Place(QWidget& window, const QWidget* owner) const {
     place.moveCenter(owner && owner->isVisible() ? owner->frameGeometry().center() : room.center());
     for (const auto& [other, still_there] : topmost_) {
         if (other == &window || !still_there || !still_there->isVisible()) continue;
-        const QRect taken = still_there->frameGeometry();
+        // A window that has just come may get a title bar yet.
+        QRect taken = still_there->frameGeometry();
+        if (taken == still_there->geometry()) taken.adjust(0, 0, 0, 3 * still_there->fontMetrics().height());
         if (taken.intersects(place)) place.moveTop(taken.bottom() + 1);
     }
     place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() - place.width() + 1)));
