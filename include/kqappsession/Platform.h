@@ -4,7 +4,9 @@
 // share one event loop. The bundle must be made and used on the thread that runs the loop.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 #include <kqappsession/EventLoop.h>
 
@@ -45,9 +47,11 @@ struct Platform {
 
 using PlatformPtr = std::shared_ptr<const Platform>;
 
-// The bundle of this machine with an event loop of its own.
-PlatformPtr MakePlatform();
-// The same with the host's loop.
-PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop);
+// The bundle of this machine. `loop`: the host's own, null for a new one. `language`: a locale identifier
+// that stands for the user's, for hosts with a language setting of their own; without it the machine's
+// settings count. Texts are in that language when it is one of 1033, 1046, 2058, 9226, 10250, 11274, 13322,
+// 14346 and 15370, else in English (1033); servers are told it as it is.
+PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop = nullptr,
+                         std::optional<std::int32_t> language = {});
 
 }  // namespace kq

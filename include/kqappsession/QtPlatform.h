@@ -8,7 +8,9 @@
 // the program's windows go on drawing, and its connections, timers and sockets are served.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <kqappsession/Platform.h>
@@ -19,8 +21,9 @@ class Icon;
 
 // The bundle of this machine with an event loop on Qt's own and with dialogs. Call it on the thread of the
 // QApplication, which must exist (RuntimeError::InvalidProcedureCall) and outlive the bundle and all objects
-// that use it. Whether QApplication::exec runs makes no difference.
-PlatformPtr MakeQtPlatform();
+// that use it. Whether QApplication::exec runs makes no difference. `language` as for MakePlatform; the
+// buttons of message boxes speak it too.
+PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language = {});
 
 // A picture for the dialogs' title bars from a file that Qt can read. Null when it cannot.
 std::shared_ptr<const Icon> MakeQtIcon(const std::string& path);

@@ -14,7 +14,9 @@
 // default.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 #include <kqappsession/Platform.h>
 
@@ -24,7 +26,8 @@ namespace kq {
 // standard input and standard error; they stay the caller's. The input need not be a terminal: a file or pipe
 // gives its lines as answers. Where nobody sees the questions, because they cannot be written or are asked of
 // a terminal but written elsewhere, each of them is answered by Cancel.
-// `loop`: the host's own, null for a new one.
-PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop = nullptr, int input = 0, int output = 2);
+// `loop` and `language` as for MakePlatform.
+PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop = nullptr, int input = 0, int output = 2,
+                            std::optional<std::int32_t> language = {});
 
 }  // namespace kq

@@ -18,6 +18,7 @@ constexpr std::int32_t kFailed = 950;
 constexpr std::int32_t kUnknownResponse = 500;
 constexpr std::int32_t kTimedOut = 502;
 constexpr std::int32_t kNoNumber = -1;
+constexpr std::int32_t kReset = 10054;  // the connection has ended without an error of its own
 
 constexpr std::string_view kPrefix = "HLX";
 constexpr std::string_view kTemporary = "tmp";
@@ -62,6 +63,7 @@ class DownloadWindow : public Window {
         client->Error.Connect(owner_, [this](std::int32_t number, const std::string& description) {
             Fail(number, description);
         });
+        client->Disconnected.Connect(owner_, [this] { Fail(kReset, NetErrorText(kReset)); });
         Request(*client);
         if (outcome_ == Outcome::Waiting) {
             timer_.SetTimerEnabled(true);

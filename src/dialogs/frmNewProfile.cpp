@@ -27,13 +27,14 @@ class NewProfileWindow : public Window {
  public:
     explicit NewProfileWindow(Dialog& dialog) : Window(dialog, frmNewProfile::Row()) {
         OnClick("cmdOK", [this] {
+            if (IsBlank()) return;  // emptied since the last tick
             ok_ = true;
             form_->Hide();
         });
         OnClick("cmdCancel", [this] { form_->Hide(); });
         SelectsAllOnFocus("txtName");
         name_.OnChange([this] { txtName_Change(); });
-        At("Timer1").OnTick([this] { At("cmdOK").SetEnabled(!Trim(name_.Text()).empty()); });
+        At("Timer1").OnTick([this] { At("cmdOK").SetEnabled(!IsBlank()); });
     }
 
     bool Run(std::int32_t caption, std::int32_t intro, std::string& name,
@@ -48,6 +49,8 @@ class NewProfileWindow : public Window {
     }
 
  private:
+    bool IsBlank() const { return Trim(name_.Text()).empty(); }
+
     void txtName_Change() {
         if (filtering) return;
         const Filtering guard;

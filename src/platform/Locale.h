@@ -12,4 +12,14 @@ class Locale {
     virtual std::int32_t UserLocaleId() const = 0;
 };
 
+// The language that a host has chosen.
+class ChosenLocale final : public Locale {
+ public:
+    explicit ChosenLocale(std::int32_t id) : id_(id) {}
+    std::int32_t UserLocaleId() const override { return id_; }
+
+ private:
+    std::int32_t id_;
+};
+
 }  // namespace kq

@@ -185,6 +185,19 @@ TEST_F(Download, TellsWhyTheConnectionFailed) {
     EXPECT_EQ(dialog.LastFailure().number, 10054);
 }
 
+TEST_F(Download, EndsWithTheConnection) {
+    zeb.On(kRequest, FakeZeb::Drop());
+    FailsBecauseOf(NetErrorText(10054));
+    EXPECT_EQ(dialog.LastFailure().number, 10054);
+}
+
+TEST_F(Download, EndsWhenTheProgramDisconnects) {
+    zeb.On(kRequest, FakeZeb::Silence());
+    host.Answer(BoxButton::No);
+    EXPECT_FALSE(Runs([&](FakeUser&) { client->Disconnect(); }));
+    EXPECT_EQ(host.LastBox().text, Failed(NetErrorText(10054)));
+}
+
 TEST_F(Download, IsNotShownWhenTheRequestCannotBeSent) {
     client->Disconnect();
     host.Answer(BoxButton::No);
@@ -195,8 +208,8 @@ TEST_F(Download, IsNotShownWhenTheRequestCannotBeSent) {
 
 TEST_F(Download, TellsWhyTheFileCouldNotBeWritten) {
     zeb.On(kRequest, FakeZeb::Raw("MZ"));
-    machine.fakes.temp_files->next_failure = {112, "There is not enough space on the disk."};
-    FailsBecauseOf("There is not enough space on the disk.");
+    machine.fakes.temp_files->next_failure = {112, "There is not enough space on the disk"};
+    FailsBecauseOf("There is not enough space on the disk");
     EXPECT_EQ(dialog.LastFailure().number, 112);
 }
 
@@ -205,7 +218,7 @@ TEST_F(Download, DoesNotOverwriteAProgramThatIsThere) {
     machine.fakes.temp_files->files["/tmp/HLX0001.exe"] = "mine";
     host.Answer(BoxButton::No);
     EXPECT_FALSE(Runs());
-    EXPECT_EQ(host.LastBox().text, Failed("The file exists."));
+    EXPECT_EQ(host.LastBox().text, Failed("The file exists"));
     EXPECT_EQ(machine.fakes.temp_files->files.at("/tmp/HLX0001.exe"), "mine");
 }
 

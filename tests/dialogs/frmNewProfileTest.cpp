@@ -53,6 +53,17 @@ TEST_F(NameDialog, StartsWithTheNameSelected) {
     });
 }
 
+TEST_F(NameDialog, TakesNoBlankNameBeforeItsTimerHasTicked) {
+    EXPECT_FALSE(OpensNew([](FakeUser& user) {
+        user.Waits(Milliseconds(100));
+        user.Types("txtName", "  ");
+        user.Presses(Key::Enter);
+        EXPECT_TRUE(user.IsOpen());
+        user.Closes();
+    }));
+    EXPECT_EQ(name, "Main");
+}
+
 TEST_F(NameDialog, ReturnsTheNameInBothModes) {
     EXPECT_TRUE(OpensNew([](FakeUser& user) { Confirms(user, "Sales"); }));
     EXPECT_EQ(name, "Sales");

@@ -2,7 +2,6 @@
 #include "gui/Stage.h"
 
 #include <QApplication>
-#include <QLocale>
 #include <QWindow>
 #include <fstream>
 #include <map>
@@ -11,8 +10,7 @@
 
 #include <kqappsession/QtPlatform.h>
 
-#include "platform/Locale.h"
-#include "platform/posix/PosixStringTable.h"
+#include "platform/StringTable.h"
 
 namespace kq {
 namespace {
@@ -37,22 +35,9 @@ class FileStrings final : public StringTable {
     std::map<std::int32_t, std::string> texts_;
 };
 
-// As the user's desktop would say it.
-QLocale LocaleOf(std::int32_t language) {
-    static const std::map<std::int32_t, const char*> names{
-        {1046, "pt_BR"},  {2058, "es_MX"},  {9226, "es_CO"},  {10250, "es_PE"},
-        {11274, "es_AR"}, {13322, "es_CL"}, {14346, "es_UY"}, {15370, "es_PY"}};
-    const auto found = names.find(language);
-    return QLocale(found == names.end() ? "en_US" : found->second);
-}
-
 PlatformPtr MachineSpeaking(std::int32_t language) {
-    QLocale::setDefault(LocaleOf(language));
-    auto machine = std::make_shared<Platform>(*MakeQtPlatform());
-    if (language == kPseudoLanguage)
-        machine->strings = std::make_shared<FileStrings>(KQ_PSEUDO_STRINGS);
-    else
-        machine->strings = MakePosixStringTable(*machine->locale, language);
+    auto machine = std::make_shared<Platform>(*MakeQtPlatform(language));
+    if (language == kPseudoLanguage) machine->strings = std::make_shared<FileStrings>(KQ_PSEUDO_STRINGS);
     return machine;
 }
 

@@ -90,6 +90,17 @@ TEST(PosixLocale, AsksTheVariablesInTheirOrderAndSkipsEmptyOnes) {
     EXPECT_EQ(LocaleFor({}, "", "fr_FR"), 1036);
 }
 
+TEST(PosixPlatform, SpeaksTheLanguageThatTheHostHasChosen) {
+    Environment environment;
+    environment.Set("LC_ALL", "pt_BR.UTF-8");
+    EXPECT_EQ(MakePlatform()->locale->UserLocaleId(), 1046);
+    EXPECT_EQ(MakePlatform()->strings->Load(105), "Cancelar");
+    EXPECT_EQ(MakePlatform(nullptr, 1033)->locale->UserLocaleId(), 1033);
+    EXPECT_EQ(MakePlatform(nullptr, 1033)->strings->Load(105), "Cancel");
+    EXPECT_EQ(MakePlatform(nullptr, 1031)->locale->UserLocaleId(), 1031);
+    EXPECT_EQ(MakePlatform(nullptr, 1031)->strings->Load(105), "Cancel");
+}
+
 class XdgFolder : public testing::Test {
  protected:
     XdgFolder() {

@@ -169,7 +169,7 @@ FileResult FakeTempFiles::CreateUnique(std::string_view prefix, std::string& pat
 
 FileResult FakeTempFiles::WriteNewProgram(const std::string& path, std::string_view bytes) {
     if (next_failure.error != 0) return std::exchange(next_failure, {});
-    if (!files.emplace(path, bytes).second) return {80, "The file exists."};
+    if (!files.emplace(path, bytes).second) return {80, "The file exists"};
     return {};
 }
 

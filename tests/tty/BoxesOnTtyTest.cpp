@@ -135,8 +135,7 @@ class WordsOf : public testing::TestWithParam<int> {};
 
 TEST_P(WordsOf, ButtonsAreTheOnesThatTheTextsName) {
     const TtyWords& words = TtyWordsOf(GetParam());
-    const FakePlatform fakes;
-    const auto table = MakePosixStringTable(*fakes.locale, GetParam());
+    const auto table = MakePosixStringTable(ChosenLocale(GetParam()));
     EXPECT_EQ(table->Load(106), words.ok);
     EXPECT_EQ(table->Load(105), words.cancel);
     const std::string question = table->Load(402).value();

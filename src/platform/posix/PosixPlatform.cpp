@@ -32,18 +32,15 @@ std::shared_ptr<Clock> MakePosixClock() {
     return std::make_shared<PosixClock>();
 }
 
-PlatformPtr MakePlatform() {
-    return MakePlatform(MakeOwnEventLoop());
-}
-
-PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop) {
+PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop, std::optional<std::int32_t> language) {
+    if (!loop) loop = MakeOwnEventLoop();
     auto bundle = std::make_shared<Platform>();
     bundle->clock = MakePosixClock();
     bundle->network = MakePosixNetwork(loop);
     bundle->resolver = MakePosixResolver(loop);
     bundle->folders = MakeXdgFolders();
     bundle->profile_file = MakePosixProfileFile();
-    bundle->locale = MakePosixLocale();
+    bundle->locale = language ? std::make_shared<ChosenLocale>(*language) : MakePosixLocale();
     bundle->strings = MakePosixStringTable(*bundle->locale);
     bundle->process = MakePosixProcess();
     bundle->file_share = MakeSambaShare();

@@ -3,12 +3,11 @@
 
 #include <algorithm>
 
+#include "platform/Languages.h"
 #include "platform/posix/StringTables.h"
 
 namespace kq {
 namespace {
-
-constexpr std::int32_t kEnglish = 1033;
 
 class PosixStringTable final : public StringTable {
  public:
@@ -24,19 +23,16 @@ class PosixStringTable final : public StringTable {
     std::span<const StringEntry> entries_;
 };
 
-const LanguageTable* Find(std::int32_t language) {
+std::span<const StringEntry> EntriesOf(std::int32_t language) {
     const auto tables = LanguageTables();
     const auto found = std::ranges::find(tables, language, &LanguageTable::language);
-    return found == tables.end() ? nullptr : &*found;
+    return found == tables.end() ? std::span<const StringEntry>() : found->entries;
 }
 
 }  // namespace
 
-std::shared_ptr<StringTable> MakePosixStringTable(const Locale& locale,
-                                                  std::optional<std::int32_t> language) {
-    const LanguageTable* table = Find(language.value_or(locale.UserLocaleId()));
-    if (!table) table = Find(kEnglish);
-    return std::make_shared<PosixStringTable>(table ? table->entries : std::span<const StringEntry>());
+std::shared_ptr<StringTable> MakePosixStringTable(const Locale& locale) {
+    return std::make_shared<PosixStringTable>(EntriesOf(TextLanguageFor(locale.UserLocaleId()).locale));
 }
 
 }  // namespace kq

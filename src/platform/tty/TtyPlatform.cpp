@@ -5,8 +5,9 @@
 
 namespace kq {
 
-PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop, int input, int output) {
-    auto bundle = std::make_shared<Platform>(*(loop ? MakePlatform(std::move(loop)) : MakePlatform()));
+PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop, int input, int output,
+                            std::optional<std::int32_t> language) {
+    auto bundle = std::make_shared<Platform>(*MakePlatform(std::move(loop), language));
     bundle->dialogs = MakeTtyDialogHost(bundle->loop, MakeTerminal(bundle->loop, input, output),
                                         bundle->locale->UserLocaleId());
     return bundle;

@@ -1,21 +1,17 @@
 #include "platform/tty/TtyWords.h"
 
+#include "platform/Languages.h"
+
 namespace kq {
 
 const TtyWords& TtyWordsOf(std::int32_t locale) {
     static constexpr TtyWords english{"OK", "Cancel", "Yes", "No", "already exists. Replace it?"};
     static constexpr TtyWords portuguese{"OK", "Cancelar", "Sim", "Não", "já existe. Substituir?"};
     static constexpr TtyWords spanish{"Aceptar", "Cancelar", "Sí", "No", "ya existe. ¿Reemplazarlo?"};
-    switch (locale) {
-        case 1046:  // Brazil
+    switch (TextLanguageFor(locale).tongue) {
+        case Tongue::Portuguese:
             return portuguese;
-        case 2058:   // Mexico
-        case 9226:   // Colombia
-        case 10250:  // Peru
-        case 11274:  // Argentina
-        case 13322:  // Chile
-        case 14346:  // Uruguay
-        case 15370:  // Paraguay
+        case Tongue::Spanish:
             return spanish;
         default:
             return english;

@@ -36,19 +36,16 @@ std::shared_ptr<Locale> MakeWin32Locale() {
     return std::make_shared<Win32Locale>();
 }
 
-PlatformPtr MakePlatform() {
-    return MakePlatform(MakeWin32EventLoop());
-}
-
-PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop) {
+PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop, std::optional<std::int32_t> language) {
+    if (!loop) loop = MakeWin32EventLoop();
     auto bundle = std::make_shared<Platform>();
     bundle->clock = MakeWin32Clock();
     bundle->network = MakeWin32Network(loop);
     bundle->resolver = MakeWin32Resolver(loop);
     bundle->folders = MakeWin32Folders();
     bundle->profile_file = MakeWin32ProfileFile();
-    bundle->locale = MakeWin32Locale();
-    bundle->strings = MakeWin32StringTable();
+    bundle->locale = language ? std::make_shared<ChosenLocale>(*language) : MakeWin32Locale();
+    bundle->strings = MakeWin32StringTable(language);
     bundle->process = MakeWin32Process();
     bundle->file_share = MakeWin32FileShare();
     bundle->version_resource = MakeWin32VersionResource();

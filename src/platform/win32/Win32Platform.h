@@ -4,8 +4,10 @@
 // gone, and a thread that it started holds the module until it has ended.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <kqappsession/EventLoop.h>
@@ -22,7 +24,8 @@ std::shared_ptr<Resolver> MakeWin32Resolver(std::shared_ptr<EventLoop> loop);
 std::shared_ptr<Folders> MakeWin32Folders();
 std::shared_ptr<ProfileFile> MakeWin32ProfileFile();
 std::shared_ptr<Locale> MakeWin32Locale();
-std::shared_ptr<StringTable> MakeWin32StringTable();
+// `language`: the locale identifier that a host has chosen; without it the system's loader chooses.
+std::shared_ptr<StringTable> MakeWin32StringTable(std::optional<std::int32_t> language = {});
 std::shared_ptr<Process> MakeWin32Process();
 // Runs a command line with a hidden window and does not wait for it.
 using CommandRunner = std::function<void(const std::string& command_line)>;

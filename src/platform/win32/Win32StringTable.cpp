@@ -1,5 +1,7 @@
-// The texts as string resources of the module that holds this code. The system's loader chooses the language:
-// the user's when the resources have it, else the fallback that the loader itself follows.
+// The texts as string resources of the module that holds this code. The system's loader chooses the language,
+// the user's when the resources have it, else the fallback that the loader itself follows; or the host has
+// chosen.
+#include "platform/Languages.h"
 #include "platform/StringTable.h"
 #include "platform/win32/Win32Module.h"
 #include "platform/win32/Win32Platform.h"
@@ -25,9 +27,43 @@ class Win32StringTable final : public StringTable {
     HINSTANCE module_ = ThisModule();
 };
 
+// The strings of a language lie in blocks of sixteen, each string with its length before it.
+class ChosenStringTable final : public StringTable {
+ public:
+    explicit ChosenStringTable(std::int32_t language) : language_(static_cast<WORD>(language)) {}
+
+    std::optional<std::string> Load(std::int32_t id) const override {
+        if (id < 0 || id > kLastId) return std::nullopt;
+        std::wstring_view rest = Block(id / kBlock + 1);
+        for (std::int32_t before = id % kBlock;; --before) {
+            if (rest.empty()) return std::nullopt;
+            const std::size_t length = rest[0];
+            if (rest.size() - 1 < length || (before == 0 && length == 0)) return std::nullopt;
+            if (before == 0) return FromWide(rest.substr(1, length));
+            rest.remove_prefix(1 + length);
+        }
+    }
+
+ private:
+    static constexpr std::int32_t kBlock = 16;
+
+    // Empty when there is none.
+    std::wstring_view Block(std::int32_t number) const {
+        const HRSRC found = FindResourceExW(module_, RT_STRING, MAKEINTRESOURCEW(number), language_);
+        const HGLOBAL loaded = found ? LoadResource(module_, found) : nullptr;
+        if (!loaded) return {};
+        return {static_cast<const wchar_t*>(LockResource(loaded)),
+                SizeofResource(module_, found) / sizeof(wchar_t)};
+    }
+
+    HINSTANCE module_ = ThisModule();
+    WORD language_;
+};
+
 }  // namespace
 
-std::shared_ptr<StringTable> MakeWin32StringTable() {
+std::shared_ptr<StringTable> MakeWin32StringTable(std::optional<std::int32_t> language) {
+    if (language) return std::make_shared<ChosenStringTable>(TextLanguageFor(*language).locale);
     return std::make_shared<Win32StringTable>();
 }
 

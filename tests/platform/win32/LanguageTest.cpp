@@ -62,10 +62,21 @@ TEST(StringResources, HoldEveryTextOfEveryLanguage) {
     SetThreadLocale(LOCALE_USER_DEFAULT);
 }
 
+TEST(StringResources, AreServedInTheLanguageThatTheHostHasChosen) {
+    for (const auto& table : LanguageTables()) {
+        const auto platform = MakePlatform(nullptr, table.language);
+        EXPECT_EQ(platform->locale->UserLocaleId(), table.language);
+        for (const auto& entry : table.entries)
+            EXPECT_EQ(platform->strings->Load(entry.id), entry.text) << table.language;
+    }
+    EXPECT_EQ(MakePlatform(nullptr, 1031)->strings->Load(200), "Please Login");
+}
+
 TEST(StringResources, KnowNoOtherId) {
-    const auto strings = MakeWin32StringTable();
-    for (const std::int32_t id : {0, -1, 100, 110, 1022, 1098, 1100, 65536 + 101})
-        EXPECT_EQ(strings->Load(id), std::nullopt) << id;
+    for (const auto& strings : {MakeWin32StringTable(), MakeWin32StringTable(2058)}) {
+        for (const std::int32_t id : {0, -1, 100, 110, 1022, 1098, 1100, 65536 + 101})
+            EXPECT_EQ(strings->Load(id), std::nullopt) << id;
+    }
 }
 
 }  // namespace

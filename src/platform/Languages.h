@@ -1,0 +1,35 @@
+// The languages that the library's texts are in, by locale identifier.
+#pragma once
+
+#include <cstdint>
+
+namespace kq {
+
+enum class Tongue { English, Portuguese, Spanish };
+
+struct TextLanguage {
+    std::int32_t locale;
+    Tongue tongue;
+};
+
+inline constexpr TextLanguage kTextLanguages[] = {
+    {1033, Tongue::English},     // United States
+    {1046, Tongue::Portuguese},  // Brazil
+    {2058, Tongue::Spanish},     // Mexico
+    {9226, Tongue::Spanish},     // Colombia
+    {10250, Tongue::Spanish},    // Peru
+    {11274, Tongue::Spanish},    // Argentina
+    {13322, Tongue::Spanish},    // Chile
+    {14346, Tongue::Spanish},    // Uruguay
+    {15370, Tongue::Spanish},    // Paraguay
+};
+
+// The language for a user of this locale: the one of exactly that identifier, else English.
+constexpr TextLanguage TextLanguageFor(std::int32_t locale) {
+    for (const TextLanguage& language : kTextLanguages) {
+        if (language.locale == locale) return language;
+    }
+    return kTextLanguages[0];
+}
+
+}  // namespace kq
