@@ -10,8 +10,8 @@
 
 namespace kq {
 
-// The loop must be the one that runs the program's windows (MakeQtEventLoop). The toolkit's own words are those
-// for a user of `locale`.
+// The loop must be the one that runs the program's windows (MakeQtEventLoop). The toolkit's own words are
+// those for a user of `locale`.
 std::shared_ptr<DialogHost> MakeQtDialogHost(std::shared_ptr<EventLoop> loop, std::int32_t locale);
 
 }  // namespace kq

@@ -179,10 +179,8 @@ QSize QtFormLayout::NeededSize() {
         layout->invalidate();
     for (auto* const grid : grids_)
         grid->parentWidget()->updateGeometry();
-    QLayout& all = *window_.layout();
-    QSize size = all.totalSizeHint();
-    if (all.hasHeightForWidth()) size.setHeight(std::max(all.totalHeightForWidth(size.width()), 0));
-    return size.expandedTo(all.totalMinimumSize());
+    const QLayout& all = *window_.layout();
+    return all.totalSizeHint().expandedTo(all.totalMinimumSize());
 }
 
 void QtFormLayout::SetTabOrder(const Form& form, const Widgets& widgets) {
