@@ -221,8 +221,11 @@ class EndOfAProgram : public RealTerminal {
         before_ = Mode();
         child_ = ::fork();
         if (child_ == 0) {
-            ::setpgid(
-                0, 0);  // with a parent outside its group, so that it can be stopped wherever the test runs
+            // As in a shell, wherever the test runs: nothing is ignored, and a program with a parent outside
+            // its group can be stopped.
+            for (const int signal : {SIGTERM, SIGHUP, SIGINT, SIGQUIT, SIGUSR1, SIGTSTP})
+                std::signal(signal, SIG_DFL);
+            ::setpgid(0, 0);
             const auto loop = MakePlatform()->loop;
             if (meanwhile) meanwhile(*loop);
             MakeTerminal(loop, program_, program_)->ReadLine("", false, [] { return false; });
