@@ -1,8 +1,8 @@
 // What all dialogs share.
 //
 // A dialog object may be destroyed while its window is open, by code that the event loop runs meanwhile: the
-// window closes, and the call that shows it returns as if the user had cancelled. One window of an object at
-// a time.
+// window closes, and the call that shows it returns as if the user had cancelled; under a message box of the
+// dialog, only once the user has answered that box. One window of an object at a time.
 #pragma once
 
 #include <cstdint>

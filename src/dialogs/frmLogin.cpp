@@ -88,6 +88,7 @@ class LoginWindow : public Window {
         std::int32_t time_out = 0;
         bool use_as_server = false;
         if (get_address_port_) get_address_port_(address, port, time_out, use_as_server);
+        if (!form_->Visible()) return;  // the dialog has gone meanwhile
         frmServer server(platform_);
         const bool changed = server.GetServerInfo(address, port, time_out, use_as_server, nullptr, form_);
         if (changed && save_address_port_) save_address_port_(address, port, time_out, use_as_server);

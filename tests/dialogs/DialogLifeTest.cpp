@@ -1,5 +1,8 @@
 // Dialog objects that go while their window is open, loops that quit, programs without a face.
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "dialogs/DialogsTesting.h"
 #include "dialogs/frmLogin.h"
@@ -34,6 +37,83 @@ TEST_F(DialogLife, ClosesTheDialogOnTopAsWell) {
     });
     host.Expect("frmLogin", [](FakeUser& user) { user.Clicks("cmdChangeServer"); });
     EXPECT_FALSE(LogsIn(*dialog));
+}
+
+TEST_F(DialogLife, OpensNoServerDialogWhenTheObjectGoesWhileItAsksForTheServer) {
+    auto dialog = std::make_unique<frmLogin>(machine.platform);
+    bool saved = false;
+    dialog->GetAddressPort = [&](auto&&...) { dialog.reset(); };
+    dialog->SaveAddressPort = [&](auto&&...) { saved = true; };
+    host.Expect("frmLogin", [](FakeUser& user) { user.Clicks("cmdChangeServer"); });
+    EXPECT_FALSE(LogsIn(*dialog));
+    EXPECT_EQ(host.Shown(), std::vector<std::string>{"frmLogin"});
+    EXPECT_FALSE(saved);
+}
+
+TEST_F(DialogLife, ALoginDialogThatGoesUnderItsMessageReturnsAsCancelled) {
+    auto dialog = std::make_unique<frmLogin>(machine.platform);
+    host.Answer(BoxButton::OK, [&] { dialog.reset(); });
+    host.Expect("frmLogin", [](FakeUser& user) {
+        user.Types("txtLoginID", "ann");
+        user.Types("txtNewPassword", "better");
+        user.Unticks("chkAskForProfile");
+        user.Clicks("cmdOK");
+        EXPECT_FALSE(user.IsOpen());
+    });
+    std::string login_id = "bob";
+    Secret password("old");
+    Secret new_password("older");
+    bool ask_for_profile = true;
+    bool show = true;
+    EXPECT_FALSE(dialog->Login(login_id, password, true, new_password, ask_for_profile, show, nullptr));
+    BoxSaid("A password must be specified.", "Login Procedure", BoxStyle::Warning);
+    EXPECT_EQ(login_id, "bob");
+    EXPECT_EQ(password.Reveal(), "old");
+    EXPECT_EQ(new_password.Reveal(), "older");
+    EXPECT_TRUE(ask_for_profile);
+}
+
+TEST_F(DialogLife, AServerDialogThatGoesUnderItsMessageReturnsAsCancelled) {
+    auto dialog = std::make_unique<frmServer>(machine.platform);
+    host.Answer(BoxButton::OK, [&] { dialog.reset(); });
+    host.Expect("frmServer", [](FakeUser& user) {
+        user.Types("txtAddress", "other");
+        user.Types("txtPort", "80");
+        user.Clears("txtTimeOut");
+        user.Unticks("chkUseASServerforLogin");
+        user.Clicks("cmdOK");
+        EXPECT_FALSE(user.IsOpen());
+    });
+    std::string address = "zeb";
+    std::int32_t port = 7710;
+    std::int32_t time_out = 10'000;
+    bool use_as_server = true;
+    EXPECT_FALSE(dialog->GetServerInfo(address, port, time_out, use_as_server, nullptr));
+    BoxSaid("Time-out value must be greater than 0 and less than 60 seconds.", "KQAppSessionLib",
+            BoxStyle::Warning);
+    EXPECT_EQ(address, "zeb");
+    EXPECT_EQ(port, 7710);
+    EXPECT_EQ(time_out, 10'000);
+    EXPECT_TRUE(use_as_server);
+}
+
+TEST_F(DialogLife, APasswordDialogThatGoesUnderItsMessageReturnsAsCancelled) {
+    auto dialog = std::make_unique<frmPassword>(machine.platform);
+    host.Answer(BoxButton::OK, [&] { dialog.reset(); });
+    host.Expect("frmPassword", [](FakeUser& user) {
+        user.Types("txtOldPassword", "old");
+        user.Types("txtNewPassword", "better");
+        user.Types("txtConfirmPassword", "bitter");
+        user.Clicks("cmdOK");
+        EXPECT_FALSE(user.IsOpen());
+    });
+    Secret old_password("a");
+    Secret new_password("b");
+    EXPECT_FALSE(dialog->GetPassword(old_password, new_password, nullptr));
+    BoxSaid("The passwords you typed do not match. Type the new password in both text boxes.",
+            "KQAppSessionLib", BoxStyle::Warning);
+    EXPECT_EQ(old_password.Reveal(), "a");
+    EXPECT_EQ(new_password.Reveal(), "b");
 }
 
 TEST_F(DialogLife, ReturnsAsCancelledWhenTheLoopQuits) {

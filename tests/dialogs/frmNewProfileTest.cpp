@@ -223,5 +223,33 @@ TEST_F(NameFilter, WorksInTheNextDialogAsWell) {
     EXPECT_EQ(LeavesOfTyped("b:"), "b");
 }
 
+// A face that cannot write into its box. Its user types a colon.
+class BrokenHost final : public DialogHost {
+ public:
+    BoxButton ShowMessageBox(const std::string&, const std::string&, BoxStyle) override {
+        return BoxButton::OK;
+    }
+    std::unique_ptr<FormView> CreateView(Form&) override { return std::make_unique<View>(); }
+    void RunModal(Form& form) override { form.Type(*form.Find("txtName"), "a:", {2, 0}); }
+
+ private:
+    struct View final : FormView {
+        void Changed(const Control& control, ControlChange what) override {
+            if (control.Name() == "txtName" && what == ControlChange::Text) Raise(RuntimeError::TypeMismatch);
+        }
+        void Changed(FormChange) override {}
+        void Focus(const Control&) override {}
+    };
+};
+
+TEST_F(NameFilter, WorksAgainAfterAnErrorInTheMiddleOfIt) {
+    auto broken = std::make_shared<Platform>(*machine.platform);
+    broken->dialogs = std::make_shared<BrokenHost>();
+    const Error error = ErrorOf([&] { frmNewProfile(broken).GetNewProfile(name, nullptr); });
+    EXPECT_EQ(error.Number(), NumberOf(RuntimeError::TypeMismatch));
+    EXPECT_EQ(name, "Main");
+    EXPECT_EQ(LeavesOfTyped("b:"), "b");
+}
+
 }  // namespace
 }  // namespace kq

@@ -70,14 +70,21 @@ TEST_F(ProfilesDialog, IsReachedByTabInReadingOrder) {
 // --- The profile that a command line names
 
 TEST_F(ProfilesDialog, SelectsTheProfileOfTheCommandLine) {
-    for (const auto command :
-         {"/Profile Night", "/profile Night", "run.exe /PROFILE \"Night\" /x", "/Profile  Night  "}) {
+    for (const auto command : {"/Profile Night", "run.exe /PROFILE \"Night\" /x", "/Profile  Night  "}) {
         command_str = command;
         Opens([&](FakeUser& user) {
             EXPECT_EQ(user.SeesSelected("lvProfiles"), "Night") << command;
             user.Closes();
         });
     }
+}
+
+TEST_F(ProfilesDialog, SelectsTheProfileAfterASwitchInLowerCase) {
+    command_str = "run.exe /profile Night";
+    Opens([](FakeUser& user) {
+        EXPECT_EQ(user.SeesSelected("lvProfiles"), "Night");
+        user.Closes();
+    });
 }
 
 TEST_F(ProfilesDialog, SelectsTheCurrentProfileWhenTheCommandLineNamesNone) {

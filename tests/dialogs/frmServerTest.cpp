@@ -175,11 +175,27 @@ TEST_F(ServerDialog, RefusesAPortThatIsNone) {
 }
 
 TEST_F(ServerDialog, AcceptsThePortsOfTheRange) {
-    for (const auto& [text, number] :
-         {std::pair{"1", 1}, {"65535", 65535}, {"80x", 80}, {" 80", 80}, {"0.6", 1}}) {
+    for (const auto& [text, number] : {std::pair{"1", 1}, {"65535", 65535}, {"0.6", 1}}) {
         EXPECT_TRUE(Accepts("txtPort", text)) << text;
         EXPECT_EQ(port, number) << text;
     }
+}
+
+TEST_F(ServerDialog, ReadsTheNumberAtTheBeginningOfThePort) {
+    for (const auto text : {"80x", " 80"}) {
+        port = 7710;
+        EXPECT_TRUE(Accepts("txtPort", text)) << text;
+        EXPECT_EQ(port, 80) << text;
+    }
+}
+
+TEST_F(ServerDialog, RoundsAPortThatEndsInAHalfToTheEvenNeighbour) {
+    for (const auto& [text, number] : {std::pair{"80.5", 80}, {"81.5", 82}}) {
+        EXPECT_TRUE(Accepts("txtPort", text)) << text;
+        EXPECT_EQ(port, number) << text;
+    }
+    port = 7710;
+    Refuses("txtPort", "65535.5", kBadPort);
 }
 
 TEST_F(ServerDialog, RefusesATimeOutThatIsNone) {
@@ -187,13 +203,19 @@ TEST_F(ServerDialog, RefusesATimeOutThatIsNone) {
         Refuses("txtTimeOut", text, kBadTimeOut);
 }
 
+TEST_F(ServerDialog, AcceptsATimeOutOf60SecondsThoughTheMessageSaysLess) {
+    EXPECT_TRUE(Accepts("txtTimeOut", "60"));
+    EXPECT_EQ(time_out, 60'000);
+}
+
+TEST_F(ServerDialog, RoundsATimeOutThatEndsInAHalfToTheEvenNeighbourForTheCheck) {
+    EXPECT_TRUE(Accepts("txtTimeOut", "60.5"));
+    EXPECT_EQ(time_out, 60'500);
+}
+
 TEST_F(ServerDialog, KeepsTheFractionOfATimeOutThatItCheckedRounded) {
-    for (const auto& [text, milliseconds] : {std::pair{"1", 1000},
-                                             {"60", 60'000},
-                                             {"1.4", 1400},
-                                             {"0.6", 600},
-                                             {"60.4", 60'400},
-                                             {"5s", 5000}}) {
+    for (const auto& [text, milliseconds] :
+         {std::pair{"1", 1000}, {"1.4", 1400}, {"0.6", 600}, {"60.4", 60'400}, {"5s", 5000}}) {
         EXPECT_TRUE(Accepts("txtTimeOut", text)) << text;
         EXPECT_EQ(time_out, milliseconds) << text;
     }
