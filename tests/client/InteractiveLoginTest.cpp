@@ -320,6 +320,33 @@ TEST_F(InteractiveLoginTest, AsksForTheProfileWhenTheUserWantsToBeAsked) {
     EXPECT_EQ(std::ranges::count(zeb.HeardTypes(), FakeZeb::kUpload), 1);  // another choice than the last one
 }
 
+struct Trader : AppObject {
+    std::optional<std::string> Property(std::string_view name) const override {
+        if (name == "ProductName") return "Trader";
+        if (name == "Path") return "C:\\Programs";
+        if (name == "EXEName") return "trader.exe";
+        return std::nullopt;
+    }
+};
+
+TEST_F(InteractiveLoginTest, AShortcutMadeAtTheLoginStartsTheApplication) {
+    Settings().SetSetting("AskForProfile", "True");
+    login.AppObj = std::make_shared<Trader>();
+    LogsIn();
+    user.Expect("frmProfiles", [](FakeUser& at) {
+        at.Selects("lvProfiles", "Second");
+        at.Clicks("cmdShortcut");
+        at.Clicks("cmdCancel");
+    });
+    user.AnswerPath("/home/user/Desktop/Second.lnk");
+    EXPECT_FALSE(Login());
+    const Shortcut& made = machine.shortcuts->made.at("/home/user/Desktop/Second.lnk");
+    EXPECT_EQ(made.folder, "C:\\Programs");
+    EXPECT_EQ(made.program, "trader.exe");
+    EXPECT_EQ(made.arguments, "/Profile \"Second\"");
+    EXPECT_EQ(made.description, "This runs the Trader application using the Second profile.");
+}
+
 TEST_F(InteractiveLoginTest, CancellingTheProfilesDialogEndsTheLogin) {
     Settings().SetSetting("AskForProfile", "True");
     LogsIn();
@@ -329,29 +356,139 @@ TEST_F(InteractiveLoginTest, CancellingTheProfilesDialogEndsTheLogin) {
 
 // --- download
 
-TEST_F(InteractiveLoginTest, ADownloadedClientIsStartedAndTakesOver) {
-    zeb.Once(FakeZeb::kValidate, zeb.Answer(FakeZeb::ValidationWith("ClientAvailable", "True")));
-    zeb.On("ASDownloadClientRequest", zeb.Raw("installer"));
+class InteractiveDownloadTest : public InteractiveLoginTest {
+ protected:
+    // The login server has a new client for this one.
+    void Offers(XMLMessage validation = FakeZeb::Validation()) {
+        validation.SetField("ClientAvailable", "True");
+        zeb.Once(FakeZeb::kValidate, zeb.Answer(validation));
+    }
+    // It serves no client of this version any more, or has no servers for it.
+    void OffersToAClientThatIsTooOld() {
+        XMLMessage validation = FakeZeb::Validation();
+        validation.SetVersion("2");
+        Offers(validation);
+    }
+    void OffersWithoutServers() { Offers(FakeZeb::ValidationWith("InterfaceAvailable", "False")); }
+
+    // The next download succeeds, or fails and the user does so about it.
+    void Downloads() {
+        zeb.Once(kDownload, zeb.Raw("installer"));
+        user.Expect("frmDownload", [](FakeUser&) {});
+    }
+    void FailsToDownload(BoxButton try_again) {
+        zeb.Once(kDownload, zeb.Answer(FakeZeb::Refusal("ASDownloadClientResponse", "5", "No client", "")));
+        user.Expect("frmDownload", [](FakeUser&) {});
+        IsAsked("An error occurred while downloading: No client.  Would you like to try to login again?",
+                try_again);
+    }
+    // The login ends in favour of the new client, which runs.
+    void ExpectTakenOver() {
+        EXPECT_FALSE(Login());
+        ExpectQuestions();
+        ASSERT_EQ(machine.process->started.size(), 1U);
+        EXPECT_EQ(Settings().Setting("LastDownloadedClient", ""), machine.process->started.front());
+    }
+    void ExpectEnded() {
+        EXPECT_FALSE(Login());
+        ExpectQuestions();
+        EXPECT_THAT(machine.process->started, IsEmpty());
+        EXPECT_EQ(client->LoginState(), kqaslsNotLoggedIn);
+    }
+
+    static constexpr const char* kDownload = "ASDownloadClientRequest";
+    static constexpr const char* kNewClient =
+        "A new client version is now available.  Would you like to upgrade?";
+    static constexpr const char* kTooOld =
+        "The login server does not support this client.  A new client version is required.  Download new "
+        "client now?";
+    static constexpr const char* kNoServers =
+        "No servers available for this client.  Would you like to download a new client?";
+};
+
+TEST_F(InteractiveDownloadTest, ADownloadedClientIsStartedAndTakesOver) {
+    Offers();
     LogsIn();
-    IsAsked("A new client version is now available.  Would you like to upgrade?", BoxButton::Yes);
-    user.Expect("frmDownload", [](FakeUser&) {});
-    EXPECT_FALSE(Login());
-    ASSERT_EQ(machine.process->started.size(), 1U);
-    EXPECT_EQ(Settings().Setting("LastDownloadedClient", ""), machine.process->started.front());
+    IsAsked(kNewClient, BoxButton::Yes);
+    Downloads();
+    ExpectTakenOver();
 }
 
-TEST_F(InteractiveLoginTest, ADownloadThatFailsAndIsGivenUpIsOfferedAgain) {
-    zeb.Once(FakeZeb::kValidate, zeb.Answer(FakeZeb::ValidationWith("ClientAvailable", "True")));
-    zeb.On("ASDownloadClientRequest",
-           zeb.Answer(FakeZeb::Refusal("ASDownloadClientResponse", "5", "No client", "")));
+TEST_F(InteractiveDownloadTest, ADownloadThatFailsAndIsGivenUpIsOfferedAgain) {
+    Offers();
     LogsIn();
-    IsAsked("A new client version is now available.  Would you like to upgrade?", BoxButton::Yes);
-    user.Expect("frmDownload", [](FakeUser&) {});
-    IsAsked("An error occurred while downloading: No client.  Would you like to try to login again?",
-            BoxButton::No);
-    IsAsked("A new client version is now available.  Would you like to upgrade?", BoxButton::No);
+    IsAsked(kNewClient, BoxButton::Yes);
+    FailsToDownload(BoxButton::No);
+    IsAsked(kNewClient, BoxButton::No);
     EXPECT_TRUE(Login());
     ExpectQuestions();
+}
+
+TEST_F(InteractiveDownloadTest, YesAfterADownloadThatFailedLeadsBackToTheLoginDialog) {
+    Offers();
+    LogsIn();
+    IsAsked(kNewClient, BoxButton::Yes);
+    FailsToDownload(BoxButton::Yes);
+    LogsIn();
+    EXPECT_TRUE(Login());
+    ExpectQuestions();
+    EXPECT_EQ(zeb.Accepted(), 2);
+}
+
+TEST_F(InteractiveDownloadTest, AClientThatIsTooOldIsReplacedWhenTheUserAgrees) {
+    OffersToAClientThatIsTooOld();
+    LogsIn();
+    IsAsked(kNewClient, BoxButton::No);
+    IsAsked(kTooOld, BoxButton::Yes);
+    Downloads();
+    ExpectTakenOver();
+}
+
+TEST_F(InteractiveDownloadTest, AClientThatIsTooOldEndsWhenTheUserDeclinesTheNewOne) {
+    OffersToAClientThatIsTooOld();
+    LogsIn();
+    IsAsked(kNewClient, BoxButton::No);
+    IsAsked(kTooOld, BoxButton::No);
+    ExpectEnded();
+    EXPECT_EQ(std::ranges::count(zeb.HeardTypes(), kDownload), 0);
+}
+
+TEST_F(InteractiveDownloadTest, AClientThatIsTooOldIsOfferedTheSameAfterADownloadGivenUp) {
+    OffersToAClientThatIsTooOld();
+    LogsIn();
+    IsAsked(kNewClient, BoxButton::No);
+    IsAsked(kTooOld, BoxButton::Yes);
+    FailsToDownload(BoxButton::No);
+    IsAsked(kTooOld, BoxButton::No);
+    ExpectEnded();
+}
+
+TEST_F(InteractiveDownloadTest, AClientWithoutServersIsReplacedWhenTheUserAgrees) {
+    OffersWithoutServers();
+    LogsIn();
+    IsAsked(kNewClient, BoxButton::No);
+    IsAsked(kNoServers, BoxButton::Yes);
+    Downloads();
+    ExpectTakenOver();
+}
+
+TEST_F(InteractiveDownloadTest, AClientWithoutServersEndsWhenTheUserDeclinesTheNewOne) {
+    OffersWithoutServers();
+    LogsIn();
+    IsAsked(kNewClient, BoxButton::No);
+    IsAsked(kNoServers, BoxButton::No);
+    ExpectEnded();
+    EXPECT_EQ(std::ranges::count(zeb.HeardTypes(), kDownload), 0);
+}
+
+TEST_F(InteractiveDownloadTest, AClientWithoutServersIsOfferedTheSameAfterADownloadGivenUp) {
+    OffersWithoutServers();
+    LogsIn();
+    IsAsked(kNewClient, BoxButton::No);
+    IsAsked(kNoServers, BoxButton::Yes);
+    FailsToDownload(BoxButton::No);
+    IsAsked(kNoServers, BoxButton::No);
+    ExpectEnded();
 }
 
 // --- the server login
