@@ -20,6 +20,7 @@ namespace kq {
 namespace {
 
 constexpr std::int32_t kEnglish = 1033;
+constexpr std::int32_t kPortuguese = 1046;
 constexpr std::int32_t kSpanish[] = {2058, 9226, 10250, 11274, 13322, 14346, 15370};
 
 // First and last id of every run.
@@ -218,16 +219,22 @@ TEST(StringTables, CallTheButtonNewByItsOwnCaption) {
     }
 }
 
-TEST(StringTables, CallTheButtonsOfTheBoxesAsTheSystemDoes) {
-    for (const std::int32_t language : kSpanish) {
-        const Texts texts = TextsOf(language);
-        for (const std::int32_t id : {402, 404}) {
-            for (const char* button : {" Sí ", " No ", " Cancelar "})
-                EXPECT_EQ(CountOf(texts.at(id), button), 1U) << language << ", " << id << button;
-        }
+// The texts say "click in Yes", with the word for "in".
+void ExpectButtons(std::int32_t language, const std::string& yes, const std::string& no,
+                   const std::string& cancel) {
+    const Texts texts = TextsOf(language);
+    for (const std::int32_t id : {402, 404, 424}) {
+        EXPECT_EQ(CountOf(texts.at(id), yes), 1U) << language << ", " << id;
+        EXPECT_EQ(CountOf(texts.at(id), no), 1U) << language << ", " << id;
+        // The box of 424 has no third button.
+        EXPECT_EQ(CountOf(texts.at(id), cancel), id == 424 ? 0U : 1U) << language << ", " << id;
     }
-    for (const char* button : {" Sim ", " Não ", " Cancelar "})
-        EXPECT_EQ(CountOf(TextsOf(1046).at(402), button), 1U) << button;
+}
+
+TEST(StringTables, CallTheButtonsOfTheBoxesAsTheSystemDoes) {
+    ExpectButtons(kPortuguese, " em Sim ", " em Não ", " em Cancelar ");
+    for (const std::int32_t language : kSpanish)
+        ExpectButtons(language, " en Sí ", " en No ", " en Cancelar ");
 }
 
 }  // namespace
