@@ -81,6 +81,7 @@ void ClientState::Terminate() {
     login_client_.reset();
     if (session_client_) ending_session_client_ = std::move(session_client_);
     platform->loop->Post([] {});  // wakes a pause, which sees the count
+    Terminated();
 }
 
 float ClientState::TimeOfDay() const {

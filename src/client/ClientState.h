@@ -58,6 +58,8 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     // session connection is still heard, until another takes its place.
     void Terminate();
     std::uint32_t Terminations() const { return terminations_; }
+    // Raised by Terminate; whoever waits for a user stops waiting.
+    Signal<> Terminated;
 
     // Lets `seconds` pass on the clock of the day while the loop runs. Ends at once when the loop quits or
     // the client is terminated. The difference of two times of day never reaches `seconds` across midnight,

@@ -2,6 +2,7 @@
 #include "client/InteractiveAttendant.h"
 
 #include "client/LoginPrompts.h"
+#include "client/TerminableDialog.h"
 #include "dialogs/frmDownload.h"
 #include "dialogs/frmPassword.h"
 #include "dialogs/frmProfiles.h"
@@ -47,8 +48,8 @@ LoginStates InteractiveAttendant::MeetUnexpected(std::int32_t text, const Error&
 
 bool InteractiveAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments,
                                         bool use_profiles, LoginDetails& details) {
-    if (!AskServerAddress(platform_, config, false, arguments.AppIcon)) return false;
-    if (!AskLoginDetails(platform_, config, use_profiles, arguments.AppIcon, details)) return false;
+    if (!AskServerAddress(state_, config, false)) return false;
+    if (!AskLoginDetails(state_, config, use_profiles, arguments.AppIcon, details)) return false;
     const ServerSettings settings = ReadServerSettings(config, kUsualTimeOut);
     details.address = settings.address;
     details.port = settings.port;
@@ -61,8 +62,8 @@ bool InteractiveAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArg
 std::optional<Secret> InteractiveAttendant::GetNewPassword(const SystemLoginArguments& arguments) {
     Secret old_password;
     Secret new_password;
-    if (!frmPassword(platform_).GetPassword(old_password, new_password, arguments.AppIcon))
-        return std::nullopt;
+    TerminableDialog<frmPassword> dialog(state_.platform, state_.Terminated);
+    if (!dialog->GetPassword(old_password, new_password, arguments.AppIcon)) return std::nullopt;
     return new_password;
 }
 
@@ -71,14 +72,15 @@ bool InteractiveAttendant::ChooseProfile(const std::shared_ptr<Profiles>& profil
                                          std::shared_ptr<Profile>& current, bool& changed) {
     const ProgramInfo program{PropertyOf(arguments, "ProductName"), PropertyOf(arguments, "Path"),
                               PropertyOf(arguments, "EXEName")};
-    return frmProfiles(platform_).GetProfile(profiles, current, arguments.CommandStr, program,
-                                             arguments.AppIcon, changed);
+    TerminableDialog<frmProfiles> dialog(state_.platform, state_.Terminated);
+    return dialog->GetProfile(profiles, current, arguments.CommandStr, program, arguments.AppIcon, changed);
 }
 
 std::optional<std::string> InteractiveAttendant::DownloadClient(const std::shared_ptr<APClient>& client,
                                                                 bool& try_again) {
     std::string path;
-    if (!frmDownload(platform_).DownloadClient(client, path, try_again)) return std::nullopt;
+    TerminableDialog<frmDownload> dialog(state_.platform, state_.Terminated);
+    if (!dialog->DownloadClient(client, path, try_again)) return std::nullopt;
     return path;
 }
 

@@ -1,6 +1,7 @@
 // The attendant of a procedure with a user: every failure becomes a question, details come from dialogs.
 #pragma once
 
+#include "client/ClientState.h"
 #include "client/LoginAttendant.h"
 #include "dialogs/frmWait.h"
 
@@ -8,8 +9,8 @@ namespace kq {
 
 class InteractiveAttendant : public LoginAttendant {
  public:
-    explicit InteractiveAttendant(PlatformPtr platform)
-        : platform_(platform), texts_(platform), wait_(platform) {}
+    explicit InteractiveAttendant(ClientState& state)
+        : state_(state), texts_(state.platform), wait_(state.platform) {}
 
     LoginStates Meet(LoginFailure failure, const Args& question, const Args& error) override;
     LoginStates MeetUnexpected(std::int32_t text, const Error& error) override;
@@ -25,7 +26,7 @@ class InteractiveAttendant : public LoginAttendant {
     bool RetryUpload(const std::string& description) override;
 
  private:
-    PlatformPtr platform_;
+    ClientState& state_;
     modASMsg texts_;
     frmWait wait_;
 };

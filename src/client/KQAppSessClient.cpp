@@ -157,7 +157,7 @@ bool KQAppSessClient::ChangeConfiguration() {
     const auto state = state_;
     if (!state->config) state->texts.RaiseASError(kqaserrLoginSessionRequired);
     const Procedure procedure(*state);
-    return kq::ChangeConfiguration(state->platform, *state->config);
+    return kq::ChangeConfiguration(*state, *state->config);
 }
 
 bool KQAppSessClient::UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port,

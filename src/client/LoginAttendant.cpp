@@ -6,13 +6,13 @@
 
 namespace kq {
 
-std::unique_ptr<LoginAttendant> MakeAttendant(bool interactive, const PlatformPtr& platform) {
-    if (!interactive) return std::make_unique<SilentAttendant>(platform);
-    if (!platform->dialogs) {
+std::unique_ptr<LoginAttendant> MakeAttendant(bool interactive, ClientState& state) {
+    if (!interactive) return std::make_unique<SilentAttendant>(state.platform);
+    if (!state.platform->dialogs) {
         Raise(RuntimeError::InvalidProcedureCall,
               "An interactive login asks its user through dialogs, and this program has none");
     }
-    return std::make_unique<InteractiveAttendant>(platform);
+    return std::make_unique<InteractiveAttendant>(state);
 }
 
 }  // namespace kq

@@ -64,6 +64,6 @@ class LoginAttendant {
 
 // The attendant of a procedure. An interactive one needs a platform with dialogs; without it
 // RuntimeError::InvalidProcedureCall is raised.
-std::unique_ptr<LoginAttendant> MakeAttendant(bool interactive, const PlatformPtr& platform);
+std::unique_ptr<LoginAttendant> MakeAttendant(bool interactive, ClientState& state);
 
 }  // namespace kq

@@ -95,7 +95,7 @@ bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttenda
 
 bool UpdateProfilesEx(ClientState& state, bool interactive, UploadTarget& target) {
     const Procedure procedure(state);
-    const auto attendant = MakeAttendant(interactive, state.platform);
+    const auto attendant = MakeAttendant(interactive, state);
     return Upload(state, procedure, *attendant, target);
 }
 
@@ -113,7 +113,7 @@ void AddReplaceProfile(ClientState& state, bool interactive, std::shared_ptr<Pro
     const auto added = profiles->Add(std::move(changed_profile));
     if (added->Name() == current_name) state.current_profile = added;
     procedure.CheckTermination();
-    const auto attendant = MakeAttendant(interactive, state.platform);
+    const auto attendant = MakeAttendant(interactive, state);
     UploadTarget target;
     Upload(state, procedure, *attendant, target);
 }

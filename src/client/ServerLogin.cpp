@@ -21,7 +21,7 @@ constexpr int kMaxRetries = 5;
 
 ServerLogin::ServerLogin(ClientState& state, bool interactive) : state_(state), procedure_(state) {
     if (state_.login_state == kqaslsNotLoggedIn) state_.texts.RaiseASError(kqaserrLoginNoSystem);
-    attendant_ = MakeAttendant(interactive, state_.platform);
+    attendant_ = MakeAttendant(interactive, state_);
     state_.OpenConfig(state_.session_info->AppID());
     if (state_.login_state == kqaslsServerLogin) state_.login_state = kqaslsSystemLogin;
 }

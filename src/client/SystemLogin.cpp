@@ -44,7 +44,7 @@ void Restrict(Request& request, const ClientState& state, const LoginDetails& de
 SystemLogin::SystemLogin(ClientState& state, bool interactive, SystemLoginArguments arguments)
     : state_(state),
       procedure_(state),
-      attendant_(MakeAttendant(interactive, state.platform)),
+      attendant_(MakeAttendant(interactive, state)),
       arguments_(std::move(arguments)) {}
 
 bool SystemLogin::Run() {
@@ -65,6 +65,7 @@ bool SystemLogin::Run() {
                 state = attendant_->MeetUnexpected(kUnexpectedError, error);
             }
         }
+        procedure_.CheckTermination();
     } catch (...) {
         Failed();
         throw;

@@ -10,7 +10,10 @@ Dialog::~Dialog() {
 }
 
 Window::Window(Dialog& dialog, const FormRow& row)
-    : platform_(dialog.platform_), texts_(platform_), form_(Form::Load(platform_, row)) {
+    : platform_(dialog.platform_),
+      texts_(platform_),
+      form_(Form::Load(platform_, row)),
+      dialog_(dialog.life_.Life()) {
     if (row.caption_id != 0) form_->SetCaption(texts_.LoadText(row.caption_id));
     for (const auto& control : row.controls) {
         if (control.text_id != 0) At(control.name).SetText(texts_.LoadText(control.text_id));

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include <kqappsession/Platform.h>
+#include <kqappsession/Signal.h>
 
 #include "messages/modASMsg.h"
 #include "platform/DialogHost.h"
@@ -28,6 +29,7 @@ class Dialog {
     friend class Window;
     PlatformPtr platform_;
     std::weak_ptr<Form> form_;
+    Owner life_;
 };
 
 // A loaded form with its texts, for one showing. It is unloaded when this object goes, in every case; the
@@ -45,12 +47,17 @@ class Window {
         At(button).OnClick(std::move(handler));
     }
     void SelectsAllOnFocus(std::string_view box);
+    // Whether the dialog object has gone: nothing is asked or done any more.
+    bool Abandoned() const { return dialog_.expired(); }
     // A message of a dialog that gives it no title: caption "KQAppSessionLib", exclamation icon, OK.
     void Warn(std::int32_t text_id);
 
     const PlatformPtr platform_;
     const modASMsg texts_;
     const std::shared_ptr<Form> form_;
+
+ private:
+    const std::weak_ptr<const void> dialog_;
 };
 
 }  // namespace kq

@@ -58,7 +58,8 @@ class ProfilesWindow : public Window {
 
  private:
     bool MustGoOn() {
-        return profiles_->Count() == 0 && !platform_->loop->Quitting() && texts_.AskYesNo(kNoProfileYet);
+        if (profiles_->Count() != 0 || Abandoned() || platform_->loop->Quitting()) return false;
+        return texts_.AskYesNo(kNoProfileYet) && !Abandoned();
     }
 
     void Fill(const std::string& selected) {
@@ -88,7 +89,9 @@ class ProfilesWindow : public Window {
         At("cmdShortcut").SetEnabled(selected && can_make);
     }
 
+    // Also once there is nobody any more to take it.
     bool IsTaken(const std::string& name) {
+        if (Abandoned()) return true;
         if (!profiles_->Exists(name)) return false;
         texts_.ShowWarning(kNameTaken, {name});
         return true;
@@ -144,7 +147,8 @@ class ProfilesWindow : public Window {
         const auto profile = Selected();
         if (!profile) return;
         const std::string name = profile->Name();
-        if (!texts_.AskYesNoTitled(kRemoveQuestion, kRemoveTitle, {name}) || !profiles_->Exists(name)) return;
+        if (!texts_.AskYesNoTitled(kRemoveQuestion, kRemoveTitle, {name})) return;
+        if (Abandoned() || !profiles_->Exists(name)) return;
         profiles_->Remove(name);
         if (current_ == profile) current_.reset();
         Changed({});
@@ -161,7 +165,7 @@ class ProfilesWindow : public Window {
                                              .filter = "Shortcut|*." + shortcuts->Extension(),
                                              .extension = shortcuts->Extension(),
                                              .file_name = AllowedInProfileName(name)});
-        if (!path) return;
+        if (!path || Abandoned()) return;
         // Where it cannot be made there is none; nobody is told.
         shortcuts->Create(*path,
                           {.folder = program_.path,

@@ -7,6 +7,7 @@
 #include "dialogs/DialogsTesting.h"
 #include "dialogs/frmLogin.h"
 #include "dialogs/frmPassword.h"
+#include "dialogs/frmProfiles.h"
 #include "dialogs/frmServer.h"
 #include "dialogs/frmWait.h"
 
@@ -114,6 +115,46 @@ TEST_F(DialogLife, APasswordDialogThatGoesUnderItsMessageReturnsAsCancelled) {
             "KQAppSessionLib", BoxStyle::Warning);
     EXPECT_EQ(old_password.Reveal(), "a");
     EXPECT_EQ(new_password.Reveal(), "b");
+}
+
+struct ProfilesLife : DialogLife {
+    bool GetsProfile() { return dialog->GetProfile(profiles, current, "", ProgramInfo(), nullptr, changed); }
+    std::unique_ptr<frmProfiles> dialog = std::make_unique<frmProfiles>(machine.platform);
+    std::shared_ptr<Profiles> profiles = std::make_shared<Profiles>();
+    std::shared_ptr<Profile> current;
+    bool changed = false;
+};
+
+TEST_F(ProfilesLife, AsksNothingAboutAnEmptyCollectionWhenTheObjectHasGone) {
+    host.Answer(BoxButton::OK);  // what profiles are
+    host.Expect("frmProfiles", [&](FakeUser&) { dialog.reset(); });
+    EXPECT_FALSE(GetsProfile());
+}
+
+TEST_F(ProfilesLife, RemovesNothingWhenTheObjectGoesUnderItsQuestion) {
+    profiles->Add(std::make_shared<Profile>("Sales"));
+    host.Answer(BoxButton::Yes, [&] { dialog.reset(); });
+    host.Expect("frmProfiles", [](FakeUser& user) {
+        user.Selects("lvProfiles", "Sales");
+        user.Clicks("cmdRemove");
+        EXPECT_FALSE(user.IsOpen());
+    });
+    EXPECT_FALSE(GetsProfile());
+    EXPECT_TRUE(profiles->Exists("Sales"));
+    EXPECT_FALSE(changed);
+}
+
+TEST_F(ProfilesLife, AddsNothingWhenTheObjectGoesUnderTheDialogForAName) {
+    host.Expect("frmNewProfile", [&](FakeUser& user) {
+        user.Types("txtName", "Sales");
+        user.Waits(Milliseconds(100));
+        dialog.reset();
+        if (user.IsOpen()) user.Clicks("cmdOK");
+    });
+    profiles->Add(std::make_shared<Profile>("Main"));
+    host.Expect("frmProfiles", [](FakeUser& user) { user.Clicks("cmdNew"); });
+    EXPECT_FALSE(GetsProfile());
+    EXPECT_FALSE(profiles->Exists("Sales"));
 }
 
 TEST_F(DialogLife, ReturnsAsCancelledWhenTheLoopQuits) {

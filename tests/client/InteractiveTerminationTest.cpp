@@ -1,0 +1,125 @@
+// A client that is terminated or dropped while a dialog of its login is open: the dialog goes, nothing is
+// kept.
+#include "client/LoginFixture.h"
+
+namespace kq {
+namespace {
+
+class InteractiveTerminationTest : public LoginFixture {
+ protected:
+    InteractiveTerminationTest() : LoginFixture(FakePlatform::Face::WithDialogs), user(*machine.dialogs) {
+        StoreServer(FakeZeb::kAddress, "7710");
+    }
+    ~InteractiveTerminationTest() override {
+        EXPECT_EQ(user.ScriptsLeft(), 0U);
+        EXPECT_EQ(user.OpenWindows(), 0U);
+    }
+    void StoreServer(const std::string& address, const std::string& port) {
+        Settings().SetSetting("Address", address);
+        Settings().SetSetting("Port", port);
+    }
+    void LogsIn() {
+        user.Expect("frmLogin", [](FakeUser& at) {
+            at.Types("txtLoginID", "bob");
+            at.Types("txtPassword", "secret word");
+            at.Clicks("cmdOK");
+        });
+    }
+    // While the form is open, and once it has gone, the login has ended.
+    void ExpectTheEndAt(const std::string& form, const std::function<void()>& end) {
+        user.Expect(form, [&](FakeUser& at) {
+            end();
+            EXPECT_FALSE(at.IsOpen());
+        });
+        EXPECT_EQ(ErrorOf([this] { client->SystemLogin(true, login); }).Number(),
+                  static_cast<std::int32_t>(NetError::Interrupted));
+    }
+    std::function<void()> Terminates() {
+        return [this] { client->TerminateClient(); };
+    }
+
+    FakeDialogHost& user;
+};
+
+TEST_F(InteractiveTerminationTest, ClosesTheLoginDialogAndKeepsNothing) {
+    ExpectTheEndAt("frmLogin", Terminates());
+    EXPECT_EQ(Settings().Setting("LoginID", "none"), "none");
+    EXPECT_EQ(zeb.Accepted(), 0);
+}
+
+TEST_F(InteractiveTerminationTest, ClosesTheDialogOfAClientThatIsDropped) {
+    auto dropped = std::move(client);
+    user.Expect("frmLogin", [&](FakeUser& at) {
+        dropped.reset();
+        EXPECT_FALSE(at.IsOpen());
+    });
+    EXPECT_EQ(ErrorOf([&] { dropped->SystemLogin(true, login); }).Number(),
+              static_cast<std::int32_t>(NetError::Interrupted));
+}
+
+TEST_F(InteractiveTerminationTest, ClosesTheServerDialog) {
+    StoreServer("", "");
+    ExpectTheEndAt("frmServer", Terminates());
+}
+
+TEST_F(InteractiveTerminationTest, ClosesThePasswordDialog) {
+    LogsIn();
+    zeb.RefusesLogin("7722");
+    ExpectTheEndAt("frmPassword", Terminates());
+}
+
+TEST_F(InteractiveTerminationTest, ClosesTheProfilesDialog) {
+    user.Expect("frmLogin", [](FakeUser& at) {
+        at.Types("txtLoginID", "bob");
+        at.Types("txtPassword", "secret word");
+        at.Clicks("cmdShowHide");
+        at.Ticks("chkAskForProfile");
+        at.Clicks("cmdOK");
+    });
+    ExpectTheEndAt("frmProfiles", Terminates());
+}
+
+TEST_F(InteractiveTerminationTest, EndsADownloadWithoutAQuestion) {
+    LogsIn();
+    user.Answer(BoxButton::Yes);
+    zeb.Once(FakeZeb::kValidate, FakeZeb::Answer(FakeZeb::ValidationWith("ClientAvailable", "True")));
+    zeb.On("ASDownloadClientRequest", FakeZeb::Silence());
+    user.Expect("frmDownload", [&](FakeUser& at) {
+        client->TerminateClient();
+        EXPECT_FALSE(at.IsOpen());
+    });
+    EXPECT_EQ(ErrorOf([this] { client->SystemLogin(true, login); }).Number(),
+              static_cast<std::int32_t>(NetError::Interrupted));
+    EXPECT_EQ(user.Boxes().size(), 1U);  // the offer
+}
+
+TEST_F(InteractiveTerminationTest, ClosesTheDialogOfAChangedConfiguration) {
+    ASSERT_TRUE(SystemLogin());
+    user.Expect("frmServer", [&](FakeUser& at) {
+        at.Types("txtAddress", "elsewhere.example");
+        client->TerminateClient();
+        EXPECT_FALSE(at.IsOpen());
+    });
+    EXPECT_FALSE(client->ChangeConfiguration());
+    EXPECT_EQ(Settings().Setting("Address", ""), FakeZeb::kAddress);
+}
+
+TEST_F(InteractiveTerminationTest, TheServerDialogOfALoginHasNoIcon) {
+    class SomeIcon : public Icon {};
+    StoreServer("", "");
+    login.AppIcon = std::make_shared<SomeIcon>();
+    user.Expect("frmServer", [](FakeUser& at) {
+        EXPECT_EQ(at.Window().FormIcon(), nullptr);
+        at.Types("txtAddress", FakeZeb::kAddress);
+        at.Types("txtPort", "7710");
+        at.Clicks("cmdOK");
+    });
+    user.Expect("frmLogin", [&](FakeUser& at) {
+        EXPECT_EQ(at.Window().FormIcon(), login.AppIcon);
+        at.Clicks("cmdCancel");
+    });
+    EXPECT_FALSE(client->SystemLogin(true, login));
+}
+
+}  // namespace
+}  // namespace kq
