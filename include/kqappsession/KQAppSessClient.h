@@ -17,7 +17,7 @@
 // One thread. The procedures run the event loop while they wait, so events arrive and other code runs
 // meanwhile; starting a procedure inside another one of the same object raises
 // RuntimeError::InvalidProcedureCall. Dropping the object or TerminateClient inside a procedure ends the
-// procedure's wait at once; it raises NetError::Interrupted.
+// procedure's wait at once and closes its dialog; it raises NetError::Interrupted.
 #pragma once
 
 #include <cstdint>
