@@ -49,7 +49,8 @@ class ChosenStringTable final : public StringTable {
 
     // Empty when there is none.
     std::wstring_view Block(std::int32_t number) const {
-        const HRSRC found = FindResourceExW(module_, RT_STRING, MAKEINTRESOURCEW(number), language_);
+        const auto* const strings = reinterpret_cast<LPCWSTR>(RT_STRING);
+        const HRSRC found = FindResourceExW(module_, strings, MAKEINTRESOURCEW(number), language_);
         const HGLOBAL loaded = found ? LoadResource(module_, found) : nullptr;
         if (!loaded) return {};
         return {static_cast<const wchar_t*>(LockResource(loaded)),
