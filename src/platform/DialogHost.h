@@ -42,14 +42,14 @@ class DialogHost {
     virtual BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style) = 0;
 
     // Makes the window of a form, hidden until the form's Visible changes; Modal and OwnerForm stand. Called
-    // by the form, which keeps the view until it is unloaded. A host that shows boxes only gives none.
-    virtual std::unique_ptr<FormView> CreateView(Form& form);
+    // by the form, which keeps the view until it is unloaded. Never null.
+    virtual std::unique_ptr<FormView> CreateView(Form& form) = 0;
     // Runs the event loop until the form, which is shown, is no longer Visible or the loop quits. Windows of
     // the program other than the form's take no input meanwhile. The caller keeps the form.
-    virtual void RunModal(Form& form);
+    virtual void RunModal(Form& form) = 0;
     // Asks modally for a file to save to, an existing one only after the user agreed to replace it. Nothing
     // when the user cancels.
-    virtual std::optional<std::string> AskSavePath(const SaveQuestion& question);
+    virtual std::optional<std::string> AskSavePath(const SaveQuestion& question) = 0;
 };
 
 }  // namespace kq

@@ -11,16 +11,6 @@
 
 namespace kq {
 
-std::unique_ptr<FormView> DialogHost::CreateView(Form&) {
-    return nullptr;
-}
-
-void DialogHost::RunModal(Form&) {}
-
-std::optional<std::string> DialogHost::AskSavePath(const SaveQuestion&) {
-    return std::nullopt;
-}
-
 std::shared_ptr<Form> Form::Load(PlatformPtr platform, const FormRow& row) {
     return std::shared_ptr<Form>(new Form(std::move(platform), row));
 }
@@ -222,7 +212,6 @@ void Form::Show() {
     if (!platform_->dialogs)
         Raise(RuntimeError::InvalidProcedureCall, "There is nobody to ask: the program has no dialogs");
     if (!view_) view_ = platform_->dialogs->CreateView(*this);
-    if (!view_) Raise(RuntimeError::InvalidProcedureCall, "The program's dialogs show message boxes only");
     SetVisible(true);
 }
 

@@ -258,18 +258,6 @@ TEST_F(FormAtWork, HidesTheFormThatItOwns) {
     owned->Unload();
 }
 
-TEST_F(FormAtWork, NeedsAHostThatShowsForms) {
-    struct BoxesOnly : DialogHost {
-        BoxButton ShowMessageBox(const std::string&, const std::string&, BoxStyle) override {
-            return BoxButton::OK;
-        }
-    };
-    auto bundle = std::make_shared<Platform>(*machine.platform);
-    bundle->dialogs = std::make_shared<BoxesOnly>();
-    const auto other = Form::Load(bundle, Row());
-    EXPECT_EQ(ErrorOf([&] { other->ShowModal(); }).Number(), NumberOf(RuntimeError::InvalidProcedureCall));
-}
-
 TEST(UnscriptedWindow, FailsTheTest) {
     FakePlatform machine;
     const auto form = Form::Load(machine.platform, Row());

@@ -231,6 +231,7 @@ class BrokenHost final : public DialogHost {
     }
     std::unique_ptr<FormView> CreateView(Form&) override { return std::make_unique<View>(); }
     void RunModal(Form& form) override { form.Type(*form.Find("txtName"), "a:", {2, 0}); }
+    std::optional<std::string> AskSavePath(const SaveQuestion&) override { return std::nullopt; }
 
  private:
     struct View final : FormView {
