@@ -1,4 +1,6 @@
 // The download window at a real server: what moves it, what ends it.
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <algorithm>
@@ -44,12 +46,13 @@ class DownloadWindow : public testing::Test {
         peer_->Send(refusal);
     }
     // The next question says so and is answered so.
-    void Question(const std::string& text, const std::string& answer) {
-        stage.When("MessageBox", [=, this](QWidget& box) {
+    void Question(const std::string& text, const std::string& answer, Milliseconds patience = kPatience) {
+        const auto answers = [=, this](QWidget& box) {
             EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text().toStdString(), text);
             EXPECT_EQ(box.windowTitle(), "Login Procedure");
             user.Answers(box, answer);
-        });
+        };
+        stage.When("MessageBox", answers, patience);
     }
 
     Stage stage;
@@ -77,16 +80,41 @@ TEST_F(DownloadWindow, MovesItsBarAndSavesTheFile) {
     EXPECT_TRUE(Download());
     EXPECT_TRUE(std::ranges::is_sorted(seen));
     EXPECT_EQ(std::filesystem::file_size(path_), kSize);
-    std::filesystem::remove(path_);
-    std::filesystem::remove(path_.substr(0, path_.size() - 3) + "tmp");
+    EXPECT_EQ(std::filesystem::status(path_).permissions(), std::filesystem::perms::owner_all);
+    // The empty file of the temporary name stays beside the program.
+    ASSERT_TRUE(path_.ends_with(".exe"));
+    const std::string temporary = path_.substr(0, path_.size() - 3) + "tmp";
+    EXPECT_TRUE(std::filesystem::is_empty(temporary));
+    EXPECT_TRUE(std::filesystem::remove(path_));
+    EXPECT_TRUE(std::filesystem::remove(temporary));
 }
+
+// What came to any of the program's windows.
+class EventNotes : public QObject {
+ public:
+    EventNotes() { QCoreApplication::instance()->installEventFilter(this); }
+    int closes = 0;
+    int escapes = 0;
+
+ protected:
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (!object->isWidgetType()) return false;
+        if (event->type() == QEvent::Close) ++closes;
+        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
+            ++escapes;
+        return false;
+    }
+};
 
 TEST_F(DownloadWindow, CannotBeClosedByHand) {
     stage.When("frmDownload", [&](QWidget& window) {
         stage.Await([&] { return peer_ != nullptr; }, "the request");
+        const EventNotes notes;
         user.ClosesByTheSystem(window);
+        stage.Await([&] { return notes.closes > 0; }, "the close box");
+        EXPECT_TRUE(window.isVisible());
         user.Presses("Escape");
-        stage.Loop().RunUntil([] { return false; }, stage.Loop().Now() + Milliseconds(300));
+        stage.Await([&] { return notes.escapes > 0; }, "the key");
         EXPECT_TRUE(window.isVisible());
         Refuses();
     });
@@ -116,7 +144,7 @@ TEST_F(DownloadWindow, PutsTheSentenceIntoItselfForAnAnswerThatIsNone) {
 TEST_F(DownloadWindow, EndsWhenNothingComesForFifteenSeconds) {
     const auto begin = std::chrono::steady_clock::now();
     Server([] {});
-    Question(Failed(Failed("The process timed-out")), "No");
+    Question(Failed(Failed("The process timed-out")), "No", std::chrono::seconds(40));
     EXPECT_FALSE(Download());
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(15));
     EXPECT_FALSE(try_again_);

@@ -38,6 +38,7 @@ struct Hand::Server {
     }
 
     Display* display;
+    Window other = 0;  // gone with the connection
 };
 
 Hand::Hand() : server_(std::make_unique<Server>()) {}
@@ -70,6 +71,22 @@ void Hand::Type(const std::string& text) {
     // Printable 7-bit characters are their own key symbols.
     for (const char character : text)
         server_->Stroke(static_cast<unsigned char>(character));
+    XSync(server_->display, False);
+}
+
+void Hand::GoToAnotherProgram() {
+    Display* const display = server_->display;
+    if (server_->other == 0) {
+        server_->other = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
+        XMapWindow(display, server_->other);
+        XSync(display, False);
+    }
+    XSetInputFocus(display, server_->other, RevertToParent, CurrentTime);
+    XSync(display, False);
+}
+
+void Hand::ComeBackTo(unsigned long window) {
+    XSetInputFocus(server_->display, window, RevertToParent, CurrentTime);
     XSync(server_->display, False);
 }
 

@@ -18,6 +18,9 @@ class Hand {
     // A key by its X name ("Return", "Tab", "a"), with the names of those held down meanwhile ("Alt_L").
     void Press(const std::string& key, const std::string& held = {});
     void Type(const std::string& text);  // printable 7-bit characters
+    // The keyboard goes to a window of another program, and back to one of this.
+    void GoToAnotherProgram();
+    void ComeBackTo(unsigned long window);
     // What a window manager does when its close box is clicked.
     void CloseBox(unsigned long window);
 

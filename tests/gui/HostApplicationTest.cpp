@@ -16,15 +16,17 @@ namespace {
 
 class HostApplication : public testing::Test {
  protected:
-    // Ends the program's own loop once `done` holds.
-    void RunHostUntil(const std::function<bool()>& done) {
+    // Ends the program's own loop once `done` holds; whether it came to that.
+    bool RunHostUntil(const std::function<bool()>& done) {
         QTimer asks;
+        bool held = false;
         QObject::connect(&asks, &QTimer::timeout, [&] {
-            if (done()) QApplication::quit();
+            if (held = done(); held) QApplication::quit();
         });
         asks.start(1);
         QTimer::singleShot(kPatience, &asks, [] { QApplication::quit(); });
         QApplication::exec();
+        return held;
     }
 
     std::shared_ptr<EventLoop> loop_ = MakeQtPlatform()->loop;
@@ -89,11 +91,13 @@ TEST_F(HostApplication, MayLoseTheLoopInOneOfItsTasks) {
 
 TEST_F(HostApplication, IsNotStarvedByTasksThatPostEachOther) {
     bool over = false;
+    int posted = 0;
     std::function<void()> again = [&] {
+        ++posted;
         if (!over) loop_->Post(again);
     };
     again();
-    RunHostUntil([&] { return true; });
+    EXPECT_TRUE(RunHostUntil([&] { return posted > 1; }));
     over = true;
     loop_->ProcessPending();
 }

@@ -4,6 +4,8 @@
 #include <QFont>
 #include <QProxyStyle>
 #include <QPushButton>
+#include <algorithm>
+#include <cmath>
 #include <tuple>
 
 #include <gmock/gmock.h>
@@ -60,6 +62,36 @@ TEST(WindowsInTheLanguageThatNobodySpeaks, TakeEveryTextFromTheTable) {
             EXPECT_THAT(UntranslatedTexts(window, {"KQAppSessionLib", "Main"}), IsEmpty());
         });
     }
+}
+
+TEST(LoginWindowOnTheScreen, IsAsHighAsItIsAskedToBe) {
+    Stage stage;
+    const auto twips = [](const QWidget& window, int height) {
+        return static_cast<int>(std::lround(height / 1440.0 * window.logicalDpiY()));
+    };
+    for (const auto& [name, height] :
+         {std::pair("login-more", 3645), {"login-more-without-profiles", 3360}}) {
+        const auto scene = std::ranges::find(Scenes(), name, &Scene::name);
+        scene->show(stage, [&, height = height](QWidget& window) {
+            ASSERT_NE(window.frameGeometry(), window.geometry());
+            EXPECT_EQ(window.frameGeometry().height(), twips(window, height));
+        });
+    }
+}
+
+TEST(LoginWindowOnTheScreen, EndsWhereItsLowerPartBeginsAndKeepsItsWidth) {
+    Stage stage;
+    const auto login = std::ranges::find(Scenes(), "login", &Scene::name);
+    login->show(stage, [&](QWidget& window) {
+        auto& more = In<QPushButton>(window, "cmdShowHide");
+        const QSize closed = window.size();
+        more.click();
+        EXPECT_TRUE(In(window, "txtNewPassword").isVisible());
+        EXPECT_EQ(window.width(), closed.width());
+        EXPECT_EQ(In(window, "Picture2").y(), closed.height());
+        more.click();
+        EXPECT_EQ(window.size(), closed);
+    });
 }
 
 // The order of buttons of a desktop, by the toolkit's number.

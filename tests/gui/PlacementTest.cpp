@@ -1,5 +1,8 @@
 // The ten values of a window's placement, there and back.
+#include <QApplication>
+#include <QVBoxLayout>
 #include <QWidget>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -85,6 +88,61 @@ TEST_F(WindowPlacements, ShowAndHide) {
     placement.show_command = 0;
     EXPECT_TRUE(Set(placement));
     EXPECT_FALSE(window_.isVisible());
+}
+
+TEST_F(WindowPlacements, AreLeftAloneByWhatTheyTellThemselves) {
+    QWidget unshown, twin;
+    for (QWidget* const widget : {&unshown, &twin}) {
+        auto* const layout = new QVBoxLayout(widget);
+        auto* const content = new QWidget(widget);
+        content->setFixedSize(210, 120);
+        layout->addWidget(content);
+    }
+    const auto of_unshown = placements_->Get(unshown.winId());
+    ASSERT_TRUE(of_unshown);
+    EXPECT_TRUE(placements_->Set(unshown.winId(), *of_unshown));
+    twin.show();
+    EXPECT_TRUE(unshown.isVisible());
+    EXPECT_EQ(unshown.size(), twin.size());
+
+    window_.show();
+    const QRect normal = window_.geometry();
+    EXPECT_TRUE(Set(Get()));
+    EXPECT_EQ(window_.geometry(), normal);
+
+    window_.showMaximized();
+    EXPECT_TRUE(Set(Get()));
+    EXPECT_TRUE(window_.isMaximized());
+    EXPECT_EQ(window_.normalGeometry(), normal);
+}
+
+TEST_F(WindowPlacements, CountTheFrameThatAWindowGetsWhenItIsShown) {
+    EXPECT_TRUE(Set(At(40, 50, 540, 450)));
+    QApplication::processEvents();
+    ASSERT_NE(window_.frameGeometry(), window_.geometry());
+    EXPECT_EQ(window_.frameGeometry(), QRect(40, 50, 500, 400));
+    EXPECT_EQ(Get(), At(40, 50, 540, 450));
+}
+
+TEST_F(WindowPlacements, DoNotGrowFromSessionToSession) {
+    Placement placement = At(40, 50, 540, 450);
+    for (const std::int32_t command : {1, 3, 1}) {
+        placement.show_command = command;
+        QWidget window;
+        EXPECT_TRUE(placements_->Set(window.winId(), placement));
+        QApplication::processEvents();
+        EXPECT_EQ(placements_->Get(window.winId()), placement) << command;
+    }
+}
+
+TEST_F(WindowPlacements, TakeNumbersThatNoScreenHas) {
+    constexpr auto kLeast = std::numeric_limits<std::int32_t>::min();
+    constexpr auto kMost = std::numeric_limits<std::int32_t>::max();
+    for (Placement placement : {At(kLeast, kLeast, kMost, kMost), At(kMost, kMost, kLeast, kLeast)}) {
+        placement.show_command = 0;
+        EXPECT_TRUE(Set(placement));
+        EXPECT_TRUE(window_.size().isValid());
+    }
 }
 
 TEST_F(WindowPlacements, AreNoneOfWhatIsNoWindow) {

@@ -5,6 +5,7 @@
 #include <QWindow>
 #include <fstream>
 #include <map>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -55,13 +56,14 @@ Stage::~Stage() {
 }
 
 void Stage::Await(const std::function<bool()>& done, const std::string& what) {
-    EXPECT_TRUE(kq::Await(Loop(), done)) << what;
+    if (!kq::Await(Loop(), done)) throw std::runtime_error("Waited in vain for " + what);
 }
 
 void Stage::Look() {
     if (acting_ || Loop().Quitting()) return;
     QWidget* const modal = QApplication::activeModalWidget();
-    const bool patient = std::chrono::steady_clock::now() - last_act_ < kPatience;
+    const bool patient =
+        std::chrono::steady_clock::now() - last_act_ < (acts_.empty() ? kPatience : acts_.front().patience);
     if (acts_.empty()) {
         if (!modal || patient) return;
         ADD_FAILURE() << modal->objectName().toStdString() << " did not go";

@@ -34,17 +34,20 @@ class Stage {
     EventLoop& Loop() const { return *machine_->loop; }
     // The next act of the user: once the window of this name (a form's, "MessageBox", "SaveDialog") is the
     // modal one on top, or stands above all others.
-    void When(const std::string& window, Act act) { acts_.push_back({window, std::move(act)}); }
+    void When(const std::string& window, Act act, Milliseconds patience = kPatience) {
+        acts_.push_back({window, std::move(act), patience});
+    }
     // How scenes close their windows; by the program itself unless a user does it.
     void SetClosing(Act closing) { closing_ = std::move(closing); }
     void Close(QWidget& window) const { closing_(window); }
-    // Runs the loop until it holds; a failure of the test when it does not come to that.
+    // Runs the loop until it holds. Throws when it does not come to that, which fails the test.
     void Await(const std::function<bool()>& done, const std::string& what);
 
  private:
     struct Planned {
         std::string window;
         Act act;
+        Milliseconds patience;
     };
     void Look();
 

@@ -23,6 +23,8 @@ class User {
                    const std::string& expected);
     void Presses(const std::string& key, const std::string& held = {}) { hand_.Press(key, held); }
     void ClicksItem(QWidget& window, const std::string& list, int row, bool twice = false);
+    void GoesToAnotherProgram() { hand_.GoToAnotherProgram(); }
+    void ComesBackTo(QWidget& window) { hand_.ComeBackTo(window.winId()); }
     void ClosesByTheSystem(QWidget& window) { hand_.CloseBox(window.winId()); }
     // Waits until the control has the focus.
     void SeesFocusOn(QWidget& window, const std::string& control);

@@ -1,5 +1,6 @@
 // Message boxes, windows above others, where to save, and what goes on while a modal window is open.
 #include <QApplication>
+#include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -142,6 +143,13 @@ TEST_F(WaitWindow, StaysOnTopWhileAModalQuestionIsAnswered) {
     EXPECT_TRUE(window.isVisible());
 }
 
+TEST_F(WaitWindow, AsksTheSystemToStayOnTopAndHoldsNothingUp) {
+    Shows(310);
+    const QWidget& window = *FindWindow("frmWait");
+    EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_EQ(window.windowModality(), Qt::NonModal);
+}
+
 TEST_F(WaitWindow, LiesOnNoQuestion) {
     Shows(310);
     Box(BoxStyle::YesNo, [&](QWidget& box) {
@@ -214,6 +222,22 @@ TEST_F(SaveQuestionOnScreen, ReplacesAFileOnlyAfterTheUserAgreed) {
         user.Answers(box, "Yes");
     });
     EXPECT_EQ(Ask(), folder_.File("Sales.lnk"));
+}
+
+TEST(SaveQuestionInPortuguese, HasItsTextsInTheUsersLanguage) {
+    Stage stage(1046);
+    User user(stage);
+    stage.When("SaveDialog", [&](QWidget& window) {
+        const auto& dialog = dynamic_cast<QFileDialog&>(window);
+        EXPECT_EQ(dialog.labelText(QFileDialog::LookIn), "Procurar em:");
+        EXPECT_EQ(dialog.labelText(QFileDialog::FileName), "&Nome do arquivo:");
+        EXPECT_EQ(dialog.labelText(QFileDialog::FileType), "Arquivos do tipo:");
+        EXPECT_EQ(dialog.labelText(QFileDialog::Accept), "&Salvar");
+        EXPECT_EQ(dialog.labelText(QFileDialog::Reject), "Cancelar");
+        user.Presses("Escape");
+    });
+    const TemporaryFolder folder;
+    stage.Machine()->dialogs->AskSavePath({"Onde?", folder.Path(), "Atalho|*.lnk", "lnk", "Sales.lnk"});
 }
 
 // --- While a modal window is open

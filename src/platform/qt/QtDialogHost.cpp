@@ -127,6 +127,7 @@ class QtDialogHost final : public DialogHost {
         dialog.setFileMode(QFileDialog::AnyFile);
         dialog.setOption(QFileDialog::DontConfirmOverwrite);  // asked below, of the name with its extension
         dialog.selectFile(ToQt(question.file_name));
+        Translate(dialog);
         for (;;) {
             RunBox(dialog);
             if (dialog.result() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
@@ -170,6 +171,18 @@ class QtDialogHost final : public DialogHost {
             const QString translated = translator_.translate("QPlatformTheme", text);
             if (button && !translated.isEmpty()) button->setText(translated);
         }
+    }
+
+    void Translate(QFileDialog& dialog) const {
+        if (!translated_) return;
+        constexpr std::pair<QFileDialog::DialogLabel, const char*> kTexts[] = {
+            {QFileDialog::LookIn, "Look in:"},
+            {QFileDialog::FileName, "File &name:"},
+            {QFileDialog::FileType, "Files of type:"},
+            {QFileDialog::Accept, "&Save"}};
+        for (const auto& [label, text] : kTexts)
+            dialog.setLabelText(label, Translated("QFileDialog", text));
+        dialog.setLabelText(QFileDialog::Reject, Translated("QPlatformTheme", "Cancel"));
     }
 
     QString Translated(const char* context, const char* text, const QString& argument = {}) const {

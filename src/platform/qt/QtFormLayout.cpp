@@ -160,7 +160,7 @@ void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_vi
     grid->addLayout(side, std::max(side_row, 0), columns);
 }
 
-QSize QtFormLayout::NeededSize() {
+QSize QtFormLayout::NeededSize(bool cut_off) {
     const int character = window_.fontMetrics().averageCharWidth();
     for (auto* const label : wrapped_)
         label->setMinimumWidth(WidthOf(*label, character));
@@ -171,8 +171,10 @@ QSize QtFormLayout::NeededSize() {
         if (!beside_boxes_.empty()) grid->setColumnMinimumWidth(kLabels, widest);
         if (!beside_boxes_.empty()) grid->setColumnMinimumWidth(kBoxes, kBoxWidth * character);
         const int line = window_.fontMetrics().height();
-        grid->setSpacing(line * 3 / 5);
-        if (grid == grids_.front()) grid->setContentsMargins(line, line * 4 / 5, line, line * 4 / 5);
+        const int between = line * 3 / 5;
+        const int edge = line * 4 / 5;
+        grid->setSpacing(between);
+        if (grid == grids_.front()) grid->setContentsMargins(line, edge, line, cut_off ? between : edge);
     }
     // A text that has just changed counts at once; the toolkit by itself would measure it a turn later.
     for (auto* const layout : window_.findChildren<QLayout*>())

@@ -16,8 +16,9 @@ class QtFormLayout {
     // Lays out the widgets in `window`; once.
     QtFormLayout(QWidget& window, const Form& form, const Widgets& widgets);
 
-    // The size that the drawn controls need, with fonts and texts as they are.
-    QSize NeededSize();
+    // The size that the drawn controls need, with fonts and texts as they are. Where the rest of the form is
+    // cut off, it ends just where that would begin.
+    QSize NeededSize(bool cut_off);
     // Follows what the user sees, which may differ from the form's order in a row of buttons.
     void SetTabOrder(const Form& form, const Widgets& widgets);
 

@@ -32,6 +32,21 @@ Secret TypedIn(const QLineEdit& box) {
     return secret;
 }
 
+// The box is one line: what was pasted ends where its first line does. What stood behind the caret stays.
+void KeepFirstLine(QLineEdit& box) {
+    const QString text = box.text();
+    const auto breaks = [](QChar character) { return character == '\r' || character == '\n'; };
+    const auto end = std::ranges::find_if(text, breaks) - text.begin();
+    if (end == text.size()) return;
+    QString kept;
+    kept.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (i < end || (i >= box.cursorPosition() && !breaks(text[i]))) kept += text[i];
+    }
+    box.setText(kept);
+    box.setCursorPosition(static_cast<int>(end));
+}
+
 int SelectedRow(const QListWidget& list) {
     const auto selected = list.selectedItems();
     return selected.isEmpty() ? -1 : list.row(selected.first());
@@ -120,7 +135,8 @@ void QtFormWindow::Connect(const Control& control, QWidget& widget) {
 }
 
 void QtFormWindow::ReportTyping(const Control& control) {
-    const auto* const box = qobject_cast<QLineEdit*>(widgets_.at(&control));
+    auto* const box = qobject_cast<QLineEdit*>(widgets_.at(&control));
+    KeepFirstLine(*box);
     Report([&](Form& form) {
         if (control.Kind() == ControlKind::MaskedBox)
             form.Type(control, TypedIn(*box));
@@ -137,20 +153,46 @@ const Control* QtFormWindow::ControlOf(const QObject* widget) const {
 bool QtFormWindow::eventFilter(QObject* object, QEvent* event) {
     const Control* const control = ControlOf(object);
     if (!control) return QDialog::eventFilter(object, event);
+    QWidget& widget = *widgets_.at(control);
     if (event->type() == QEvent::FocusIn && control->TakesFocus()) {
-        const QPointer<QWidget> widget = qobject_cast<QWidget*>(object);
-        object->event(event);
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason == Qt::PopupFocusReason) return true;
-        Report([&](Form& form) {
-            form.GotFocus(*control);
-            // Whole texts are selected again, though the form did not hear that the caret had moved since.
-            auto* const box = qobject_cast<QLineEdit*>(widget.data());
-            if (box && !let_go_ && control->Selection().length != 0) Select(*box, control->Selection());
-        });
+        ComeFocus(*control, widget, *static_cast<QFocusEvent*>(event));
+        return true;
+    }
+    if (event->type() == QEvent::MouseButtonRelease && control == pressed_on_) {
+        ComeRelease(*control, widget, *event);
         return true;
     }
     return ActivatesItem(*event, *control) || QDialog::eventFilter(object, event);
+}
+
+void QtFormWindow::ComeFocus(const Control& control, QWidget& widget, QFocusEvent& event) {
+    const QPointer<QWidget> still_there = &widget;
+    static_cast<QObject&>(widget).event(&event);
+    if (event.reason() == Qt::PopupFocusReason) return;
+    // Who comes back from another program goes on typing where the caret was left.
+    const bool comes_back = event.reason() == Qt::ActiveWindowFocusReason && focused_ == &control;
+    focused_ = &control;
+    if (comes_back) return;
+    const bool pressed = event.reason() == Qt::MouseFocusReason && qobject_cast<QLineEdit*>(&widget);
+    pressed_on_ = pressed ? &control : nullptr;
+    Report([&](Form& form) {
+        form.GotFocus(control);
+        SelectAgain(control, still_there);
+    });
+}
+
+// The press of the button has put the caret to the mouse after the focus had come.
+void QtFormWindow::ComeRelease(const Control& control, QWidget& widget, QEvent& event) {
+    pressed_on_ = nullptr;
+    const QPointer<QLineEdit> box = qobject_cast<QLineEdit*>(&widget);
+    static_cast<QObject&>(widget).event(&event);
+    if (box && !box->hasSelectedText()) SelectAgain(control, box);
+}
+
+// Whole texts are selected again, though the form did not hear that the caret had moved since.
+void QtFormWindow::SelectAgain(const Control& control, QWidget* widget) {
+    auto* const box = qobject_cast<QLineEdit*>(widget);
+    if (box && !let_go_ && control.Selection().length != 0) Select(*box, control.Selection());
 }
 
 // Enter on a list is the item's; the window would take it for its default button, too.
@@ -174,26 +216,38 @@ void QtFormWindow::closeEvent(QCloseEvent* event) {
 }
 
 bool QtFormWindow::event(QEvent* event) {
-    const bool activated = event->type() == QEvent::WindowActivate;
+    const auto type = event->type();
     const bool handled = QDialog::event(event);
-    if (activated) Report([](Form& form) { form.Activated(); });
+    if (type == QEvent::WindowActivate) Report([](Form& form) { form.Activated(); });
+    if (type == QEvent::WindowActivate || type == QEvent::Move || type == QEvent::Resize) FitIntoNewFrame();
     return handled;
+}
+
+// Some systems tell only after the showing how thick their frame is.
+void QtFormWindow::FitIntoNewFrame() {
+    const auto form = form_.lock();
+    if (form && isVisible() && windowHandle()->frameMargins() != frame_) Fit(*form);
 }
 
 void QtFormWindow::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
     const bool sizes = event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange;
     const auto form = form_.lock();
-    if (sizes && form && layout_) Fit(*form);
+    if (!sizes || !form || !layout_) return;
+    kept_width_ = 0;
+    Fit(*form);
 }
 
 // --- What the form shows
+//
+// A control that goes hands its focus on, a window that comes gets it; who hears of that may unload the form.
 
 void QtFormWindow::Draw(const Control& control, ControlChange change) {
     const auto form = form_.lock();
     const auto found = widgets_.find(&control);
     if (!form || found == widgets_.end()) return;
     ShowState(control, *found->second, change);
+    if (let_go_) return;
     const bool typed = control.Kind() == ControlKind::TextBox || control.Kind() == ControlKind::MaskedBox;
     if (change == ControlChange::Visible) DrawDrawn(*form);
     if (change == ControlChange::Text && !typed) DrawTexts(*form);
@@ -220,7 +274,9 @@ void QtFormWindow::Draw(FormChange change) {
 
 void QtFormWindow::PutFocus(const Control& control) {
     const auto found = widgets_.find(&control);
-    if (found != widgets_.end()) found->second->setFocus(Qt::OtherFocusReason);
+    if (found == widgets_.end()) return;
+    if (!found->second->hasFocus()) focused_ = nullptr;  // told when it has come, though the window sleeps
+    found->second->setFocus(Qt::OtherFocusReason);
 }
 
 void QtFormWindow::DrawTexts(const Form& form) {
@@ -240,14 +296,21 @@ void QtFormWindow::DrawTexts(const Form& form) {
 
 // Which controls are drawn decides about access keys and size, too.
 void QtFormWindow::DrawDrawn(const Form& form) {
-    for (const auto& [control, widget] : widgets_)
+    const Widgets widgets = widgets_;
+    for (const auto& [control, widget] : widgets) {
         widget->setVisible(form.Drawn(*control));
+        if (let_go_) return;
+    }
     DrawTexts(form);
 }
 
+// As long as the window is shown no text that gets shorter makes it narrower.
 void QtFormWindow::Fit(const Form& form) {
-    const QSize needed = layout_->NeededSize();
-    const QSize size(std::max(needed.width(), LeastWidth()), std::max(needed.height(), LeastHeight(form)));
+    frame_ = windowHandle() ? windowHandle()->frameMargins() : QMargins();
+    const bool cut_off = form.Height().rule == FormHeight::Rule::EndsAt;
+    QSize size = layout_->NeededSize(cut_off).expandedTo(QSize(LeastWidth(), LeastHeight(form)));
+    if (isVisible()) size = size.expandedTo(QSize(kept_width_, 0));
+    kept_width_ = size.width();
     const bool has_list = std::ranges::any_of(form.Controls(), [&](const Control& control) {
         return control.Kind() == ControlKind::ListView && form.Drawn(control);
     });
@@ -270,8 +333,7 @@ int QtFormWindow::LeastWidth() const {
 int QtFormWindow::LeastHeight(const Form& form) const {
     if (form.Height().rule != FormHeight::Rule::Outer) return 0;
     const double outer = std::round(form.Height().twips / kTwipsPerInch * logicalDpiY());
-    const QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
-    return static_cast<int>(outer) - frame.top() - frame.bottom();
+    return static_cast<int>(outer) - frame_.top() - frame_.bottom();
 }
 
 void QtFormWindow::ShowOrHide(const Form& form) {
@@ -287,10 +349,12 @@ void QtFormWindow::ShowOrHide(const Form& form) {
         setWindowFlag(Qt::WindowDoesNotAcceptFocus, !form.Modal());
         setAttribute(Qt::WA_ShowWithoutActivating, !form.Modal());
         owner_ = form.Modal() ? screen_->OwnerOf(form) : nullptr;
+        focused_ = nullptr;
     }
     screen_->Present(*this, owner_, form.Modal() ? nullptr : &form);
+    if (let_go_ || !form.Visible()) return;
     layout_->SetTabOrder(form, widgets_);
-    Fit(form);  // how thick the system's frame is, is known by now
+    Fit(form);  // many systems have told their frame by now
 }
 
 }  // namespace kq

@@ -38,12 +38,16 @@ class QtFormWindow final : public QDialog {
     void Report(const std::function<void(Form&)>& event);
     void Connect(const Control& control, QWidget& widget);
     void ReportTyping(const Control& control);
+    void ComeFocus(const Control& control, QWidget& widget, QFocusEvent& event);
+    void ComeRelease(const Control& control, QWidget& widget, QEvent& event);
+    void SelectAgain(const Control& control, QWidget* widget);
     bool ActivatesItem(const QEvent& event, const Control& control);
     const Control* ControlOf(const QObject* widget) const;
     void ShowOrHide(const Form& form);
     void DrawTexts(const Form& form);
     void DrawDrawn(const Form& form);
     void Fit(const Form& form);
+    void FitIntoNewFrame();
     int LeastWidth() const;
     int LeastHeight(const Form& form) const;
 
@@ -51,7 +55,11 @@ class QtFormWindow final : public QDialog {
     std::shared_ptr<QtScreen> screen_;
     Widgets widgets_;
     std::optional<QtFormLayout> layout_;
-    QWidget* owner_ = nullptr;  // compared only
+    QWidget* owner_ = nullptr;             // compared only
+    const Control* focused_ = nullptr;     // the last one that the focus came to since the window is shown
+    const Control* pressed_on_ = nullptr;  // a box that got the focus by a mouse button that is still down
+    QMargins frame_;                       // the system's, as it was when the window was fitted last
+    int kept_width_ = 0;
     int reporting_ = 0;
     bool let_go_ = false;
 };

@@ -34,6 +34,7 @@ void QtScreen::Present(QWidget& window, QWidget* owner, const Form* topmost) {
         window.windowHandle()->setTransientParent(owner ? owner->windowHandle() : nullptr);
         Place(window, owner);
         window.show();
+        if (!window.isVisible()) return;  // hidden again by who heard of it
     }
     window.raise();
     if (!topmost) window.activateWindow();

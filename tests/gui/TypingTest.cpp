@@ -1,0 +1,110 @@
+// What becomes of the text in a box: when something is pasted, when the focus comes to it.
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+
+#include <gtest/gtest.h>
+
+#include "dialogs/frmLogin.h"
+#include "dialogs/frmServer.h"
+#include "gui/User.h"
+
+namespace kq {
+namespace {
+
+class Typing : public testing::Test {
+ protected:
+    bool Login() {
+        bool ask = false, show = false;
+        return frmLogin(stage.Machine()).Login(login_id, password, false, new_password, ask, show, nullptr);
+    }
+    void Pastes(const char* text) {
+        QApplication::clipboard()->setText(text);
+        user.Presses("v", "Control_L");
+    }
+    void Awaits(const QLineEdit& box, const QString& text) {
+        stage.Await([&] { return box.text() == text; }, text.toStdString());
+    }
+
+    Stage stage;
+    User user{stage};
+    std::string login_id = "ann";
+    Secret password, new_password;
+};
+
+TEST_F(Typing, KeepsTheFirstLineOfWhatIsPasted) {
+    std::string address = "zeb";
+    std::int32_t port = 7710, time_out = 5000;
+    bool use_as_server = false;
+    stage.When("frmServer", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtAddress");
+        Pastes("zeb.example.com\r\nsecond\n");
+        Awaits(In<QLineEdit>(window, "txtAddress"), "zeb.example.com");
+        user.Presses("Return");
+    });
+    EXPECT_TRUE(frmServer(stage.Machine()).GetServerInfo(address, port, time_out, use_as_server, nullptr));
+    EXPECT_EQ(address, "zeb.example.com");
+}
+
+TEST_F(Typing, KeepsTheFirstLineOfAPasswordThatIsPasted) {
+    stage.When("frmLogin", [&](QWidget& window) {
+        user.Types(window, "txtPassword", "1");
+        Pastes("Swordfish\n");
+        Awaits(In<QLineEdit>(window, "txtPassword"), "1Swordfish");
+        user.Presses("Return");
+    });
+    EXPECT_TRUE(Login());
+    EXPECT_EQ(password.Reveal(), "1Swordfish");
+}
+
+TEST_F(Typing, KeepsWhatStandsBehindWhatIsPasted) {
+    stage.When("frmLogin", [&](QWidget& window) {
+        const auto& box = In<QLineEdit>(window, "txtLoginID");
+        user.SeesFocusOn(window, "txtLoginID");
+        user.Presses("Home");
+        Pastes("jo\nsecond");
+        Awaits(box, "joann");
+        user.TypesHere(window, "txtLoginID", "-", "jo-ann");
+        user.Presses("Escape");
+    });
+    EXPECT_FALSE(Login());
+}
+
+TEST_F(Typing, ReplacesTheWholeTextAfterAClickIntoTheBox) {
+    stage.When("frmLogin", [&](QWidget& window) {
+        const auto& box = In<QLineEdit>(window, "txtLoginID");
+        user.Presses("Tab");
+        user.SeesFocusOn(window, "txtPassword");
+        user.Clicks(window, "txtLoginID");
+        stage.Await([&] { return box.selectedText() == "ann"; }, "the whole text selected");
+        user.TypesHere(window, "txtLoginID", "bob", "bob");
+        user.Clicks(window, "txtLoginID");  // in the box already: places the caret
+        user.TypesHere(window, "txtLoginID", "by", "bobby");
+        user.Presses("Escape");
+    });
+    const int usual = QApplication::doubleClickInterval();
+    QApplication::setDoubleClickInterval(0);  // this user clicks fast, but one by one
+    EXPECT_FALSE(Login());
+    QApplication::setDoubleClickInterval(usual);
+}
+
+TEST_F(Typing, GoesOnWhereItWasAfterAVisitToAnotherProgram) {
+    stage.When("frmLogin", [&](QWidget& window) {
+        const auto& box = In<QLineEdit>(window, "txtLoginID");
+        user.TypesHere(window, "txtLoginID", "bo", "bo");
+        user.Presses("Home", "Shift_L");
+        stage.Await([&] { return box.hasSelectedText(); }, "a selection");
+        user.Presses("End");
+        stage.Await([&] { return !box.hasSelectedText(); }, "the caret");
+        user.GoesToAnotherProgram();
+        stage.Await([&] { return !box.hasFocus(); }, "the other program");
+        user.ComesBackTo(window);
+        user.SeesFocusOn(window, "txtLoginID");
+        user.TypesHere(window, "txtLoginID", "b", "bob");
+        user.Presses("Escape");
+    });
+    EXPECT_FALSE(Login());
+}
+
+}  // namespace
+}  // namespace kq
