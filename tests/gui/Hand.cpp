@@ -1,6 +1,7 @@
 #include "gui/Hand.h"
 
 #include <X11/XKBlib.h>
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
@@ -88,6 +89,33 @@ void Hand::GoToAnotherProgram() {
 void Hand::ComeBackTo(unsigned long window) {
     XSetInputFocus(server_->display, window, RevertToParent, CurrentTime);
     XSync(server_->display, False);
+}
+
+void Hand::PutIntoFrame(unsigned long window, int edge) {
+    Display* const display = server_->display;
+    const Window root = DefaultRootWindow(display);
+    XWindowAttributes inner;
+    int x = 0, y = 0;
+    Window child = 0;
+    XGetWindowAttributes(display, window, &inner);
+    XTranslateCoordinates(display, window, root, 0, 0, &x, &y, &child);
+    const Window frame =
+        XCreateSimpleWindow(display, root, x, y, static_cast<unsigned>(inner.width + 2 * edge),
+                            static_cast<unsigned>(inner.height + 4 * edge), 0, 0, 0);
+    XMapWindow(display, frame);
+    XReparentWindow(display, window, frame, edge, 3 * edge);
+    const long extents[] = {edge, edge, 3 * edge, edge};
+    XChangeProperty(display, window, XInternAtom(display, "_NET_FRAME_EXTENTS", False), XA_CARDINAL, 32,
+                    PropModeReplace, reinterpret_cast<const unsigned char*>(extents), 4);
+    XEvent told{};
+    told.xconfigure.type = ConfigureNotify;
+    told.xconfigure.event = told.xconfigure.window = window;
+    told.xconfigure.x = x + edge;
+    told.xconfigure.y = y + 3 * edge;
+    told.xconfigure.width = inner.width;
+    told.xconfigure.height = inner.height;
+    XSendEvent(display, window, False, StructureNotifyMask, &told);
+    XSync(display, False);
 }
 
 void Hand::CloseBox(unsigned long window) {

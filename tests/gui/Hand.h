@@ -21,6 +21,9 @@ class Hand {
     // The keyboard goes to a window of another program, and back to one of this.
     void GoToAnotherProgram();
     void ComeBackTo(unsigned long window);
+    // What a window manager does some time after a window has come: puts a frame around it. The edges are as
+    // wide as this, the upper one thrice as wide. The frame is gone with the hand, and the window with it.
+    void PutIntoFrame(unsigned long window, int edge);
     // What a window manager does when its close box is clicked.
     void CloseBox(unsigned long window);
 
