@@ -287,6 +287,7 @@ void CheckPicture(const VARIANT* argument) {
 
 void Store(VARIANT& target, const VARIANT& value) {
     if (target.vt == (VT_BYREF | VT_VARIANT)) {
+        if (target.pvarVal->vt & VT_BYREF) return Store(*target.pvarVal, value);  // handed on by the caller
         Check(VariantCopy(target.pvarVal, const_cast<VARIANT*>(&value)));
         return;
     }

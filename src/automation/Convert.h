@@ -21,12 +21,12 @@ namespace kq::automation {
 // A VARIANT that clears itself.
 class Variant : public VARIANT {
  public:
-    Variant() noexcept { VariantInit(this); }
+    Variant() noexcept : VARIANT{} {}  // all of it, which VariantInit leaves to chance
     Variant(const Variant& other) : Variant(static_cast<const VARIANT&>(other)) {}
     explicit Variant(const VARIANT& other) : Variant() {
         Check(VariantCopy(this, const_cast<VARIANT*>(&other)));
     }
-    Variant(Variant&& other) noexcept : VARIANT(other) { VariantInit(&other); }
+    Variant(Variant&& other) noexcept : VARIANT(other) { static_cast<VARIANT&>(other) = VARIANT{}; }
     Variant& operator=(Variant other) noexcept {
         std::swap(static_cast<VARIANT&>(*this), static_cast<VARIANT&>(other));
         return *this;

@@ -1,5 +1,6 @@
 #include "automation/Dispatch.h"
 
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -90,8 +91,11 @@ Variant Absent(const Type& type) {
 bool SameValue(const VARIANT& a, const VARIANT& b) {
     if (a.vt != b.vt) return false;
     switch (a.vt) {
-        case VT_BSTR:
-            return TextOf(a.bstrVal) == TextOf(b.bstrVal);
+        case VT_BSTR: {
+            const UINT size = SysStringByteLen(a.bstrVal);
+            return size == SysStringByteLen(b.bstrVal) &&
+                   (size == 0 || std::memcmp(a.bstrVal, b.bstrVal, size) == 0);
+        }
         case VT_I4:
             return a.lVal == b.lVal;
         case VT_BOOL:
@@ -162,6 +166,20 @@ class Member {
     FUNCDESC* description_ = nullptr;
 };
 
+// Values of arguments. A password among them leaves no copy behind.
+class Values : public std::vector<Variant> {
+ public:
+    using std::vector<Variant>::vector;
+    Values(const Values&) = delete;
+    Values& operator=(const Values&) = delete;
+    ~Values() {
+        for (Variant& value : *this) {
+            if (value.vt == VT_BSTR && value.bstrVal)
+                WipeMemory(value.bstrVal, SysStringByteLen(value.bstrVal));
+        }
+    }
+};
+
 // One call of a member: its arguments as values of the declared types.
 class Call {
  public:
@@ -178,11 +196,6 @@ class Call {
     }
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
-    // A password among the arguments leaves no copy behind.
-    ~Call() {
-        Wipe(values_);
-        Wipe(before_);
-    }
 
     // The result that the member itself returned.
     HRESULT Run(IDispatch* self) {
@@ -220,13 +233,6 @@ class Call {
     }
 
  private:
-    static void Wipe(std::vector<Variant>& values) {
-        for (Variant& value : values) {
-            if (value.vt == VT_BSTR && value.bstrVal)
-                WipeMemory(value.bstrVal, SysStringByteLen(value.bstrVal));
-        }
-    }
-
     void PlaceArguments() {
         const UINT named = arguments_.cNamedArgs;
         if (arguments_.cArgs > member_.Inputs()) throw Failure(DISP_E_BADPARAMCOUNT);
@@ -264,8 +270,8 @@ class Call {
     DISPPARAMS& arguments_;
     std::vector<VARIANT*> given_;  // by place; null: left out
     std::vector<Type> types_;
-    std::vector<Variant> values_;
-    std::vector<Variant> before_;
+    Values values_;
+    Values before_;
 };
 
 // What the member raised, as the caller of Invoke sees it.

@@ -48,8 +48,7 @@ HRESULT ConnectionPoint::GetConnectionInterface(IID* out) {
 }
 
 HRESULT ConnectionPoint::GetConnectionPointContainer(IConnectionPointContainer** out) {
-    return Guard(IID_IConnectionPoint,
-                 [&] { Given(out) = Ptr<IConnectionPointContainer>(&owner_).Detach(); });
+    return Guard(IID_IConnectionPoint, [&] { Give(out, Ptr<IConnectionPointContainer>(&owner_)); });
 }
 
 HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
@@ -76,13 +75,13 @@ HRESULT ConnectionPoint::EnumConnections(IEnumConnections** out) {
         std::vector<Connection> connections;
         for (const auto& [cookie, sink] : sinks_)
             connections.push_back({cookie, sink});
-        Given(out) = Connections::Create(std::move(connections)).Detach();
+        Give(out, Connections::Create(std::move(connections)));
     });
 }
 
 HRESULT EventSourceBase::EnumConnectionPoints(IEnumConnectionPoints** out) {
     return Guard(IID_IConnectionPointContainer,
-                 [&] { Given(out) = Points::Create({Point{Ptr<IConnectionPoint>(&point_)}}).Detach(); });
+                 [&] { Give(out, Points::Create({Point{Ptr<IConnectionPoint>(&point_)}})); });
 }
 
 HRESULT EventSourceBase::FindConnectionPoint(REFIID iid, IConnectionPoint** out) {

@@ -6,17 +6,12 @@
 
 #include <kqappsession/Error.h>
 
-#include "base/Utf.h"
+#include "automation/Convert.h"
 
 namespace kq::automation {
 namespace {
 
 constexpr int kLargestRunTimeError = 0xFFFF;
-
-std::wstring WideOf(std::string_view text) {
-    const std::u16string wide = Utf8ToUtf16(text);
-    return {wide.begin(), wide.end()};
-}
 
 // An empty description would hide the one that the host's run time knows for the code: none is set then.
 HRESULT Report(HRESULT code, REFIID iid, std::string_view source, std::string_view description) {

@@ -38,6 +38,13 @@ T& Given(T* pointer) {
     return *pointer;
 }
 
+// An object into an out parameter, which is asked for first: without one the object is let go.
+template <class T>
+void Give(T** out, Ptr<T> object) {
+    T*& place = Given(out);
+    place = object.Detach();
+}
+
 // The number as hosts see it.
 HRESULT ResultOf(int error_number) noexcept;
 

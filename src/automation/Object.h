@@ -181,7 +181,7 @@ class Object : public MainType,
 
     HRESULT InfoInto(REFGUID id, ITypeInfo** out) {
         return Guard(__uuidof(Main), [&] {
-            Given(out) = TypeInfoOf(id).Detach();
+            Give(out, TypeInfoOf(id));
             if (!*out) throw Failure(TYPE_E_ELEMENTNOTFOUND);
         });
     }

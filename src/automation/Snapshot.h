@@ -60,7 +60,8 @@ class Snapshot final : public Interface {
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Clone(Interface** out) override {
-        return Guard(__uuidof(Interface), [&] { Given(out) = new Snapshot(items_, next_); });
+        return Guard(__uuidof(Interface),
+                     [&] { Give(out, Ptr<Interface>::Attach(new Snapshot(items_, next_))); });
     }
 
  private:

@@ -102,9 +102,13 @@ std::string_view FirstCharacters(std::string_view text, std::size_t count) {
     return text.substr(0, end);
 }
 
+// Makes room once, so that a secret is in one place only.
 std::string Utf16ToUtf8(std::u16string_view text) {
     std::string out;
-    out.reserve(text.size());
+    std::size_t size = 0;
+    for (const char16_t unit : text)
+        size += unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
+    out.reserve(size);
     for (std::size_t i = 0; i < text.size(); ++i) {
         char32_t c = text[i];
         if (c >= 0xD800 && c <= 0xDFFF) {

@@ -50,6 +50,7 @@ class ProfilesWindow : public Window {
         Fill(is_named ? named : current_ ? current_->Name() : std::string());
         At("Timer1").SetTimerEnabled(true);
         if (profiles_->Count() == 0) texts_.ShowInfo(kWhatProfilesAre);
+        if (Abandoned()) return false;
         do {
             form_->ShowModal();
         } while (!chosen_ && MustGoOn());

@@ -68,6 +68,15 @@ TEST(Activation, UnloadsTheDllAfterItWasUsed) {
     EXPECT_TRUE(Unloads());
 }
 
+TEST(Activation, UnloadsTheDllThoughNobodyTookWhatItGave) {
+    {
+        const auto timer = NewTimer();
+        EXPECT_EQ(timer.As<IConnectionPointContainer>()->EnumConnectionPoints(nullptr), E_POINTER);
+        EXPECT_EQ(timer.As<IProvideClassInfo>()->GetClassInfo(nullptr), E_POINTER);
+    }
+    EXPECT_TRUE(Unloads());
+}
+
 TEST(Activation, UnloadsTheDllWhenTheLastObjectIsGone) {
     auto server = NewServer();
     auto client = NewClient();

@@ -171,6 +171,19 @@ TEST_F(Dispatch, CountsArgumentsBeforeAMethodRuns) {
     EXPECT_EQ(client.Do(L"TerminateClient", {1L}), DISP_E_BADPARAMCOUNT);
 }
 
+// A procedure of the host that hands its own by-reference parameter on.
+TEST_F(Dispatch, WritesThroughAReferenceToAReference) {
+    BeNowhere();
+    long time_out = 0;
+    _variant_t parameter;
+    parameter.vt = VT_BYREF | VT_I4;
+    parameter.plVal = &time_out;
+    client.Do(L"UpdateProfilesEx", {false, L"", 0L, ByReference(parameter)});
+    EXPECT_EQ(client.raised, static_cast<HRESULT>(kqaserrLoginNoConnect));
+    EXPECT_EQ(time_out, 2000);
+    EXPECT_EQ(parameter.vt, VT_BYREF | VT_I4);
+}
+
 TEST_F(Dispatch, TakesExactReferencesToo) {
     BSTR host = SysAllocString(L"127.0.0.1");
     _variant_t reference;

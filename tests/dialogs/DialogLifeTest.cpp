@@ -131,6 +131,12 @@ TEST_F(ProfilesLife, AsksNothingAboutAnEmptyCollectionWhenTheObjectHasGone) {
     EXPECT_FALSE(GetsProfile());
 }
 
+TEST_F(ProfilesLife, IsNotShownWhenTheObjectGoesUnderTheExplanation) {
+    host.Answer(BoxButton::OK, [&] { dialog.reset(); });
+    EXPECT_FALSE(GetsProfile());
+    EXPECT_TRUE(host.Shown().empty());
+}
+
 TEST_F(ProfilesLife, RemovesNothingWhenTheObjectGoesUnderItsQuestion) {
     profiles->Add(std::make_shared<Profile>("Sales"));
     host.Answer(BoxButton::Yes, [&] { dialog.reset(); });

@@ -25,7 +25,9 @@ InterfaceVersions InterfaceVersionsOf(const VARIANT& argument) {
     if (value.vt == VT_BSTR) return InterfaceVersions(TextOf(value.bstrVal));
     try {
         return InterfaceVersions(ListOf(value));
-    } catch (const std::exception&) {
+    } catch (const Error&) {
+        return InterfaceVersions::Invalid();
+    } catch (const Failure&) {
         return InterfaceVersions::Invalid();
     }
 }
