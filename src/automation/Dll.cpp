@@ -37,6 +37,7 @@ class ClassFactory final : public IClassFactory {
         return Guard(iid, [&] {
             Given(out) = nullptr;
             if (outer) throw Failure(CLASS_E_NOAGGREGATION);
+            KeepTypeLibraries();
             Check(entry_.make()->QueryInterface(iid, out));
         });
     }

@@ -27,6 +27,13 @@ Known& TheKnown() {
     return known;
 }
 
+void LoadAll(Known& known) {
+    for (int number = 1; number <= kTypeLibraries; ++number) {
+        auto& library = known.libraries[static_cast<std::size_t>(number - 1)];
+        if (!library) library = LoadTypeLibrary(number);
+    }
+}
+
 }  // namespace
 
 std::wstring TypeLibraryPath(int number) {
@@ -39,13 +46,18 @@ Ptr<ITypeLib> LoadTypeLibrary(int number) {
     return library;
 }
 
+void KeepTypeLibraries() {
+    Known& known = TheKnown();
+    const std::lock_guard lock(known.mutex);
+    LoadAll(known);
+}
+
 Ptr<ITypeInfo> TypeInfoOf(REFGUID id) {
     Known& known = TheKnown();
     const std::lock_guard lock(known.mutex);
     if (const auto found = known.infos.find(id); found != known.infos.end()) return found->second;
-    for (int number = 1; number <= kTypeLibraries; ++number) {
-        auto& library = known.libraries[static_cast<std::size_t>(number - 1)];
-        if (!library) library = LoadTypeLibrary(number);
+    LoadAll(known);
+    for (const auto& library : known.libraries) {
         Ptr<ITypeInfo> info;
         if (SUCCEEDED(library->GetTypeInfoOfGuid(id, info.Out()))) return known.infos[id] = info;
     }

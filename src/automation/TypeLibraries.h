@@ -14,6 +14,9 @@ inline constexpr int kTypeLibraries = 7;  // resources 1 to 7
 std::wstring TypeLibraryPath(int number);
 Ptr<ITypeLib> LoadTypeLibrary(int number);
 
+// Loads all of them and keeps them until ForgetTypeLibraries. Some systems find what one library imports from
+// another only while both are loaded, and proxies for other threads are made from such descriptions.
+void KeepTypeLibraries();
 // The description of an interface or coclass of any of the libraries, null when there is none. Kept until
 // ForgetTypeLibraries.
 Ptr<ITypeInfo> TypeInfoOf(REFGUID id);
