@@ -12,6 +12,9 @@ kq_test(test_automation SOURCES ${hosts} LINKS kq_base kq_idl_headers ole32 olea
 target_compile_definitions(test_automation PRIVATE KQ_DLL="$<TARGET_FILE:KQAppSessionLib>" KQ_MANIFEST="${manifest}")
 add_dependencies(test_automation KQAppSessionLib kq_idl)
 
+# By itself too, where nothing before it has loaded what the proxies need.
+kq_wine_test(test_automation NAME test_automation_from_other_threads ARGUMENTS --gtest_filter=Activation.CarriesCalls*)
+
 kq_test(test_automation_parts SOURCES PartsTest.cpp LINKS kq_automation kq_string_resources)
 
 enable_language(RC)
