@@ -10,8 +10,9 @@
 // Connections and timers are served meanwhile.
 //
 // While a question waits the terminal is in a mode of its own; the mode before comes back with every answer,
-// when the program exits or an exception passes, and when a signal ends or stops it that would do so by
-// default.
+// when the program exits or an exception passes, and when the default action of a usual signal ends it
+// (SIGHUP, SIGINT, SIGTERM, those of faults and others, but for example not SIGKILL) or that of SIGTSTP stops
+// it.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +26,8 @@ namespace kq {
 // The bundle of this machine with dialogs on a terminal: `input` and `output` are open files, by default
 // standard input and standard error; they stay the caller's. The input need not be a terminal: a file or pipe
 // gives its lines as answers. Where nobody sees the questions, because they cannot be written or are asked of
-// a terminal but written elsewhere, each of them is answered by Cancel.
+// a terminal but written elsewhere, each of them is answered by Cancel; an output that takes nothing for ten
+// seconds counts as one that cannot be written. So is a password that the terminal would show.
 // `loop` and `language` as for MakePlatform.
 PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop = nullptr, int input = 0, int output = 2,
                             std::optional<std::int32_t> language = {});

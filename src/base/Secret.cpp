@@ -22,6 +22,8 @@ Secret& Secret::operator=(const Secret& other) {
         std::string copy = other.text_;
         Wipe(text_);
         text_.swap(copy);
+        // A short text lives inside the object: what the swap copied out of `copy` is still there.
+        Wipe(copy);
     }
     return *this;
 }
@@ -30,8 +32,7 @@ Secret& Secret::operator=(Secret&& other) noexcept {
     if (this != &other) {
         Wipe(text_);
         text_.swap(other.text_);
-        // A short text lives inside the object: what the swap copied out of `other` is still there.
-        Wipe(other.text_);
+        Wipe(other.text_);  // as above
     }
     return *this;
 }

@@ -19,11 +19,16 @@
 #include "platform/Patience.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/Terminal.h"
+#include "support/FakeEventLoop.h"
 
 namespace kq {
 namespace {
 
 using End = Terminal::End;
+
+BoxButton Ask(const PlatformPtr& platform) {
+    return platform->dialogs->ShowMessageBox("Go on?", "Title", BoxStyle::YesNoCancel);
+}
 
 class RealTerminal : public testing::Test {
  protected:
@@ -157,6 +162,44 @@ TEST_F(RealTerminal, LeavesTheInputBlockingWhileItReads) {
     EXPECT_EQ(Read(true).end, End::Line);
 }
 
+TEST_F(RealTerminal, GoesOnAfterAnEndKeyThatNobodyAnswered) {
+    Type("\x04");
+    const auto taken = [this] {
+        pollfd more{program_, POLLIN, 0};
+        return ::poll(&more, 1, 0) == 0;
+    };
+    EXPECT_EQ(terminal_->ReadLine("", true, taken).end, End::Stopped);
+    TypeWhenAsked("next\n");
+    EXPECT_EQ(Read(true).line.Reveal(), "next");
+}
+
+TEST_F(RealTerminal, KeepsNoFileOpenWhenTheLoopCannotWatchIt) {
+    const auto terminal = MakeTerminal(std::make_shared<FakeEventLoop>(), program_, program_);
+    const auto next_file = [] {
+        const int file = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ::close(file);
+        return file;
+    };
+    const int before = next_file();
+    for (int i = 0; i < 2; ++i)
+        EXPECT_THROW(terminal->ReadLine("", true, [] { return false; }), FakeFailure);
+    EXPECT_EQ(next_file(), before);
+}
+
+TEST_F(RealTerminal, IsCancelWhenItsUserHasStoppedTheOutputForTooLong) {
+    ASSERT_EQ(::tcflow(program_, TCOOFF), 0);
+    Type("1\n");
+    EXPECT_EQ(Ask(MakeTtyPlatform(loop_, program_, program_)), BoxButton::Cancel);
+    EXPECT_EQ(::tcflow(program_, TCOON), 0);
+}
+
+TEST_F(RealTerminal, ShowsAllOfALongText) {
+    const std::string text = std::string(20'000, 'x') + "end";
+    std::thread writer([&] { terminal_->Write(text); });
+    EXPECT_EQ(ScreenUpTo("end"), text);
+    writer.join();
+}
+
 TEST_F(RealTerminal, StopsReadingWhenAskedTo) {
     bool stop = false;
     loop_->StartTimer(Milliseconds(10), [&] { stop = true; });
@@ -218,6 +261,13 @@ class EndOfAProgram : public RealTerminal {
 
     // Runs the question in a child process and waits until it is asked.
     void Ask(const std::function<void(EventLoop&)>& meanwhile = {}) {
+        Run([&] {
+            const auto loop = MakePlatform()->loop;
+            if (meanwhile) meanwhile(*loop);
+            MakeTerminal(loop, program_, program_)->ReadLine("", false, [] { return false; });
+        });
+    }
+    void Run(const std::function<void()>& program) {
         before_ = Mode();
         child_ = ::fork();
         if (child_ == 0) {
@@ -226,11 +276,15 @@ class EndOfAProgram : public RealTerminal {
             for (const int signal : {SIGTERM, SIGHUP, SIGINT, SIGQUIT, SIGUSR1, SIGTSTP})
                 std::signal(signal, SIG_DFL);
             ::setpgid(0, 0);
-            const auto loop = MakePlatform()->loop;
-            if (meanwhile) meanwhile(*loop);
-            MakeTerminal(loop, program_, program_)->ReadLine("", false, [] { return false; });
+            program();
             ::_exit(99);
         }
+    }
+    void StopAndGoOn() {
+        ::kill(child_, SIGTSTP);
+        EXPECT_TRUE(WIFSTOPPED(Status(WUNTRACED)));
+        EXPECT_EQ(Mode(), before_);
+        ::kill(child_, SIGCONT);
     }
     bool AwaitMode(tcflag_t mode) {
         const auto asked = [&] { return Mode() == mode; };
@@ -279,14 +333,93 @@ TEST_F(EndOfAProgram, ByExitRestoresTheMode) {
 TEST_F(EndOfAProgram, IsNotTheEndOfASuspendedOne) {
     Ask();
     ASSERT_TRUE(AwaitQuestion());
-    ::kill(child_, SIGTSTP);
-    EXPECT_TRUE(WIFSTOPPED(Status(WUNTRACED)));
-    EXPECT_EQ(Mode(), before_);
-    ::kill(child_, SIGCONT);
+    StopAndGoOn();
     EXPECT_TRUE(AwaitQuestion());
     Type("x\n");
     EXPECT_EQ(WEXITSTATUS(Status()), 99);
     EXPECT_EQ(Mode(), before_);
+}
+
+TEST_F(EndOfAProgram, IsNotTheEndOfASuspendedOneThatAsksWithinAQuestion) {
+    Run([&] {
+        const auto loop = MakePlatform()->loop;
+        const auto terminal = MakeTerminal(loop, program_, program_);
+        const auto never = [] { return false; };
+        loop->StartTimer(Milliseconds(10), [&] { terminal->ReadLine("", false, never); });
+        terminal->ReadLine("", true, never);
+    });
+    const tcflag_t outer = before_ & ~static_cast<tcflag_t>(ISIG);
+    ASSERT_TRUE(AwaitQuestion());
+    StopAndGoOn();
+    ASSERT_TRUE(AwaitQuestion());
+    Type("inner\n");
+    ASSERT_TRUE(AwaitMode(outer));
+    StopAndGoOn();
+    ASSERT_TRUE(AwaitMode(outer));
+    Type("outer\n");
+    EXPECT_EQ(WEXITSTATUS(Status()), 99);
+    EXPECT_EQ(Mode(), before_);
+}
+
+// --- A program in the background, whose terminal does not take a new mode from it at once.
+
+class ProgramInTheBackground : public EndOfAProgram {
+ protected:
+    // The child is in the foreground of a session with this terminal; it stays until the test ends it. An
+    // orphan is a program that nobody in the session can bring to the foreground.
+    void RunInTheBackground(bool orphan, const std::function<void()>& program) {
+        child_ = ::fork();
+        if (child_ != 0) return;
+        ::setsid();
+        ::ioctl(program_, TIOCSCTTY, 0);
+        if (::fork() == 0) {
+            const pid_t parent = ::getpid();
+            if (orphan && ::fork() != 0) ::_exit(0);
+            ::setpgid(0, 0);
+            ::alarm(60);
+            while (::getppid() == parent)
+                ::poll(nullptr, 0, 1);
+            program();
+            ::_exit(0);
+        }
+        ::alarm(60);
+        for (;;)
+            ::pause();
+    }
+};
+
+TEST_F(ProgramInTheBackground, AsksForNoPasswordThatWouldBeShown) {
+    int told[2] = {-1, -1};
+    ASSERT_EQ(::pipe(told), 0);
+    RunInTheBackground(true, [&] {
+        const auto terminal = MakeTerminal(MakePlatform()->loop, program_, program_);
+        const auto answer = terminal->ReadLine("Password: ", false, [] { return false; });
+        const char end = answer.end == End::GivenUp ? 'g' : 'x';
+        static_cast<void>(!::write(told[1], &end, 1));
+    });
+    pollfd more{told[0], POLLIN, 0};
+    ASSERT_EQ(::poll(&more, 1, static_cast<int>(kPatience.count())), 1);
+    char end = 0;
+    EXPECT_EQ(::read(told[0], &end, 1), 1);
+    EXPECT_EQ(end, 'g');
+    EXPECT_NE(Mode() & ECHO, 0U);
+    terminal_->Write("end");
+    EXPECT_EQ(ScreenUpTo("end"), "end");
+    ::close(told[0]);
+    ::close(told[1]);
+}
+
+TEST_F(ProgramInTheBackground, HidesAPasswordAlthoughASignalInterruptsTheChangeOfMode) {
+    static int terminal = -1;
+    terminal = program_;
+    before_ = Mode();
+    RunInTheBackground(false, [&] {
+        struct sigaction to_front {};
+        to_front.sa_handler = [](int) { ::tcsetpgrp(terminal, ::getpgrp()); };
+        ::sigaction(SIGTTOU, &to_front, nullptr);
+        MakeTerminal(MakePlatform()->loop, program_, program_)->ReadLine("", false, [] { return false; });
+    });
+    EXPECT_TRUE(AwaitQuestion());
 }
 
 TEST_F(RealTerminal, LeavesSignalsAloneThatTheProgramHandlesAndThoseOfOtherTimes) {
@@ -321,10 +454,6 @@ struct Pipe {
     int ends[2] = {-1, -1};
 };
 
-BoxButton Ask(const PlatformPtr& platform) {
-    return platform->dialogs->ShowMessageBox("Go on?", "Title", BoxStyle::YesNoCancel);
-}
-
 TEST(PipedAnswers, ServeAMessageBoxAndEndWithThePipe) {
     Pipe input;
     Pipe output;
@@ -337,6 +466,19 @@ TEST(PipedAnswers, ServeAMessageBoxAndEndWithThePipe) {
     const ssize_t count = ::read(output.ends[0], bytes, sizeof bytes);
     EXPECT_EQ(std::string(bytes, static_cast<std::size_t>(count)).substr(0, 56),
               "\n!  Title\nGo on?\n  1. Yes\n  2. No\n  3. Cancel\n[1]: \n[1]:");
+}
+
+TEST(AnOutputThatNobodyReads, IsCancelAndNoSignal) {
+    Pipe input;
+    Pipe output;
+    ASSERT_EQ(::write(input.ends[1], "1\n", 2), 2);
+    ::close(std::exchange(output.ends[0], -1));
+    const auto before = std::signal(SIGPIPE, SIG_DFL);
+    EXPECT_EQ(Ask(MakeTtyPlatform(nullptr, input.ends[0], output.ends[1])), BoxButton::Cancel);
+    std::signal(SIGPIPE, before);
+    sigset_t blocked;
+    ASSERT_EQ(::pthread_sigmask(SIG_BLOCK, nullptr, &blocked), 0);
+    EXPECT_EQ(sigismember(&blocked, SIGPIPE), 0);
 }
 
 TEST(FiledAnswers, ServeAMessageBoxAndEndWithTheFile) {

@@ -1,6 +1,9 @@
 // The loop watches the input through an epoll of its own: a watched file is made non-blocking, and a terminal
 // shares that with the program's output and with the shell that started it.
 #include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <ctime>
 #include <optional>
 #include <poll.h>
 #include <string>
@@ -17,6 +20,33 @@ namespace {
 
 // Of a line; no terminal lets anybody type more than that.
 constexpr std::size_t kLongest = 65'536;
+// How long an output that takes nothing more, because its user has stopped it, is waited for.
+constexpr std::chrono::seconds kStopped(10);
+constexpr int kPause = 10;  // ms
+// Written at once: as a rule an output that is ready has room for it.
+constexpr std::size_t kPiece = 512;
+
+// A pipe or socket that nobody reads any more is an error of the write and no end of the program.
+ssize_t WriteWithoutSignal(int file, std::string_view text) {
+    sigset_t pipe;
+    sigset_t blocked;
+    sigset_t pending;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    sigemptyset(&pending);
+    ::sigpending(&pending);
+    ::pthread_sigmask(SIG_BLOCK, &pipe, &blocked);
+    const ssize_t count = ::write(file, text.data(), text.size());
+    const int error = errno;
+    if (count < 0 && error == EPIPE && sigismember(&pending, SIGPIPE) == 0) {
+        const timespec now{};
+        while (::sigtimedwait(&pipe, nullptr, &now) < 0 && errno == EINTR) {
+        }
+    }
+    ::pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
+    errno = error;
+    return count;
+}
 
 class PosixTerminal final : public Terminal {
  public:
@@ -38,14 +68,16 @@ class PosixTerminal final : public Terminal {
     bool Rewrites() const override { return rewrites_; }
 
     void Write(std::string_view text) override {
+        auto deadline = Clock::now() + kStopped;
         while (!text.empty() && !unseen_) {
-            const ssize_t count = ::write(output_, text.data(), text.size());
+            const bool ready = AwaitRoom(deadline);
+            const ssize_t count = ready ? WriteWithoutSignal(output_, text.substr(0, kPiece)) : 0;
             if (count > 0) {
                 text.remove_prefix(static_cast<std::size_t>(count));
-            } else if (errno == EAGAIN) {
-                pollfd room{output_, POLLOUT, 0};
-                ::poll(&room, 1, -1);
-            } else if (errno != EINTR) {
+                deadline = Clock::now() + kStopped;
+            } else if (count < 0 && errno == EAGAIN) {
+                ::poll(nullptr, 0, kPause);
+            } else if (count == 0 || errno != EINTR) {
                 unseen_ = true;
             }
         }
@@ -53,6 +85,7 @@ class PosixTerminal final : public Terminal {
 
     Answer ReadLine(std::string_view prompt, bool echo, const std::function<bool()>& stop) override {
         const TerminalMode mode(input_, echo);
+        if (typed_by_hand_ && !echo && !mode.Hides()) return {End::GivenUp, {}};
         Write(prompt);
         if (unseen_ || (typed_by_hand_ && !rewrites_)) return {End::GivenUp, {}};
         const Listening listening(*this);
@@ -66,11 +99,14 @@ class PosixTerminal final : public Terminal {
     }
 
  private:
+    using Clock = std::chrono::steady_clock;
+
     // The input is watched while anybody reads.
     class Listening {
      public:
         explicit Listening(PosixTerminal& terminal) : terminal_(terminal) {
-            if (terminal_.readers_++ == 0) terminal_.Listen();
+            if (terminal_.readers_ == 0) terminal_.Listen();
+            ++terminal_.readers_;
         }
         Listening(const Listening&) = delete;
         Listening& operator=(const Listening&) = delete;
@@ -82,13 +118,32 @@ class PosixTerminal final : public Terminal {
         PosixTerminal& terminal_;
     };
 
+    // False when the output does not become ready in time. An error is ready, for the write to tell.
+    bool AwaitRoom(Clock::time_point deadline) const {
+        pollfd room{output_, POLLOUT, 0};
+        while (output_ >= 0) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+            if (left.count() <= 0) return false;
+            const int ready = ::poll(&room, 1, static_cast<int>(left.count()));
+            if (ready >= 0 || errno != EINTR) return ready > 0;
+        }
+        return false;
+    }
+
+    // The end that a terminal's user typed may not have been answered by anybody.
     void Listen() {
+        if (ended_ && ::isatty(input_) != 0) ended_ = false;
         if (ended_) return;
         epoll_event wanted{};
         wanted.events = EPOLLIN;
         epoll_ = ::epoll_create1(EPOLL_CLOEXEC);
-        if (epoll_ >= 0 && ::epoll_ctl(epoll_, EPOLL_CTL_ADD, input_, &wanted) == 0)
+        if (epoll_ < 0 || ::epoll_ctl(epoll_, EPOLL_CTL_ADD, input_, &wanted) != 0) return;
+        try {
             watch_ = loop_->Watch(epoll_, {true, false}, [this](EventLoop::Readiness) { Read(); });
+        } catch (...) {
+            Unlisten();
+            throw;
+        }
     }
 
     void Unlisten() {
@@ -112,12 +167,18 @@ class PosixTerminal final : public Terminal {
         if (watch_ != 0) loop_->ChangeWatch(watch_, {});
     }
 
+    // A short text lives inside the object, and is still there when it has moved.
+    void Refill(std::string&& text) {
+        Wipe(buffer_);
+        buffer_.swap(text);
+        Wipe(text);
+    }
+
     void Append(std::string_view bytes) {
         std::string longer;
         longer.reserve(buffer_.size() + bytes.size());
         longer.append(buffer_).append(bytes);
-        Wipe(buffer_);
-        buffer_ = std::move(longer);
+        Refill(std::move(longer));
     }
 
     // A file can always be read and never be waited for.
@@ -147,9 +208,7 @@ class PosixTerminal final : public Terminal {
         } else {
             answer.end = End::GivenUp;
         }
-        std::string rest = buffer_.substr(end + 1);
-        Wipe(buffer_);
-        buffer_ = std::move(rest);
+        Refill(buffer_.substr(end + 1));
         return answer;
     }
 
@@ -160,7 +219,7 @@ class PosixTerminal final : public Terminal {
             loop_->ChangeWatch(watch_, {true, false});
         }
         if (buffer_.empty()) return {End::GivenUp, {}};
-        return {End::Line, Secret(std::exchange(buffer_, {}))};
+        return {End::Line, Secret(std::move(buffer_))};
     }
 
     std::shared_ptr<EventLoop> loop_;

@@ -12,11 +12,13 @@ namespace kq {
 namespace {
 
 constexpr char kUsualInterruptKey = 3;
+constexpr int kTries = 100;
 
 constexpr std::array kEnding{SIGHUP,  SIGINT,  SIGQUIT, SIGILL,  SIGABRT, SIGBUS,  SIGFPE,  SIGUSR1,
                              SIGSEGV, SIGUSR2, SIGPIPE, SIGALRM, SIGTERM, SIGXCPU, SIGXFSZ, SIGVTALRM};
 
-// What the handlers may touch. Written while `on` is 0.
+// What the handlers may touch. Written while `on` is 0, but for the mode that comes back when the program
+// goes on.
 struct Guard {
     volatile std::sig_atomic_t on = 0;
     int terminal = -1;
@@ -25,12 +27,19 @@ struct Guard {
 };
 Guard guard;
 
-// Waits for no output: the terminal may be gone. In the background the terminal has the mode of somebody
-// else.
+// Waits for no output: that may be stopped, and the terminal may be gone. A program in the background that
+// handles SIGTTOU is interrupted each time.
+void SetMode(int terminal, const termios& mode) {
+    for (int i = 0; i < kTries; ++i) {
+        if (::tcsetattr(terminal, TCSANOW, &mode) == 0 || errno != EINTR) return;
+    }
+}
+
+// In the background the terminal has the mode of somebody else.
 void Restore(int terminal, const termios& mode) {
     const pid_t in_front = ::tcgetpgrp(terminal);
     if (in_front >= 0 && in_front != ::getpgrp()) return;
-    ::tcsetattr(terminal, TCSANOW, &mode);
+    SetMode(terminal, mode);
 }
 
 void RestoreGuarded() {
@@ -63,7 +72,7 @@ void OnStop(int signal) {
     ::pthread_sigmask(SIG_UNBLOCK, &one, &blocked);
     ::pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
     Handle(signal, OnStop, SA_RESTART);
-    if (guard.on != 0) ::tcsetattr(guard.terminal, TCSANOW, &guard.meanwhile);
+    if (guard.on != 0) SetMode(guard.terminal, guard.meanwhile);
     errno = error;
 }
 
@@ -93,6 +102,16 @@ void BeginGuard(int terminal, const termios& before, const termios& meanwhile) {
     HandleWhereDefault(SIGTSTP, OnStop, SA_RESTART);
 }
 
+void ChangeMeanwhile(const termios& meanwhile) {
+    sigset_t stop;
+    sigset_t blocked;
+    sigemptyset(&stop);
+    sigaddset(&stop, SIGTSTP);
+    ::pthread_sigmask(SIG_BLOCK, &stop, &blocked);
+    guard.meanwhile = meanwhile;
+    ::pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
+}
+
 void EndGuard() {
     guard.on = 0;
     for (const int signal : kEnding)
@@ -104,6 +123,9 @@ void EndGuard() {
 
 TerminalMode::TerminalMode(int terminal, bool echo) : terminal_(terminal) {
     if (::tcgetattr(terminal_, &before_) != 0) return;
+    nested_ = guard.on != 0 && guard.terminal == terminal_;
+    // In the background the terminal does not have the outer one's mode.
+    if (nested_) before_ = guard.meanwhile;
     const bool has_key = before_.c_cc[VINTR] != _POSIX_VDISABLE;
     interrupt_key_ = has_key ? static_cast<char>(before_.c_cc[VINTR]) : kUsualInterruptKey;
     termios mode = before_;
@@ -116,11 +138,16 @@ TerminalMode::TerminalMode(int terminal, bool echo) : terminal_(terminal) {
     if (guard.on == 0) {
         BeginGuard(terminal_, before_, mode);
         guarded_ = true;
+    } else if (nested_) {
+        ChangeMeanwhile(mode);
     }
-    ::tcsetattr(terminal_, TCSADRAIN, &mode);
+    SetMode(terminal_, mode);
+    termios present{};
+    hides_ = ::tcgetattr(terminal_, &present) == 0 && (present.c_lflag & ECHO) == 0;
 }
 
 TerminalMode::~TerminalMode() {
+    if (guarded_ || nested_) ChangeMeanwhile(before_);
     if (interrupt_key_) Restore(terminal_, before_);
     if (guarded_) EndGuard();
 }
