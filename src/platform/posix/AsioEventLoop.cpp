@@ -6,10 +6,8 @@
 // on where the outer one stands, whoever runs the context.
 #include <algorithm>
 #include <atomic>
-#include <deque>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <poll.h>
 #include <utility>
@@ -24,6 +22,9 @@
 #include <kqappsession/AsioEventLoop.h>
 #include <kqappsession/Error.h>
 
+#include "platform/EventQueue.h"
+#include "platform/LoopFace.h"
+#include "platform/TimerTable.h"
 #include "platform/posix/PosixPlatform.h"
 
 namespace kq {
@@ -58,15 +59,6 @@ struct Timed {
     Task task;
 };
 
-enum class Kind { Post, Timer, Watch };
-
-struct Event {
-    std::uint64_t sequence;
-    Kind kind;
-    std::uint64_t id;
-    Task task;
-};
-
 Readiness ReadyNow(int fd, Readiness wanted) {
     pollfd asked{fd, static_cast<short>((wanted.readable ? POLLIN : 0) | (wanted.writable ? POLLOUT : 0)), 0};
     const int answered = ::poll(&asked, 1, 0);
@@ -84,18 +76,15 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
     explicit LoopState(std::unique_ptr<asio::io_context> own) : own_(std::move(own)), context_(*own_) {}
     explicit LoopState(asio::io_context& context) : context_(context) {}
 
-    void Post(Task task) { Push(Kind::Post, 0, std::move(task)); }
+    void Post(Task task) { Push(Event::Kind::Post, 0, std::move(task)); }
 
     EventLoop::TimerId StartTimer(Milliseconds delay, Task task) {
         const std::uint64_t id = ++last_id_;
-        // Far enough for any wait, near enough for the clock to count.
-        constexpr Milliseconds kLongest = std::chrono::hours(24 * 365);
-        delay = std::clamp(delay, Milliseconds(0), kLongest);
-        auto& timed =
-            timers_.emplace(id, Timed{asio::steady_timer(context_, delay), std::move(task)}).first->second;
+        auto& timed = timers_.emplace(id, Timed{asio::steady_timer(context_, DueIn(delay)), std::move(task)})
+                          .first->second;
         timed.timer.async_wait([weak = weak_from_this(), id](const asio::error_code& error) {
             const auto self = weak.lock();
-            if (self && !error && self->timers_.count(id) != 0) self->Push(Kind::Timer, id, {});
+            if (self && !error && self->timers_.count(id) != 0) self->Push(Event::Kind::Timer, id, {});
         });
         return id;
     }
@@ -132,15 +121,11 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         const auto self = shared_from_this();
         const Wait wait(*this);
         Gather();
-        std::uint64_t last;
-        {
-            const std::lock_guard lock(mutex_);
-            last = last_sequence_;
-        }
+        const std::uint64_t last = events_.LastSequence();
         while (!quitting_ && !closed_) {
-            std::optional<Event> event = Take(last);
+            std::optional<Event> event = events_.Take(last);
             if (!event) break;
-            RunEvent(std::move(*event));
+            Run(std::move(*event));
         }
     }
 
@@ -172,11 +157,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
             if (watched->descriptor.is_open()) watched->descriptor.release();
         }
         const auto timers = std::exchange(timers_, {});
-        std::deque<Event> events;
-        {
-            const std::lock_guard lock(mutex_);
-            events.swap(events_);
-        }
+        events_.Clear();
         asio::post(context_, [] {});
     }
 
@@ -215,43 +196,25 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         std::optional<asio::executor_work_guard<asio::io_context::executor_type>> guard_;
     };
 
-    void Push(Kind kind, std::uint64_t id, Task task) {
+    void Push(Event::Kind kind, std::uint64_t id, Task task) {
         if (closed_) return;
-        {
-            const std::lock_guard lock(mutex_);
-            events_.push_back({++last_sequence_, kind, id, std::move(task)});
-        }
+        events_.Push(kind, id, std::move(task));
         EnsurePump();
     }
 
     void EnsurePump() {
-        {
-            const std::lock_guard lock(mutex_);
-            if (events_.empty() || std::exchange(pump_posted_, true)) return;
-        }
+        if (!events_.ClaimPump()) return;
         asio::post(context_, [weak = weak_from_this()] {
             if (const auto self = weak.lock()) self->Pump();
         });
     }
 
     void Pump() {
-        {
-            const std::lock_guard lock(mutex_);
-            pump_posted_ = false;
-        }
+        events_.ReleasePump();
         if (holding_) return;
-        std::optional<Event> event = Take(~std::uint64_t{0});
+        std::optional<Event> event = events_.Take();
         EnsurePump();
-        if (event) RunEvent(std::move(*event));
-    }
-
-    // The first event unless it is younger than `last`.
-    std::optional<Event> Take(std::uint64_t last) {
-        const std::lock_guard lock(mutex_);
-        if (events_.empty() || events_.front().sequence > last) return std::nullopt;
-        std::optional<Event> event(std::move(events_.front()));
-        events_.pop_front();
-        return event;
+        if (event) Run(std::move(*event));
     }
 
     // Lets the context put everything that is ready into the queue, running none of it. What the sockets have
@@ -267,22 +230,11 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         holding_ = held;
     }
 
-    void RunEvent(Event event) {
-        try {
-            switch (event.kind) {
-                case Kind::Post:
-                    event.task();
-                    break;
-                case Kind::Timer:
-                    if (auto node = timers_.extract(event.id)) node.mapped().task();
-                    break;
-                case Kind::Watch:
-                    CallWatch(event.id);
-                    break;
-            }
-        } catch (...) {
-            ReportStrayException(std::current_exception());
-        }
+    void Run(Event event) {
+        const auto run_timer = [this](std::uint64_t id) {
+            if (const auto node = timers_.extract(id)) node.mapped().task();
+        };
+        RunEvent(std::move(event), run_timer, [this](std::uint64_t id) { CallWatch(id); });
     }
 
     void CallWatch(std::uint64_t id) {
@@ -329,7 +281,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
                 w.*awaited = false;
                 if (error == asio::error::operation_aborted || !(w.wanted.*wanted) || w.queued) return;
                 w.queued = true;
-                self->Push(Kind::Watch, id, {});
+                self->Push(Event::Kind::Watch, id, {});
             });
     }
 
@@ -341,51 +293,18 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
     bool holding_ = false;  // ProcessPending gathers; the pump runs nothing
     std::atomic<bool> quitting_{false};
     std::atomic<bool> closed_{false};
-
-    std::mutex mutex_;  // what follows, for Post from other threads
-    std::deque<Event> events_;
-    std::uint64_t last_sequence_ = 0;
-    bool pump_posted_ = false;
-};
-
-class AsioEventLoop final : public EventLoop {
- public:
-    explicit AsioEventLoop(std::shared_ptr<LoopState> state) : state_(std::move(state)) {}
-    ~AsioEventLoop() override { state_->Close(); }
-
-    TimePoint Now() const override { return std::chrono::steady_clock::now(); }
-    void Post(Task task) override { state_->Post(std::move(task)); }
-    TimerId StartTimer(Milliseconds delay, Task task) override {
-        return state_->StartTimer(delay, std::move(task));
-    }
-    void CancelTimer(TimerId id) override { state_->CancelTimer(id); }
-    WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) override {
-        return state_->Watch(socket, wanted, std::move(ready));
-    }
-    void ChangeWatch(WatchId id, Readiness wanted) override { state_->ChangeWatch(id, wanted); }
-    void Unwatch(WatchId id) override { state_->Unwatch(id); }
-    void ProcessPending() override { state_->ProcessPending(); }
-    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) override {
-        return state_->RunUntil(done, deadline);
-    }
-    void Run() override {
-        state_->RunUntil([] { return false; }, TimePoint::max());
-    }
-    void Quit() override { state_->Quit(); }
-    bool Quitting() const override { return state_->Quitting(); }
-
- private:
-    std::shared_ptr<LoopState> state_;
+    EventQueue events_;
 };
 
 }  // namespace
 
 std::shared_ptr<EventLoop> MakeAsioEventLoop(asio::io_context& context) {
-    return std::make_shared<AsioEventLoop>(std::make_shared<LoopState>(context));
+    return std::make_shared<LoopFace<LoopState>>(std::make_shared<LoopState>(context));
 }
 
 std::shared_ptr<EventLoop> MakeOwnEventLoop() {
-    return std::make_shared<AsioEventLoop>(std::make_shared<LoopState>(std::make_unique<asio::io_context>()));
+    return std::make_shared<LoopFace<LoopState>>(
+        std::make_shared<LoopState>(std::make_unique<asio::io_context>()));
 }
 
 }  // namespace kq

@@ -18,16 +18,16 @@
 #include <QTimerEvent>
 #include <algorithm>
 #include <atomic>
-#include <deque>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <poll.h>
-#include <set>
 #include <utility>
 
 #include <kqappsession/Error.h>
-#include <kqappsession/Signal.h>
+
+#include "platform/EventQueue.h"
+#include "platform/LoopFace.h"
+#include "platform/TimerTable.h"
 
 namespace kq {
 namespace {
@@ -85,37 +85,21 @@ struct Watched {
     bool queued = false;  // an event of this watch is in the queue
 };
 
-struct Timed {
-    TimePoint due;
-    Task task;
-};
-
-struct Event {
-    enum class Kind { Post, Timer, Watch };
-    std::uint64_t sequence;
-    Kind kind;
-    std::uint64_t id;  // of the timer or watch
-    Task task;         // of a post
-};
-
 // Everything the loop is made of. A wait holds it, so that the loop may be destroyed by a task that it runs.
 class LoopState final : public QObject, public std::enable_shared_from_this<LoopState> {
  public:
     void Post(Task task) { Push(Event::Kind::Post, 0, std::move(task)); }
 
     EventLoop::TimerId StartTimer(Milliseconds delay, Task task) {
-        constexpr Milliseconds kLongest = std::chrono::hours(24 * 365);
         const std::uint64_t id = ++last_id_;
-        const TimePoint due = Now() + std::clamp(delay, Milliseconds(0), kLongest);
-        timers_.emplace(id, Timed{due, std::move(task)});
-        due_.emplace(due, id);
+        timers_.Start(id, DueIn(delay), std::move(task));
         SetAlarm();
         return id;
     }
 
     void CancelTimer(EventLoop::TimerId id) {
-        const auto node = timers_.extract(id);  // the task goes after the tables are whole again
-        if (node && due_.erase({node.mapped().due, id}) != 0) SetAlarm();
+        timers_.Cancel(id);
+        SetAlarm();
     }
 
     EventLoop::WatchId Watch(int fd, Readiness wanted, std::function<void(Readiness)> ready) {
@@ -154,13 +138,13 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
                 const Readiness ready = watched->ReadyNow();
                 if (ready.readable || ready.writable) QueueWatch(id);
             }
-            last = LastSequence();
+            last = events_.LastSequence();
         }
         const Holding frame(*this, false);
         while (!Ended()) {
-            auto event = Take(last);
+            auto event = events_.Take(last);
             if (!event) break;
-            RunEvent(std::move(*event));
+            Run(std::move(*event));
         }
     }
 
@@ -187,11 +171,8 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
         const auto watches = std::exchange(watches_, {});
         for (const auto& [id, watched] : watches)
             watched->Rest();
-        const auto timers = std::exchange(timers_, {});
-        due_.clear();
-        std::deque<Event> events;
-        const std::lock_guard lock(mutex_);
-        events.swap(events_);
+        timers_.Clear();
+        events_.Clear();
     }
 
  protected:
@@ -264,33 +245,12 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
 
     void Push(Event::Kind kind, std::uint64_t id, Task task) {
         if (closed_) return;
-        {
-            const std::lock_guard lock(mutex_);
-            events_.push_back({++last_sequence_, kind, id, std::move(task)});
-        }
+        events_.Push(kind, id, std::move(task));
         EnsurePump();
     }
 
     void EnsurePump() {
-        {
-            const std::lock_guard lock(mutex_);
-            if (events_.empty() || std::exchange(pump_on_its_way_, true)) return;
-        }
-        QCoreApplication::postEvent(this, new QEvent(kWake));
-    }
-
-    std::uint64_t LastSequence() {
-        const std::lock_guard lock(mutex_);
-        return last_sequence_;
-    }
-
-    // The first event unless it is younger than `last`.
-    std::optional<Event> Take(std::uint64_t last) {
-        const std::lock_guard lock(mutex_);
-        if (events_.empty() || events_.front().sequence > last) return std::nullopt;
-        std::optional<Event> event(std::move(events_.front()));
-        events_.pop_front();
-        return event;
+        if (events_.ClaimPump()) QCoreApplication::postEvent(this, new QEvent(kWake));
     }
 
     // --- On the loop's thread
@@ -299,33 +259,18 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
     // timer, because the toolkit does not let one fire inside itself.
     void Pump() {
         pump_.stop();
-        {
-            const std::lock_guard lock(mutex_);
-            pump_on_its_way_ = false;
-        }
+        events_.ReleasePump();
         if (holding_) return;
         const auto self = shared_from_this();
-        auto event = Take(~std::uint64_t{0});
+        auto event = events_.Take();
         EnsurePump();
-        if (event) RunEvent(std::move(*event));
+        if (event) Run(std::move(*event));
     }
 
-    void RunEvent(Event event) {
-        try {
-            switch (event.kind) {
-                case Event::Kind::Post:
-                    event.task();
-                    break;
-                case Event::Kind::Timer:
-                    if (auto node = timers_.extract(event.id)) node.mapped().task();
-                    break;
-                case Event::Kind::Watch:
-                    CallWatch(event.id);
-                    break;
-            }
-        } catch (...) {
-            ReportStrayException(std::current_exception());
-        }
+    void Run(Event event) {
+        RunEvent(
+            std::move(event), [this](std::uint64_t id) { timers_.Run(id); },
+            [this](std::uint64_t id) { CallWatch(id); });
     }
 
     void QueueWatch(std::uint64_t id) {
@@ -348,70 +293,33 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
 
     void PushDue() {
         const TimePoint now = Now();
-        while (!due_.empty() && due_.begin()->first <= now) {
-            const std::uint64_t id = due_.begin()->second;
-            due_.erase(due_.begin());
-            Push(Event::Kind::Timer, id, {});
-        }
+        while (const auto due = timers_.TakeDue(now))
+            Push(Event::Kind::Timer, *due, {});
         SetAlarm();
     }
 
     void SetAlarm() {
-        if (due_.empty())
-            alarm_.stop();
+        if (const auto next = timers_.Next())
+            alarm_.start(UntilThen(*next), Qt::PreciseTimer, this);
         else
-            alarm_.start(UntilThen(due_.begin()->first), Qt::PreciseTimer, this);
+            alarm_.stop();
     }
 
     std::map<std::uint64_t, std::shared_ptr<Watched>> watches_;
-    std::map<std::uint64_t, Timed> timers_;
-    std::set<std::pair<TimePoint, std::uint64_t>> due_;  // of those timers that are not in the queue
+    TimerTable timers_;
     std::uint64_t last_id_ = 0;
     QBasicTimer pump_;
     QBasicTimer alarm_;
     bool holding_ = false;
     std::atomic<bool> quitting_{false};
     std::atomic<bool> closed_{false};
-
-    std::mutex mutex_;  // what follows, for Post from other threads
-    std::deque<Event> events_;
-    std::uint64_t last_sequence_ = 0;
-    bool pump_on_its_way_ = false;
-};
-
-class QtEventLoop final : public EventLoop {
- public:
-    ~QtEventLoop() override { state_->Close(); }
-
-    TimePoint Now() const override { return kq::Now(); }
-    void Post(Task task) override { state_->Post(std::move(task)); }
-    TimerId StartTimer(Milliseconds delay, Task task) override {
-        return state_->StartTimer(delay, std::move(task));
-    }
-    void CancelTimer(TimerId id) override { state_->CancelTimer(id); }
-    WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) override {
-        return state_->Watch(socket, wanted, std::move(ready));
-    }
-    void ChangeWatch(WatchId id, Readiness wanted) override { state_->ChangeWatch(id, wanted); }
-    void Unwatch(WatchId id) override { state_->Unwatch(id); }
-    void ProcessPending() override { state_->ProcessPending(); }
-    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) override {
-        return state_->RunUntil(done, deadline);
-    }
-    void Run() override {
-        state_->RunUntil([] { return false; }, TimePoint::max());
-    }
-    void Quit() override { state_->Quit(); }
-    bool Quitting() const override { return state_->Quitting(); }
-
- private:
-    const std::shared_ptr<LoopState> state_ = std::make_shared<LoopState>();
+    EventQueue events_;
 };
 
 }  // namespace
 
 std::shared_ptr<EventLoop> MakeQtEventLoop() {
-    return std::make_shared<QtEventLoop>();
+    return std::make_shared<LoopFace<LoopState>>(std::make_shared<LoopState>());
 }
 
 }  // namespace kq

@@ -18,9 +18,10 @@
 
 #include <kqappsession/Error.h>
 
-#include "platform/win32/EventQueue.h"
+#include "platform/EventQueue.h"
+#include "platform/LoopFace.h"
+#include "platform/TimerTable.h"
 #include "platform/win32/MessageWindow.h"
-#include "platform/win32/TimerTable.h"
 #include "platform/win32/Win32Platform.h"
 #include "platform/win32/Winsock.h"
 
@@ -80,17 +81,16 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
 
     EventLoop::TimerId StartTimer(Milliseconds delay, Task task) {
         const std::uint64_t id = ++last_id_;
-        // Far enough for any wait, near enough for the clock to count.
-        constexpr Milliseconds kLongest = std::chrono::hours(24 * 365);
-        const TimePoint due = std::chrono::steady_clock::now() + std::clamp(delay, Milliseconds(0), kLongest);
-        timers_.Start(id, due, std::move(task));
+        timers_.Start(id, DueIn(delay), std::move(task));
         WakeOthersInTime();
         return id;
     }
 
     void CancelTimer(EventLoop::TimerId id) { timers_.Cancel(id); }
 
-    EventLoop::WatchId Watch(SOCKET socket, Readiness wanted, std::function<void(Readiness)> ready) {
+    EventLoop::WatchId Watch(EventLoop::NativeSocket native, Readiness wanted,
+                             std::function<void(Readiness)> ready) {
+        const auto socket = static_cast<SOCKET>(native);
         if (by_socket_.count(socket) != 0)
             Raise(RuntimeError::InvalidProcedureCall, "The socket is watched already.");
         if (WSAAsyncSelect(socket, window_->Get(), kSocket, kAllSocketEvents) != 0)
@@ -129,7 +129,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         while (!Ending()) {
             std::optional<Event> event = events_.Take(last);
             if (!event) break;
-            RunEvent(std::move(*event));
+            Run(std::move(*event));
         }
         // A window that is never satisfied must not keep us here.
         for (int most = 1000; most > 0 && !Ending(); --most) {
@@ -284,25 +284,13 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         events_.ReleasePump();
         std::optional<Event> event = events_.Take();
         EnsurePump();
-        if (event) RunEvent(std::move(*event));
+        if (event) Run(std::move(*event));
     }
 
-    void RunEvent(Event event) {
-        try {
-            switch (event.kind) {
-                case Event::Kind::Post:
-                    event.task();
-                    break;
-                case Event::Kind::Timer:
-                    if (const Task task = timers_.Finish(event.id)) task();
-                    break;
-                case Event::Kind::Watch:
-                    CallWatch(event.id);
-                    break;
-            }
-        } catch (...) {
-            ReportStrayException(std::current_exception());
-        }
+    void Run(Event event) {
+        RunEvent(
+            std::move(event), [this](std::uint64_t id) { timers_.Run(id); },
+            [this](std::uint64_t id) { CallWatch(id); });
     }
 
     void CallWatch(std::uint64_t id) {
@@ -336,40 +324,12 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
     std::atomic<bool> closed_{false};
 };
 
-class Win32EventLoop final : public EventLoop {
- public:
-    Win32EventLoop() { state_->Open(); }
-    ~Win32EventLoop() override { state_->Close(); }
-
-    TimePoint Now() const override { return std::chrono::steady_clock::now(); }
-    void Post(Task task) override { state_->Post(std::move(task)); }
-    TimerId StartTimer(Milliseconds delay, Task task) override {
-        return state_->StartTimer(delay, std::move(task));
-    }
-    void CancelTimer(TimerId id) override { state_->CancelTimer(id); }
-    WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) override {
-        return state_->Watch(static_cast<SOCKET>(socket), wanted, std::move(ready));
-    }
-    void ChangeWatch(WatchId id, Readiness wanted) override { state_->ChangeWatch(id, wanted); }
-    void Unwatch(WatchId id) override { state_->Unwatch(id); }
-    void ProcessPending() override { state_->ProcessPending(); }
-    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) override {
-        return state_->RunUntil(done, deadline);
-    }
-    void Run() override {
-        state_->RunUntil([] { return false; }, TimePoint::max());
-    }
-    void Quit() override { state_->Quit(); }
-    bool Quitting() const override { return state_->Quitting(); }
-
- private:
-    std::shared_ptr<LoopState> state_ = std::make_shared<LoopState>();
-};
-
 }  // namespace
 
 std::shared_ptr<EventLoop> MakeWin32EventLoop() {
-    return std::make_shared<Win32EventLoop>();
+    auto state = std::make_shared<LoopState>();
+    state->Open();
+    return std::make_shared<LoopFace<LoopState>>(std::move(state));
 }
 
 }  // namespace kq

@@ -1,5 +1,6 @@
-// The events that wait to be run, one after the other, and the one pump message that is on its way for them.
-// May be used from any thread.
+// What an event loop of ours is built on, whatever system or toolkit calls it: the events that wait to be
+// run, one after the other, and the one pump that is on its way for them, a message or a posted task that
+// takes one event out and runs it. May be used from any thread.
 #pragma once
 
 #include <deque>
@@ -8,6 +9,7 @@
 #include <utility>
 
 #include <kqappsession/EventLoop.h>
+#include <kqappsession/Signal.h>
 
 namespace kq {
 
@@ -19,6 +21,26 @@ struct Event {
     std::uint64_t id;      // of the timer or watch
     EventLoop::Task task;  // of a post
 };
+
+// Runs a post, or calls on_timer or on_watch with the id. What it throws is reported and ends here.
+template <class OnTimer, class OnWatch>
+void RunEvent(Event event, OnTimer&& on_timer, OnWatch&& on_watch) {
+    try {
+        switch (event.kind) {
+            case Event::Kind::Post:
+                event.task();
+                break;
+            case Event::Kind::Timer:
+                on_timer(event.id);
+                break;
+            case Event::Kind::Watch:
+                on_watch(event.id);
+                break;
+        }
+    } catch (...) {
+        ReportStrayException(std::current_exception());
+    }
+}
 
 class EventQueue {
  public:

@@ -1,6 +1,8 @@
 // Timers by number and by due time.
 #pragma once
 
+#include <algorithm>
+#include <chrono>
 #include <map>
 #include <optional>
 #include <set>
@@ -9,6 +11,12 @@
 #include <kqappsession/EventLoop.h>
 
 namespace kq {
+
+// The moment after a delay: far enough for any wait, near enough for the clock to count.
+inline EventLoop::TimePoint DueIn(Milliseconds delay) {
+    constexpr Milliseconds kLongest = std::chrono::hours(24 * 365);
+    return std::chrono::steady_clock::now() + std::clamp(delay, Milliseconds(0), kLongest);
+}
 
 class TimerTable {
  public:
@@ -35,10 +43,9 @@ class TimerTable {
         return waiting_.extract(waiting_.begin()).value().second;
     }
 
-    // The task of a timer that was told, nothing when it was cancelled since. The timer is over.
-    EventLoop::Task Finish(EventLoop::TimerId id) {
-        auto node = timers_.extract(id);
-        return node ? std::move(node.mapped().task) : EventLoop::Task();
+    // Runs the task of a timer that was told, unless it was cancelled since. The timer is over.
+    void Run(EventLoop::TimerId id) {
+        if (const auto node = timers_.extract(id)) node.mapped().task();
     }
 
     void Clear() {
