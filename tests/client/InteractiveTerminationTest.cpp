@@ -1,44 +1,23 @@
 // A client that is terminated or dropped while a dialog of its login is open: the dialog goes, nothing is
 // kept.
-#include "client/LoginFixture.h"
+#include "client/InteractiveFixture.h"
 
 namespace kq {
 namespace {
 
-class InteractiveTerminationTest : public LoginFixture {
+class InteractiveTerminationTest : public InteractiveFixture {
  protected:
-    InteractiveTerminationTest() : LoginFixture(FakePlatform::Face::WithDialogs), user(*machine.dialogs) {
-        StoreServer(FakeZeb::kAddress, "7710");
-    }
-    ~InteractiveTerminationTest() override {
-        EXPECT_EQ(user.ScriptsLeft(), 0U);
-        EXPECT_EQ(user.OpenWindows(), 0U);
-    }
-    void StoreServer(const std::string& address, const std::string& port) {
-        Settings().SetSetting("Address", address);
-        Settings().SetSetting("Port", port);
-    }
-    void LogsIn() {
-        user.Expect("frmLogin", [](FakeUser& at) {
-            at.Types("txtLoginID", "bob");
-            at.Types("txtPassword", "secret word");
-            at.Clicks("cmdOK");
-        });
-    }
     // While the form is open, and once it has gone, the login has ended.
     void ExpectTheEndAt(const std::string& form, const std::function<void()>& end) {
         user.Expect(form, [&](FakeUser& at) {
             end();
             EXPECT_FALSE(at.IsOpen());
         });
-        EXPECT_EQ(ErrorOf([this] { client->SystemLogin(true, login); }).Number(),
-                  static_cast<std::int32_t>(NetError::Interrupted));
+        EXPECT_EQ(ErrorOf([this] { Login(); }).Number(), static_cast<std::int32_t>(NetError::Interrupted));
     }
     std::function<void()> Terminates() {
         return [this] { client->TerminateClient(); };
     }
-
-    FakeDialogHost& user;
 };
 
 TEST_F(InteractiveTerminationTest, ClosesTheLoginDialogAndKeepsNothing) {
@@ -70,7 +49,7 @@ TEST_F(InteractiveTerminationTest, ClosesThePasswordDialog) {
 
 TEST_F(InteractiveTerminationTest, ClosesTheProfilesDialog) {
     user.Expect("frmLogin", [](FakeUser& at) {
-        at.Types("txtLoginID", "bob");
+        at.Types("txtLoginID", "ann");
         at.Types("txtPassword", "secret word");
         at.Clicks("cmdShowHide");
         at.Ticks("chkAskForProfile");
@@ -88,13 +67,13 @@ TEST_F(InteractiveTerminationTest, EndsADownloadWithoutAQuestion) {
         client->TerminateClient();
         EXPECT_FALSE(at.IsOpen());
     });
-    EXPECT_EQ(ErrorOf([this] { client->SystemLogin(true, login); }).Number(),
-              static_cast<std::int32_t>(NetError::Interrupted));
+    EXPECT_EQ(ErrorOf([this] { Login(); }).Number(), static_cast<std::int32_t>(NetError::Interrupted));
     EXPECT_EQ(user.Boxes().size(), 1U);  // the offer
 }
 
 TEST_F(InteractiveTerminationTest, ClosesTheDialogOfAChangedConfiguration) {
-    ASSERT_TRUE(SystemLogin());
+    LogsIn();
+    ASSERT_TRUE(Login());
     user.Expect("frmServer", [&](FakeUser& at) {
         at.Types("txtAddress", "elsewhere.example");
         client->TerminateClient();
@@ -118,7 +97,7 @@ TEST_F(InteractiveTerminationTest, TheServerDialogOfALoginHasNoIcon) {
         EXPECT_EQ(at.Window().FormIcon(), login.AppIcon);
         at.Clicks("cmdCancel");
     });
-    EXPECT_FALSE(client->SystemLogin(true, login));
+    EXPECT_FALSE(Login());
 }
 
 }  // namespace
