@@ -1,6 +1,7 @@
 // Real windows of forms whose handlers hide, unload and drop them while the window is being drawn.
 #include <QLineEdit>
 #include <QPointer>
+#include <functional>
 
 #include <gtest/gtest.h>
 
@@ -33,6 +34,22 @@ class WindowOfAForm : public testing::Test {
     void Goes(const QPointer<QWidget>& window) {
         stage.Await([&] { return !window; }, "the window to go");
     }
+    // What is done to the control with the focus hands the focus on, and the handler of the next one unloads.
+    void ExpectUnloadedWhen(const std::function<void(Control&)>& done) {
+        QPointer<QWidget> window;
+        stage.When("frmTest", [&](QWidget& shown) {
+            window = &shown;
+            stage.Await([&] { return In(shown, "txtOne").hasFocus(); }, "the focus");
+            form->At("txtTwo").OnGotFocus([&] { UnloadsAndDrops(); });
+            const std::shared_ptr<Form> held = form;
+            done(held->At("txtOne"));
+            EXPECT_EQ(unloaded, 1);
+        });
+        const std::shared_ptr<Form> shown = form;
+        shown->ShowModal();
+        EXPECT_EQ(unloaded, 1);
+        Goes(window);
+    }
 
     Stage stage;
     std::shared_ptr<Form> form = Form::Load(stage.Machine(), Row());
@@ -49,34 +66,11 @@ TEST_F(WindowOfAForm, MayBeUnloadedAsSoonAsItGetsTheFocus) {
 }
 
 TEST_F(WindowOfAForm, MayBeUnloadedWhenAControlThatIsHiddenHandsItsFocusOn) {
-    QPointer<QWidget> window;
-    stage.When("frmTest", [&](QWidget& shown) {
-        window = &shown;
-        stage.Await([&] { return In(shown, "txtOne").hasFocus(); }, "the focus");
-        form->At("txtTwo").OnGotFocus([&] { UnloadsAndDrops(); });
-        const std::shared_ptr<Form> held = form;
-        held->At("txtOne").SetVisible(false);
-        EXPECT_EQ(unloaded, 1);
-    });
-    const std::shared_ptr<Form> shown = form;
-    shown->ShowModal();
-    EXPECT_EQ(unloaded, 1);
-    Goes(window);
+    ExpectUnloadedWhen([](Control& focused) { focused.SetVisible(false); });
 }
 
 TEST_F(WindowOfAForm, MayBeUnloadedWhenAControlThatIsDisabledHandsItsFocusOn) {
-    QPointer<QWidget> window;
-    stage.When("frmTest", [&](QWidget& shown) {
-        window = &shown;
-        stage.Await([&] { return In(shown, "txtOne").hasFocus(); }, "the focus");
-        form->At("txtTwo").OnGotFocus([&] { UnloadsAndDrops(); });
-        const std::shared_ptr<Form> held = form;
-        held->At("txtOne").SetEnabled(false);
-        EXPECT_EQ(unloaded, 1);
-    });
-    const std::shared_ptr<Form> shown = form;
-    shown->ShowModal();
-    Goes(window);
+    ExpectUnloadedWhen([](Control& focused) { focused.SetEnabled(false); });
 }
 
 TEST_F(WindowOfAForm, MayBeUnloadedWhileItsUserTypes) {
