@@ -1,0 +1,46 @@
+// The public face of an event loop over the state that it is made of. A wait holds the state, so that the
+// loop object may be destroyed by a task that it runs.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+#include <kqappsession/EventLoop.h>
+
+namespace kq {
+
+// State: the members of EventLoop without Now and Run, and Close, after which nothing is called any more and
+// nothing of the callers' is kept.
+template <class State>
+class LoopFace final : public EventLoop {
+ public:
+    explicit LoopFace(std::shared_ptr<State> state) : state_(std::move(state)) {}
+    ~LoopFace() override { state_->Close(); }
+
+    TimePoint Now() const override { return std::chrono::steady_clock::now(); }
+    void Post(Task task) override { state_->Post(std::move(task)); }
+    TimerId StartTimer(Milliseconds delay, Task task) override {
+        return state_->StartTimer(delay, std::move(task));
+    }
+    void CancelTimer(TimerId id) override { state_->CancelTimer(id); }
+    WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) override {
+        return state_->Watch(socket, wanted, std::move(ready));
+    }
+    void ChangeWatch(WatchId id, Readiness wanted) override { state_->ChangeWatch(id, wanted); }
+    void Unwatch(WatchId id) override { state_->Unwatch(id); }
+    void ProcessPending() override { state_->ProcessPending(); }
+    bool RunUntil(const std::function<bool()>& done, TimePoint deadline) override {
+        return state_->RunUntil(done, deadline);
+    }
+    void Run() override {
+        state_->RunUntil([] { return false; }, TimePoint::max());
+    }
+    void Quit() override { state_->Quit(); }
+    bool Quitting() const override { return state_->Quitting(); }
+
+ private:
+    std::shared_ptr<State> state_;
+};
+
+}  // namespace kq
