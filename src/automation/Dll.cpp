@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "automation/CoclassTable.h"
+#include "automation/Counted.h"
 #include "automation/Guard.h"
 #include "automation/Module.h"
 #include "automation/Registration.h"
@@ -12,26 +13,9 @@
 namespace kq::automation {
 namespace {
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public Counted<IClassFactory> {
  public:
     explicit ClassFactory(const CoclassEntry& entry) : entry_(entry) {}
-    virtual ~ClassFactory() = default;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-        if (!out) return E_POINTER;
-        *out = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
-        if (!*out) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override {
-        return static_cast<ULONG>(InterlockedIncrement(&references_));
-    }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = InterlockedDecrement(&references_);
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
-    }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
         return Guard(iid, [&] {
@@ -48,8 +32,6 @@ class ClassFactory final : public IClassFactory {
 
  private:
     const CoclassEntry& entry_;
-    LONG references_ = 1;
-    Living living_;
 };
 
 }  // namespace

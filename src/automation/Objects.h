@@ -63,6 +63,8 @@ std::shared_ptr<Statistics> Unwrap(IUnknown* object);
 
 // What a block holds, as hosts see it: a text, for raw data an array of bytes.
 Variant DataOf(const Block& block);
+// The core's value; one that it does not know raises error 5.
+DataType DataTypeOf(::APDataType type);
 
 // An argument by reference, as the core takes it.
 inline std::string In(BSTR* text) {

@@ -8,36 +8,20 @@
 #include <vector>
 
 #include "automation/Convert.h"
+#include "automation/Counted.h"
 #include "automation/Guard.h"
-#include "automation/Module.h"
 
 namespace kq::automation {
 
 // Interface: an IEnum... of items; Item: holds one and gives out a copy by `Raw CopyOut() const`.
 template <class Interface, class Item, class Raw>
-class Snapshot final : public Interface {
+class Snapshot final : public Counted<Interface> {
  public:
     using Items = std::shared_ptr<const std::vector<Item>>;
 
     static Ptr<Interface> Create(std::vector<Item> items) {
         return Ptr<Interface>::Attach(
             new Snapshot(std::make_shared<const std::vector<Item>>(std::move(items)), 0));
-    }
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-        if (!out) return E_POINTER;
-        *out = iid == IID_IUnknown || iid == __uuidof(Interface) ? static_cast<Interface*>(this) : nullptr;
-        if (!*out) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override {
-        return static_cast<ULONG>(InterlockedIncrement(&references_));
-    }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = InterlockedDecrement(&references_);
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
     }
 
     HRESULT STDMETHODCALLTYPE Next(ULONG count, Raw* out, ULONG* fetched) override {
@@ -66,10 +50,7 @@ class Snapshot final : public Interface {
 
  private:
     Snapshot(Items items, std::size_t next) : items_(std::move(items)), next_(next) {}
-    virtual ~Snapshot() = default;
 
-    LONG references_ = 1;
-    Living living_;
     Items items_;
     std::size_t next_;
 };

@@ -10,19 +10,9 @@ namespace {
 
 enum Event : DISPID { kDisconnected = 1, kError, kProgress, kReceive };
 
-// The core's value of an enumeration; one that it does not know raises error 5 there or here.
-DataType DataTypeOf(::APDataType type) {
-    if (type != apdtRaw && type != apdtAny && type != apdtXML) Raise(RuntimeError::InvalidProcedureCall);
-    return static_cast<DataType>(type);
-}
-
 ReceiveMode ReceiveModeOf(::APReceiveMode mode) {
     if (mode != aprmEvents && mode != aprmTake) Raise(RuntimeError::InvalidProcedureCall);
     return static_cast<ReceiveMode>(mode);
-}
-
-std::int32_t CountOf(std::int64_t bytes) {
-    return LongOf(static_cast<std::size_t>(bytes));
 }
 
 const XMLMessage& MessageIn(::_XMLMessage* object) {
@@ -47,16 +37,17 @@ class BlockObject final : public Object<BlockObject, Block, ::_Block, ::Block> {
 };
 
 class APClientObject final
-    : public Object<APClientObject, APClient, ::_APClient, ::APClient, EventSource<::_APClientEvents>> {
+    : public LimitProperties<
+          Object<APClientObject, APClient, ::_APClient, ::APClient, EventSource<::_APClientEvents>>> {
  public:
-    explicit APClientObject(CorePtr core) : Object(std::move(core)) {
+    explicit APClientObject(CorePtr core) : LimitProperties(std::move(core)) {
         core_->Disconnected.Connect(owner_, [this] { Fire(kDisconnected, [] { return Arguments(); }); });
         core_->Error.Connect(owner_, [this](std::int32_t number, const std::string& description) {
             Fire(kError, [&] { return Arguments(number, description); });
         });
         core_->Progress.Connect(
             owner_, [this](const std::string& tag, std::int64_t received, std::int64_t total) {
-                Fire(kProgress, [&] { return Arguments(tag, CountOf(received), CountOf(total)); });
+                Fire(kProgress, [&] { return Arguments(tag, LongOf(received), LongOf(total)); });
             });
         core_->Receive.Connect(owner_, [this](const Block& block) {
             Fire(kReceive,
@@ -83,7 +74,7 @@ class APClientObject final
         return Do([&] { core_->SendText(TextOf(Text), TextOf(Tag)); });
     }
     HRESULT STDMETHODCALLTYPE SendBytes(VARIANT Bytes, BSTR Tag) override {
-        return Do([&] { core_->SendBytes(automation::BytesOf(Bytes), TextOf(Tag)); });
+        return Do([&] { core_->SendBytes(BytesOf(Bytes), TextOf(Tag)); });
     }
     HRESULT STDMETHODCALLTYPE TakeBlock(long TimeOut, ::_Block** Result) override {
         return Get(Result, [&] {
@@ -109,41 +100,11 @@ class APClientObject final
     HRESULT STDMETHODCALLTYPE put_SendType(::APDataType Value) override {
         return Do([&] { core_->SetSendType(DataTypeOf(Value)); });
     }
-    HRESULT STDMETHODCALLTYPE get_ReceiveType(::APDataType* Result) override {
-        return Get(Result, [&] { return core_->ReceiveType(); });
-    }
-    HRESULT STDMETHODCALLTYPE put_ReceiveType(::APDataType Value) override {
-        return Do([&] { core_->SetReceiveType(DataTypeOf(Value)); });
-    }
-    HRESULT STDMETHODCALLTYPE get_FrameLimit(long* Result) override {
-        return Get(Result, [&] { return LongOf(core_->Limits().frame); });
-    }
-    HRESULT STDMETHODCALLTYPE put_FrameLimit(long Value) override {
-        return Do([&] { SetLimit(*core_, &APLimits::frame, Value); });
-    }
-    HRESULT STDMETHODCALLTYPE get_AdmittedFrameLimit(long* Result) override {
-        return Get(Result, [&] { return LongOf(core_->Limits().admitted_frame); });
-    }
-    HRESULT STDMETHODCALLTYPE put_AdmittedFrameLimit(long Value) override {
-        return Do([&] { SetLimit(*core_, &APLimits::admitted_frame, Value); });
-    }
     HRESULT STDMETHODCALLTYPE get_RawFrameLimit(long* Result) override {
-        return Get(Result, [&] { return LongOf(core_->Limits().raw_frame); });
+        return GetLimit(Result, &APLimits::raw_frame);
     }
     HRESULT STDMETHODCALLTYPE put_RawFrameLimit(long Value) override {
-        return Do([&] { SetLimit(*core_, &APLimits::raw_frame, Value); });
-    }
-    HRESULT STDMETHODCALLTYPE get_UnsentLimit(long* Result) override {
-        return Get(Result, [&] { return LongOf(core_->Limits().unsent); });
-    }
-    HRESULT STDMETHODCALLTYPE put_UnsentLimit(long Value) override {
-        return Do([&] { SetLimit(*core_, &APLimits::unsent, Value); });
-    }
-    HRESULT STDMETHODCALLTYPE get_FirstFrameTimeOut(long* Result) override {
-        return Get(Result, [&] { return CountOf(core_->Limits().first_frame.count()); });
-    }
-    HRESULT STDMETHODCALLTYPE put_FirstFrameTimeOut(long Value) override {
-        return Do([&] { SetFirstFrameTimeOut(*core_, Value); });
+        return PutLimit(&APLimits::raw_frame, Value);
     }
     HRESULT STDMETHODCALLTYPE Admit() override {
         return Do([&] { core_->Admit(); });
@@ -175,6 +136,11 @@ class APClientObject final
 
 Variant DataOf(const Block& block) {
     return block.data_type == DataType::Raw ? VariantOfBytes(block.data) : VariantOf(block.data);
+}
+
+DataType DataTypeOf(::APDataType type) {
+    if (type != apdtRaw && type != apdtAny && type != apdtXML) Raise(RuntimeError::InvalidProcedureCall);
+    return static_cast<DataType>(type);
 }
 
 Ptr<::_Block> Wrap(std::shared_ptr<Block> block) {

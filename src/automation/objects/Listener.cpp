@@ -12,11 +12,12 @@ namespace {
 enum Event : DISPID { kAccepted = 1, kReceive, kDisconnected, kClientError, kError };
 
 class ListenerObject final
-    : public Object<ListenerObject, Listener, ::_Listener, ::Listener, EventSource<::_ListenerEvents>> {
+    : public LimitProperties<
+          Object<ListenerObject, Listener, ::_Listener, ::Listener, EventSource<::_ListenerEvents>>> {
  public:
     using ClientPtr = kq::Listener::ClientPtr;
 
-    explicit ListenerObject(CorePtr core) : Object(std::move(core)) {
+    explicit ListenerObject(CorePtr core) : LimitProperties(std::move(core)) {
         core_->Accepted.Connect(owner_, [this](const ClientPtr& client) {
             Fire(kAccepted, [&] { return Arguments(Wrap(client)); });
         });
@@ -72,17 +73,6 @@ class ListenerObject final
             return EnumeratorOver(core_->Clients(), [](const ClientPtr& client) { return Wrap(client); });
         });
     }
-    HRESULT STDMETHODCALLTYPE get_ReceiveType(::APDataType* Result) override {
-        return Get(Result, [&] { return core_->ReceiveType(); });
-    }
-    HRESULT STDMETHODCALLTYPE put_ReceiveType(::APDataType Value) override {
-        return Do([&] {
-            if (Value != apdtRaw && Value != apdtAny && Value != apdtXML) {
-                Raise(RuntimeError::InvalidProcedureCall);
-            }
-            core_->SetReceiveType(static_cast<DataType>(Value));
-        });
-    }
     HRESULT STDMETHODCALLTYPE get_KeepAlive(VARIANT_BOOL* Result) override {
         return Get(Result, [&] { return core_->KeepAlive(); });
     }
@@ -94,30 +84,6 @@ class ListenerObject final
     }
     HRESULT STDMETHODCALLTYPE put_MaxClients(long Value) override {
         return Do([&] { core_->SetMaxClients(static_cast<std::int32_t>(Value)); });
-    }
-    HRESULT STDMETHODCALLTYPE get_FrameLimit(long* Result) override {
-        return Get(Result, [&] { return LongOf(core_->Limits().frame); });
-    }
-    HRESULT STDMETHODCALLTYPE put_FrameLimit(long Value) override {
-        return Do([&] { SetLimit(*core_, &APLimits::frame, Value); });
-    }
-    HRESULT STDMETHODCALLTYPE get_AdmittedFrameLimit(long* Result) override {
-        return Get(Result, [&] { return LongOf(core_->Limits().admitted_frame); });
-    }
-    HRESULT STDMETHODCALLTYPE put_AdmittedFrameLimit(long Value) override {
-        return Do([&] { SetLimit(*core_, &APLimits::admitted_frame, Value); });
-    }
-    HRESULT STDMETHODCALLTYPE get_UnsentLimit(long* Result) override {
-        return Get(Result, [&] { return LongOf(core_->Limits().unsent); });
-    }
-    HRESULT STDMETHODCALLTYPE put_UnsentLimit(long Value) override {
-        return Do([&] { SetLimit(*core_, &APLimits::unsent, Value); });
-    }
-    HRESULT STDMETHODCALLTYPE get_FirstFrameTimeOut(long* Result) override {
-        return Get(Result, [&] { return static_cast<std::int32_t>(core_->Limits().first_frame.count()); });
-    }
-    HRESULT STDMETHODCALLTYPE put_FirstFrameTimeOut(long Value) override {
-        return Do([&] { SetFirstFrameTimeOut(*core_, Value); });
     }
 
  private:
