@@ -5,12 +5,11 @@
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
 
-extern char** environ;
+#include "tools/Spawn.h"
 
 namespace kq {
 namespace {
@@ -23,14 +22,6 @@ struct Pipe {
     }
     std::array<int, 2> ends{-1, -1};
 };
-
-std::vector<char*> Pointers(const std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (const auto& text : texts)
-        pointers.push_back(const_cast<char*>(text.c_str()));
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 void Close(int& descriptor) {
     if (descriptor >= 0) close(descriptor);
@@ -58,11 +49,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command,
     posix_spawn_file_actions_adddup2(&actions, input.ends[0], STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, output.ends[1], STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, errors.ends[1], STDERR_FILENO);
-    std::vector<std::string> variables = environment;  // getenv finds the first of a name
-    for (char** variable = environ; *variable != nullptr; ++variable)
-        variables.emplace_back(*variable);
-    const int error = posix_spawn(&pid_, command.front().c_str(), &actions, nullptr, Pointers(command).data(),
-                                  Pointers(variables).data());
+    pid_ = Spawn(command, environment, actions);
     posix_spawn_file_actions_destroy(&actions);
     close(input.ends[0]);
     close(output.ends[1]);
@@ -70,7 +57,6 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command,
     input_ = input.ends[1];
     output_pipe_ = output.ends[0];
     error_pipe_ = errors.ends[0];
-    if (error != 0) throw std::runtime_error("cannot start " + command.front());
 }
 
 ChildProcess::~ChildProcess() {
@@ -115,7 +101,7 @@ int ChildProcess::ExitCode() {
         int status = 0;
         waitpid(pid_, &status, 0);
         pid_ = -1;
-        exit_code_ = WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+        exit_code_ = ExitCodeFrom(status);
     }
     return exit_code_;
 }

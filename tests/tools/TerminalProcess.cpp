@@ -6,27 +6,18 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
-#include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
-extern char** environ;
+#include "tools/Spawn.h"
 
 namespace kq {
 namespace {
 
 constexpr int kPatience = 30'000;  // ms
 constexpr int kGlance = 20;        // ms
-
-std::vector<char*> Pointers(const std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (const auto& text : texts)
-        pointers.push_back(const_cast<char*>(text.c_str()));
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 }  // namespace
 
@@ -46,14 +37,9 @@ TerminalProcess::TerminalProcess(const std::vector<std::string>& command,
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-    std::vector<std::string> variables = environment;  // getenv finds the first of a name
-    for (char** variable = environ; *variable != nullptr; ++variable)
-        variables.emplace_back(*variable);
-    const int error = posix_spawn(&pid_, command.front().c_str(), &actions, &attributes,
-                                  Pointers(command).data(), Pointers(variables).data());
+    pid_ = Spawn(command, environment, actions, &attributes);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) throw std::runtime_error("cannot start " + command.front());
 }
 
 TerminalProcess::~TerminalProcess() {
@@ -104,7 +90,7 @@ int TerminalProcess::ExitCode() {
         int status = 0;
         if (waitpid(pid_, &status, WNOHANG) == pid_) {
             pid_ = -1;
-            exit_code_ = WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+            exit_code_ = ExitCodeFrom(status);
         } else if (Clock::now() > deadline) {
             throw std::runtime_error("the program does not end after:\n" + screen_);
         }
