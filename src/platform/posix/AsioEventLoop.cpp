@@ -9,7 +9,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <poll.h>
 #include <utility>
 #include <vector>
 
@@ -24,6 +23,7 @@
 
 #include "platform/EventQueue.h"
 #include "platform/LoopFace.h"
+#include "platform/Readiness.h"
 #include "platform/TimerTable.h"
 #include "platform/posix/PosixPlatform.h"
 
@@ -58,16 +58,6 @@ struct Timed {
     asio::steady_timer timer;
     Task task;
 };
-
-Readiness ReadyNow(int fd, Readiness wanted) {
-    pollfd asked{fd, static_cast<short>((wanted.readable ? POLLIN : 0) | (wanted.writable ? POLLOUT : 0)), 0};
-    const int answered = ::poll(&asked, 1, 0);
-    if (answered < 0) return wanted;  // it cannot be asked: what was reported before stands
-    if (answered == 0) return {};
-    const bool broken = (asked.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
-    return {wanted.readable && (broken || (asked.revents & POLLIN) != 0),
-            wanted.writable && (broken || (asked.revents & POLLOUT) != 0)};
-}
 
 // Everything the loop is made of. Completions hold it weakly; a wait holds it firmly, so that the loop may be
 // destroyed by a task that it runs.

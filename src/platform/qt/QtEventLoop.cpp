@@ -27,6 +27,7 @@
 
 #include "platform/EventQueue.h"
 #include "platform/LoopFace.h"
+#include "platform/Readiness.h"
 #include "platform/TimerTable.h"
 
 namespace kq {
@@ -68,16 +69,7 @@ struct Watched {
         writing.setEnabled(wanted.writable && !queued);
     }
     // Asked again when its turn has come: what was ready may have been consumed or be unwanted since.
-    Readiness ReadyNow() const {
-        pollfd asked{static_cast<int>(reading.socket()),
-                     static_cast<short>((wanted.readable ? POLLIN : 0) | (wanted.writable ? POLLOUT : 0)), 0};
-        const int answered = ::poll(&asked, 1, 0);
-        if (answered < 0) return wanted;  // it cannot be asked: what was reported before stands
-        if (answered == 0) return {};
-        const bool broken = (asked.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
-        return {wanted.readable && (broken || (asked.revents & POLLIN) != 0),
-                wanted.writable && (broken || (asked.revents & POLLOUT) != 0)};
-    }
+    Readiness ReadyNow() const { return kq::ReadyNow(static_cast<int>(reading.socket()), wanted); }
 
     QSocketNotifier reading, writing;
     Readiness wanted;

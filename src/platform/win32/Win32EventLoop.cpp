@@ -20,6 +20,7 @@
 
 #include "platform/EventQueue.h"
 #include "platform/LoopFace.h"
+#include "platform/Readiness.h"
 #include "platform/TimerTable.h"
 #include "platform/win32/MessageWindow.h"
 #include "platform/win32/Win32Platform.h"
@@ -48,22 +49,6 @@ struct Watched {
 
 bool HasPeer(SOCKET socket) {
     return RemoteAddressOf(socket).length != 0;
-}
-
-// A connection attempt that failed is neither readable nor writable here but an exception, as are urgent
-// bytes of a connection, which mean nothing.
-Readiness ReadyNow(SOCKET socket, Readiness wanted) {
-    fd_set only{};
-    only.fd_count = 1;
-    only.fd_array[0] = socket;
-    fd_set readable = wanted.readable ? only : fd_set{};
-    fd_set writable = wanted.writable ? only : fd_set{};
-    fd_set failed = only;
-    timeval at_once{0, 0};
-    if (select(0, &readable, &writable, &failed, &at_once) <= 0) return {};
-    const bool broken = failed.fd_count != 0 && !HasPeer(socket);
-    return {wanted.readable && (broken || readable.fd_count != 0),
-            wanted.writable && (broken || writable.fd_count != 0)};
 }
 
 // Everything the loop is made of. A wait holds it firmly, so that the loop may be destroyed by a task that it
@@ -325,6 +310,23 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
 };
 
 }  // namespace
+
+// A connection attempt that failed is neither readable nor writable here but an exception, as are urgent
+// bytes of a connection, which mean nothing.
+Readiness ReadyNow(EventLoop::NativeSocket native, Readiness wanted) {
+    const auto socket = static_cast<SOCKET>(native);
+    fd_set only{};
+    only.fd_count = 1;
+    only.fd_array[0] = socket;
+    fd_set readable = wanted.readable ? only : fd_set{};
+    fd_set writable = wanted.writable ? only : fd_set{};
+    fd_set failed = only;
+    timeval at_once{0, 0};
+    if (select(0, &readable, &writable, &failed, &at_once) <= 0) return {};
+    const bool broken = failed.fd_count != 0 && !HasPeer(socket);
+    return {wanted.readable && (broken || readable.fd_count != 0),
+            wanted.writable && (broken || writable.fd_count != 0)};
+}
 
 std::shared_ptr<EventLoop> MakeWin32EventLoop() {
     auto state = std::make_shared<LoopState>();
