@@ -157,7 +157,8 @@ bool KQAppSessClient::ChangeConfiguration() {
     const auto state = state_;
     if (!state->config) state->texts.RaiseASError(kqaserrLoginSessionRequired);
     const Procedure procedure(*state);
-    return kq::ChangeConfiguration(*state, *state->config);
+    SessConfig config = *state->config;  // the host may open another while its user is asked
+    return kq::ChangeConfiguration(*state, config);
 }
 
 bool KQAppSessClient::UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port,

@@ -75,7 +75,7 @@ bool SystemLogin::Run() {
 }
 
 void SystemLogin::Prepare() {
-    SessConfig& config = state_.OpenConfig(arguments_.AppID);
+    SessConfig& config = config_.emplace(state_.OpenConfig(arguments_.AppID));
     if (const std::string old_client = config.Setting("LastDownloadedClient", ""); !old_client.empty()) {
         state_.platform->folders->DeleteFile(old_client);
         config.SetSetting("LastDownloadedClient", "");
@@ -124,9 +124,8 @@ LoginStates SystemLogin::Meet(LoginFailure failure, const Args& question, const 
 LoginStates SystemLogin::GetLoginInfo() {
     details_ = LoginDetails();
     attendant_->HideWait();
-    return attendant_->GetLoginInfo(*state_.config, arguments_, state_.use_profiles, details_)
-               ? lsAttemptConnectZEB
-               : lsFailed;
+    return attendant_->GetLoginInfo(*config_, arguments_, state_.use_profiles, details_) ? lsAttemptConnectZEB
+                                                                                         : lsFailed;
 }
 
 LoginStates SystemLogin::AttemptConnectZEB() {
@@ -176,7 +175,7 @@ LoginStates SystemLogin::CheckClientDownload() {
     attendant_->HideWait();
     bool try_again = false;
     if (const auto path = attendant_->DownloadClient(connection_, try_again)) {
-        state_.config->SetSetting("LastDownloadedClient", *path);
+        config_->SetSetting("LastDownloadedClient", *path);
         state_.platform->process->Start(*path);
         return lsFailed;
     }

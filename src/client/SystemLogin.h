@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <kqappsession/KQAppSessClient.h>
@@ -54,6 +55,8 @@ class SystemLogin {
     std::unique_ptr<LoginAttendant> attendant_;
     SystemLoginArguments arguments_;
 
+    std::optional<SessConfig>
+        config_;  // of this login, though the host opens another while its user is asked
     LoginDetails details_;
     std::shared_ptr<APClient> connection_;
     std::shared_ptr<XMLMessage> validation_;  // the reply that the checks read

@@ -17,6 +17,21 @@ TEST_F(InteractiveLoginTest, LogsInWithWhatTheUserTypes) {
     EXPECT_EQ(client->AppServerAddress(), FakeZeb::kAddress);
 }
 
+TEST_F(InteractiveLoginTest, KeepsTheAnswersInItsOwnSettingsThoughTheHostOpensOthersMeanwhile) {
+    XMLMessage other("SessionInfo", "1");
+    other.SetField("AppID", "Other");
+    user.Expect("frmLogin", [&](FakeUser& at) {
+        client->SetSystemLoginState(other.ToXML(), std::monostate(), std::make_shared<Profiles>(), "", "", 0,
+                                    5000);
+        at.Types("txtLoginID", "ann");
+        at.Types("txtPassword", "secret word");
+        at.Clicks("cmdOK");
+    });
+    EXPECT_TRUE(Login());
+    EXPECT_EQ(Settings().Setting("LoginID", ""), "ann");
+    EXPECT_EQ(Settings("Other").Setting("LoginID", "none"), "none");
+}
+
 TEST_F(InteractiveLoginTest, RemembersTheLoginIdAndThePreferences) {
     user.Expect("frmLogin", [](FakeUser& at) {
         at.Types("txtLoginID", "ann");
