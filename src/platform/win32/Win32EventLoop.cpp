@@ -5,6 +5,9 @@
 // removed watch takes its event along, and a wait inside a task goes on where the outer one stands, whoever
 // dispatches the messages: a wait of ours, the host's loop or a modal dialog's.
 //
+// Posted messages come before input, painting and timers of the thread's windows. So that a socket that is
+// always ready leaves them room, the pump rests from time to time: see Turns.
+//
 // Timers are counted here; the window's one timer only wakes the loops of others, for it comes after all
 // other messages and never in less than some 10 ms. The system tells of a socket once, when it becomes ready,
 // and again after something was done about it; every watch is asked anew after its callback to make this
@@ -23,6 +26,7 @@
 #include "platform/Readiness.h"
 #include "platform/TimerTable.h"
 #include "platform/win32/MessageWindow.h"
+#include "platform/win32/Turns.h"
 #include "platform/win32/Win32Platform.h"
 #include "platform/win32/Winsock.h"
 
@@ -36,6 +40,7 @@ using Readiness = EventLoop::Readiness;
 // The one range of messages that ProcessPending leaves alone.
 constexpr UINT kPump = WM_APP + 0x2A10;
 constexpr UINT kSocket = kPump + 1;
+constexpr UINT kPumpAgain = kPump + 2;
 constexpr UINT_PTR kTimer = 1;
 constexpr long kAllSocketEvents = FD_ACCEPT | FD_CONNECT | FD_READ | FD_WRITE | FD_CLOSE;
 
@@ -60,6 +65,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
             std::make_unique<MessageWindow>([weak = weak_from_this()](UINT message, WPARAM first, LPARAM) {
                 if (const auto self = weak.lock()) self->OnMessage(message, first);
             });
+        turns_ = std::make_unique<Turns>(window_->Get(), kPumpAgain);
     }
 
     void Post(Task task) { Push(Event::Kind::Post, 0, std::move(task)); }
@@ -118,7 +124,8 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         }
         // A window that is never satisfied must not keep us here.
         for (int most = 1000; most > 0 && !Ending(); --most) {
-            if (Dispatch(0, kPump - 1) != Dispatched::One && Dispatch(kSocket + 1, 0xFFFF) != Dispatched::One)
+            if (Dispatch(0, kPump - 1) != Dispatched::One &&
+                Dispatch(kPumpAgain + 1, 0xFFFF) != Dispatched::One)
                 break;
         }
     }
@@ -136,7 +143,10 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
                 case Dispatched::Quit:
                     return false;
                 case Dispatched::None:
-                    SleepUntil(deadline);
+                    if (turns_ && turns_->Resting())
+                        GoOn();
+                    else
+                        SleepUntil(deadline);
                     break;
             }
         }
@@ -161,6 +171,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         for (const auto& [id, watched] : watches)
             WSAAsyncSelect(watched->socket, window_->Get(), 0, 0);
         by_socket_.clear();
+        turns_.reset();
         window_.reset();
         timers_.Clear();
         events_.Clear();
@@ -189,6 +200,9 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
                 break;
             case kSocket:
                 OnSocket(static_cast<SOCKET>(first));
+                break;
+            case kPumpAgain:
+                if (turns_->Ask()) Pump();
                 break;
             case WM_TIMER:
                 KillTimer(window_->Get(), kTimer);
@@ -265,11 +279,23 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         if (events_.ClaimPump() && PostMessageW(window_->Get(), kPump, 0, 0) == 0) events_.ReleasePump();
     }
 
+    // While it is the others' turn the pump counts as on its way.
     void Pump() {
+        if (turns_->OthersFirst()) return;
+        TakeDueTimers();
         events_.ReleasePump();
         std::optional<Event> event = events_.Take();
         EnsurePump();
-        if (event) Run(std::move(*event));
+        if (!event) return;
+        const TimePoint start = std::chrono::steady_clock::now();
+        Run(std::move(*event));
+        if (turns_) turns_->Ran(std::chrono::steady_clock::now() - start);
+    }
+
+    // Nothing of the others is left, so their turn is over before its time.
+    void GoOn() {
+        turns_->GoOn();
+        Pump();
     }
 
     void Run(Event event) {
@@ -299,6 +325,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
 
     WinsockSession winsock_;
     std::unique_ptr<MessageWindow> window_;  // null once closed
+    std::unique_ptr<Turns> turns_;           // null once closed
     std::map<std::uint64_t, std::shared_ptr<Watched>> watches_;
     std::map<SOCKET, std::uint64_t> by_socket_;
     TimerTable timers_;

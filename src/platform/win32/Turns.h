@@ -1,0 +1,50 @@
+// Turns between the loop and the other users of its thread. The system hands out posted messages before
+// input, painting and timers, so a loop that posts to itself without a pause would keep all of these from the
+// windows of the thread. After a while of running the loop therefore rests, when any of them is waiting,
+// until none is or as much time has passed again.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+
+#include "platform/win32/Win32Api.h"
+
+namespace kq {
+
+class Turns {
+ public:
+    using Duration = std::chrono::steady_clock::duration;
+
+    // The longest turn of either side; an event that takes longer is not interrupted.
+    static constexpr std::chrono::milliseconds kLongest{10};
+
+    // `again`: the message that is posted to `window` while the loop rests, every millisecond or as often as
+    // the system can, but only one at a time: each ends with Ask.
+    Turns(HWND window, UINT again) : window_(window), again_(again) {}
+    Turns(const Turns&) = delete;
+    Turns& operator=(const Turns&) = delete;
+    ~Turns();
+
+    // Adds to what the loop has run.
+    void Ran(Duration time) { ran_ += time; }
+    // Whether it is the others' turn; asked before each event. From a true answer on the loop rests.
+    bool OthersFirst();
+    bool Resting() const { return resting_since_.has_value(); }
+    // The message has arrived: whether the loop goes on.
+    bool Ask();
+    void GoOn();
+
+ private:
+    static VOID CALLBACK OnTimer(PTP_CALLBACK_INSTANCE, PVOID turns, PTP_TIMER);
+    bool StartMessages();
+
+    HWND window_;
+    UINT again_;
+    PTP_TIMER timer_ = nullptr;  // of the system's thread pool: a window's timer comes after all painting
+    std::atomic<bool> on_its_way_{false};
+    Duration ran_{};
+    std::optional<std::chrono::steady_clock::time_point> resting_since_;
+};
+
+}  // namespace kq
