@@ -50,8 +50,6 @@ struct Watched {
     bool reading_awaited = false;
     bool writing_awaited = false;
     bool queued = false;  // an event of this watch is in the queue
-    bool calling =
-        false;  // its callback is running: awaited again afterwards, or when the loop runs inside it
 };
 
 struct Timed {
@@ -99,7 +97,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         const auto entry = watches_.find(id);
         if (entry == watches_.end()) return;
         entry->second->wanted = wanted;
-        Await(id, *entry->second, true);
+        Await(id, *entry->second);
     }
 
     void Unwatch(EventLoop::WatchId id) {
@@ -162,9 +160,8 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
               held_(std::exchange(state.holding_, false)) {
             if (outermost_ && state_.context_.stopped()) state_.context_.restart();
             guard_.emplace(state_.context_.get_executor());
-            for (const auto& [id, watched] : state_.watches_) {
-                if (watched->calling) state_.Await(id, *watched, true);
-            }
+            for (const std::uint64_t id : state_.being_called_)
+                state_.AwaitAgain(id);
             state_.EnsurePump();
         }
         Wait(const Wait&) = delete;
@@ -235,21 +232,26 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         // Asked again: what was ready may have been consumed or be unwanted since.
         const Readiness ready = ReadyNow(watched->descriptor.native_handle(), watched->wanted);
         if (ready.readable || ready.writable) {
-            const bool outer_call = std::exchange(watched->calling, true);
+            being_called_.push_back(id);
             try {
                 watched->ready(ready);
             } catch (...) {
                 ReportStrayException(std::current_exception());
             }
-            watched->calling = outer_call;
+            being_called_.pop_back();
         }
         // Also when this ran inside an outer callback of the same watch: the loop in there wants the next
         // event.
-        if (watches_.count(id) != 0) Await(id, *watched, true);
+        AwaitAgain(id);
     }
 
-    void Await(std::uint64_t id, Watched& watched, bool inside_callback = false) {
-        if (watched.queued || (watched.calling && !inside_callback)) return;
+    void AwaitAgain(std::uint64_t id) {
+        const auto entry = watches_.find(id);
+        if (entry != watches_.end()) Await(id, *entry->second);
+    }
+
+    void Await(std::uint64_t id, Watched& watched) {
+        if (watched.queued) return;
         using Side = asio::posix::stream_descriptor::wait_type;
         if (watched.wanted.readable && !std::exchange(watched.reading_awaited, true)) {
             AwaitSide(id, watched, Side::wait_read, &Watched::reading_awaited, &Readiness::readable);
@@ -278,6 +280,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
     std::unique_ptr<asio::io_context> own_;  // null with a host's context; goes last
     asio::io_context& context_;
     std::map<std::uint64_t, std::shared_ptr<Watched>> watches_;
+    std::vector<std::uint64_t> being_called_;  // awaited again afterwards, or when the loop runs inside
     std::map<std::uint64_t, Timed> timers_;
     std::uint64_t last_id_ = 0;
     bool holding_ = false;  // ProcessPending gathers; the pump runs nothing

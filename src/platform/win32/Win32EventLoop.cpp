@@ -18,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include <kqappsession/Error.h>
 
@@ -48,8 +49,7 @@ struct Watched {
     SOCKET socket;
     Readiness wanted;
     std::function<void(Readiness)> ready;
-    bool queued = false;   // an event of this watch is in the queue
-    bool calling = false;  // its callback is running
+    bool queued = false;  // an event of this watch is in the queue
 };
 
 bool HasPeer(SOCKET socket) {
@@ -184,9 +184,8 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
     class Wait {
      public:
         explicit Wait(LoopState& state) {
-            for (const auto& [id, watched] : state.watches_) {
-                if (watched->calling) state.Ask(id, *watched);
-            }
+            for (const std::uint64_t id : state.being_called_)
+                state.AskAgain(id);
             state.EnsurePump();
         }
     };
@@ -267,6 +266,11 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         Push(Event::Kind::Watch, id, {});
     }
 
+    void AskAgain(std::uint64_t id) {
+        const auto entry = watches_.find(id);
+        if (entry != watches_.end()) Ask(id, *entry->second);
+    }
+
     void Push(Event::Kind kind, std::uint64_t id, Task task) {
         if (closed_) return;
         events_.Push(kind, id, std::move(task));
@@ -312,15 +316,15 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         // Asked again: what was ready may have been consumed or be unwanted since.
         const Readiness ready = ReadyNow(watched->socket, watched->wanted);
         if (ready.readable || ready.writable) {
-            const bool outer_call = std::exchange(watched->calling, true);
+            being_called_.push_back(id);
             try {
                 watched->ready(ready);
             } catch (...) {
                 ReportStrayException(std::current_exception());
             }
-            watched->calling = outer_call;
+            being_called_.pop_back();
         }
-        if (watches_.count(id) != 0) Ask(id, *watched);
+        AskAgain(id);
     }
 
     WinsockSession winsock_;
@@ -328,6 +332,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
     std::unique_ptr<Turns> turns_;           // null once closed
     std::map<std::uint64_t, std::shared_ptr<Watched>> watches_;
     std::map<SOCKET, std::uint64_t> by_socket_;
+    std::vector<std::uint64_t> being_called_;  // watches whose callbacks are running
     TimerTable timers_;
     std::optional<TimePoint> woken_at_;  // what the window's timer is set to
     std::uint64_t last_id_ = 0;
