@@ -47,10 +47,13 @@ struct Platform {
 
 using PlatformPtr = std::shared_ptr<const Platform>;
 
-// The bundle of this machine. `loop`: the host's own, null for a new one. `language`: a locale identifier
-// that stands for the user's, for hosts with a language setting of their own; without it the machine's
-// settings count. Texts are in that language when it is one of 1033, 1046, 2058, 9226, 10250, 11274, 13322,
-// 14346 and 15370, else in English (1033); servers are told it as it is.
+// The bundle of this machine. `loop`: the host's own, null for a new one. `language`: the locale identifier
+// to use instead of the user's own, for hosts with a separate language setting; without it the machine's
+// settings count. It is accepted from 1 to 0xFFFF when its lower ten bits, the primary language, are not all
+// 0; any other number raises RuntimeError::InvalidProcedureCall. Texts are in that language when it is one of
+// 1033, 1046, 2058, 9226, 10250, 11274, 13322, 14346 and 15370. Any other Spanish uses the texts of 2058, any
+// other Portuguese those of 1046, and every other language those of 1033 (English). Servers are sent the
+// identifier unchanged.
 PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop = nullptr,
                          std::optional<std::int32_t> language = {});
 

@@ -29,7 +29,7 @@ TEST(Strings, AreServedInTheUsersLanguage) {
 }
 
 TEST(Strings, AreEnglishForAnyOtherLanguage) {
-    for (const std::int32_t other : {0, -1, 1031, 3082}) {
+    for (const std::int32_t other : {0, -1, 1031, 2057}) {
         FakeLocale user;
         user.id = other;
         EXPECT_EQ(MakePosixStringTable(user)->Load(200), "Please Login");

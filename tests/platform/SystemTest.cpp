@@ -62,6 +62,13 @@ std::int32_t LocaleFor(const std::optional<std::string>& all, const std::optiona
     return MakePosixLocale()->UserLocaleId();
 }
 
+// The caption of the login dialog.
+std::optional<std::string> GreetingFor(const std::string& setting) {
+    Environment environment;
+    environment.Set("LC_ALL", setting);
+    return MakePlatform()->strings->Load(200);
+}
+
 TEST(PosixLocale, KnowsTheLanguagesOfTheTextsAndOthers) {
     const std::map<std::string, std::int32_t> expected = {
         {"en_US.UTF-8", 1033}, {"pt_BR.UTF-8", 1046}, {"es_MX", 2058},       {"es_CO.utf8", 9226},
@@ -82,6 +89,23 @@ TEST(PosixLocale, IsEnglishForWhatItDoesNotKnow) {
 TEST(PosixLocale, TakesAnUnknownTerritoryAsTheLanguagesMainOne) {
     EXPECT_EQ(LocaleFor("pt", {}, {}), 1046);
     EXPECT_EQ(LocaleFor("de_BE.UTF-8", {}, {}), 1031);
+}
+
+TEST(PosixLocale, OfAnyOtherSpanishOrPortugueseGivesTheTextsOfTheMainOne) {
+    for (const char* name : {"es", "es_ES", "es_BO", "es_CR", "es_CU", "es_DO", "es_EC", "es_GT", "es_HN",
+                             "es_NI", "es_PA", "es_PR", "es_SV", "es_US", "es_VE", "es_419", "es_XX"})
+        EXPECT_EQ(GreetingFor(name), "Inicie sesión") << name;
+    for (const char* name : {"pt", "pt_PT", "pt_AO", "pt_PT@euro"})
+        EXPECT_EQ(GreetingFor(name), "Faça login") << name;
+}
+
+TEST(PosixLocale, IsEnglishForMalformedSettings) {
+    for (const std::string& name :
+         {std::string("@"), std::string("_es"), std::string(".UTF-8"), std::string("-"), std::string("es "),
+          std::string("\xff\xfe_\x80"), std::string("es\n"), std::string("%s%n"), std::string("/../../etc"),
+          std::string(100'000, 'e'), std::string(100'000, '_')})
+        EXPECT_EQ(LocaleFor(name, {}, {}), 1033) << name.substr(0, 20);
+    EXPECT_EQ(LocaleFor("es_" + std::string(100'000, 'X'), {}, {}), 3082);
 }
 
 TEST(PosixLocale, AsksTheVariablesInTheirOrderAndSkipsEmptyOnes) {
