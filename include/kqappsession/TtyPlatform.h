@@ -28,7 +28,7 @@ namespace kq {
 // gives its lines as answers. Where nobody sees the questions, because they cannot be written or are asked of
 // a terminal but written elsewhere, each of them is answered by Cancel; an output that takes nothing for ten
 // seconds counts as one that cannot be written. So is a password that the terminal would show.
-// `loop` and `language` as for MakePlatform.
+// `loop` and `language` as for MakePlatform, with its error.
 PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop = nullptr, int input = 0, int output = 2,
                             std::optional<std::int32_t> language = {});
 

@@ -15,7 +15,9 @@ class Locale {
 // The language that a host has chosen.
 class ChosenLocale final : public Locale {
  public:
-    explicit ChosenLocale(std::int32_t id) : id_(id) {}
+    // Raises RuntimeError::InvalidProcedureCall unless `id` has the form of a locale identifier: 1 to 0xFFFF,
+    // with a primary language in its lower ten bits.
+    explicit ChosenLocale(std::int32_t id);
     std::int32_t UserLocaleId() const override { return id_; }
 
  private:

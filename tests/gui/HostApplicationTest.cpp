@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <kqappsession/Error.h>
 #include <kqappsession/QtPlatform.h>
 
 #include "platform/Patience.h"
@@ -100,6 +101,10 @@ TEST_F(HostApplication, IsNotStarvedByTasksThatPostEachOther) {
     EXPECT_TRUE(RunHostUntil([&] { return posted > 1; }));
     over = true;
     loop_->ProcessPending();
+}
+
+TEST_F(HostApplication, RefusesALanguageThatIsNoLocaleIdentifier) {
+    EXPECT_THROW(MakeQtPlatform(99'999), Error);
 }
 
 TEST_F(HostApplication, DeletesDuringAWaitWhatIsToBeDeletedLater) {

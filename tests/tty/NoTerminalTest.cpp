@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include <kqappsession/Error.h>
+
 #include "platform/DialogHost.h"
 #include "platform/TemporaryFolder.h"
 #include "tty/RealTerminal.h"
@@ -111,6 +113,10 @@ TEST_F(HiddenQuestion, IsCancelWhenItsUserHasStoppedTheOutputForTooLong) {
     Type("1\n");
     EXPECT_EQ(Ask(MakeTtyPlatform(loop_, program_, program_)), BoxButton::Cancel);
     EXPECT_EQ(::tcflow(program_, TCOON), 0);
+}
+
+TEST(ALanguageThatIsNoLocaleIdentifier, IsRefused) {
+    EXPECT_THROW(MakeTtyPlatform(nullptr, 0, 2, 99'999), Error);
 }
 
 }  // namespace
