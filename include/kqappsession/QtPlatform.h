@@ -19,10 +19,10 @@ namespace kq {
 
 class Icon;
 
-// The bundle of this machine with an event loop on Qt's own and with dialogs. Call it on the thread of the
-// QApplication, which must exist (RuntimeError::InvalidProcedureCall) and outlive the bundle and all objects
-// that use it. Whether QApplication::exec runs makes no difference. `language` as for MakePlatform; the
-// buttons of message boxes speak it too.
+// The bundle of this machine with an event loop on Qt's own and with dialogs. The QApplication must outlive
+// the bundle and all objects that use it. Whether QApplication::exec runs makes no difference. `language` as
+// for MakePlatform, with its error; the buttons of message boxes are in that language too. Raises
+// RuntimeError::InvalidProcedureCall when there is no QApplication yet, and on another thread than its own.
 PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language = {});
 
 // A picture for the dialogs' title bars from a file that Qt can read. Null when it cannot.

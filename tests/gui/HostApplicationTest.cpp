@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -101,6 +102,19 @@ TEST_F(HostApplication, IsNotStarvedByTasksThatPostEachOther) {
     EXPECT_TRUE(RunHostUntil([&] { return posted > 1; }));
     over = true;
     loop_->ProcessPending();
+}
+
+TEST_F(HostApplication, MakesABundleOnItsOwnThreadOnly) {
+    std::string refusal;
+    std::thread other([&] {
+        try {
+            MakeQtPlatform();
+        } catch (const Error& error) {
+            refusal = error.Description();
+        }
+    });
+    other.join();
+    EXPECT_EQ(refusal, "MakeQtPlatform must be called on the thread of the QApplication");
 }
 
 TEST_F(HostApplication, RefusesALanguageThatIsNoLocaleIdentifier) {

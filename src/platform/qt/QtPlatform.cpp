@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QThread>
 
 #include <kqappsession/Error.h>
 #include <kqappsession/QtPlatform.h>
@@ -14,6 +15,9 @@ namespace kq {
 PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language) {
     if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
         Raise(RuntimeError::InvalidProcedureCall, "There is no QApplication yet");
+    if (QCoreApplication::instance()->thread() != QThread::currentThread())
+        Raise(RuntimeError::InvalidProcedureCall,
+              "MakeQtPlatform must be called on the thread of the QApplication");
     auto bundle = std::make_shared<Platform>(*MakePlatform(MakeQtEventLoop(), language));
     bundle->dialogs = MakeQtDialogHost(bundle->loop, bundle->locale->UserLocaleId());
     return bundle;
