@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
+#include <QWidget>
 #include <string>
 #include <thread>
 
@@ -12,6 +13,7 @@
 #include <kqappsession/QtPlatform.h>
 
 #include "platform/Patience.h"
+#include "platform/PortTesting.h"
 
 namespace kq {
 namespace {
@@ -102,6 +104,30 @@ TEST_F(HostApplication, IsNotStarvedByTasksThatPostEachOther) {
     EXPECT_TRUE(RunHostUntil([&] { return posted > 1; }));
     over = true;
     loop_->ProcessPending();
+}
+
+// A window that is painted anew as soon as it has been painted.
+struct Painted : QWidget {
+    void paintEvent(QPaintEvent*) override {
+        ++count;
+        update();
+    }
+    int count = 0;
+};
+
+TEST_F(HostApplication, IsServedWhileASocketIsAlwaysReady) {
+    SocketPair sockets;
+    int calls = 0;
+    const auto watch = loop_->Watch(sockets.Near(), {true, false}, [&](EventLoop::Readiness) { ++calls; });
+    sockets.Send("x");
+    Painted window;
+    window.show();
+    int ticks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
+    timer.start(5);
+    EXPECT_TRUE(RunHostUntil([&] { return ticks >= 10 && window.count >= 10 && calls >= 10; }));
+    loop_->Unwatch(watch);
 }
 
 TEST_F(HostApplication, MakesABundleOnItsOwnThreadOnly) {

@@ -307,5 +307,16 @@ TEST_F(LoopWithSockets, RefusesToWatchWhatIsNoSocket) {
     EXPECT_ANY_THROW(loop_->Watch(kNoSocket, {true, false}, [](EventLoop::Readiness) {}));
 }
 
+TEST_F(LoopWithSockets, RunsTasksAndTimersWhileASocketIsAlwaysReady) {
+    WatchReading([] {});
+    Send("a");
+    for (int i = 0; i < 5; ++i) {
+        heard_.clear();
+        loop_->Post(Noting("task "));
+        loop_->StartTimer(Milliseconds(5), Noting("timer"));
+        ASSERT_TRUE(AwaitHeard("task timer"));
+    }
+}
+
 }  // namespace
 }  // namespace kq
