@@ -41,7 +41,8 @@ class EventLoop {
     // Monotonic time; the time base of every deadline and timer.
     virtual TimePoint Now() const = 0;
 
-    // Runs `task` once, later, on the loop's thread, after what was posted before.
+    // Runs `task` once, later, on the loop's thread, after what was posted before. An empty function, here
+    // and in the calls below, raises RuntimeError::InvalidProcedureCall.
     virtual void Post(Task task) = 0;
 
     // Runs `task` once, `delay` from now (0 or less: as soon as possible).
@@ -50,8 +51,11 @@ class EventLoop {
     virtual void CancelTimer(TimerId id) = 0;
 
     // Calls `ready` whenever the socket is ready in a way that is wanted (level-triggered). The socket stays
-    // the caller's; Unwatch before closing it. A callback may unwatch.
+    // the caller's; Unwatch before closing it. A callback may unwatch. Raises
+    // RuntimeError::InvalidProcedureCall for a socket that is not open and for one that has a watch of this
+    // loop already: reading and writing share one watch.
     virtual WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) = 0;
+    // Unknown and removed ids are ignored, here and by Unwatch, after which `ready` is not called any more.
     virtual void ChangeWatch(WatchId id, Readiness wanted) = 0;
     virtual void Unwatch(WatchId id) = 0;
 

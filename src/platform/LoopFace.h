@@ -4,11 +4,16 @@
 
 #include <functional>
 #include <memory>
+#include <string_view>
 #include <utility>
 
+#include <kqappsession/Error.h>
 #include <kqappsession/EventLoop.h>
 
 namespace kq {
+
+inline constexpr std::string_view kWatchedAlready =
+    "The socket is watched already; change that watch instead";
 
 // State: the members of EventLoop without Now and Run, and Close, after which nothing is called any more and
 // nothing of the callers' is kept.
@@ -19,18 +24,24 @@ class LoopFace final : public EventLoop {
     ~LoopFace() override { state_->Close(); }
 
     TimePoint Now() const override { return std::chrono::steady_clock::now(); }
-    void Post(Task task) override { state_->Post(std::move(task)); }
+    void Post(Task task) override {
+        Require(task);
+        state_->Post(std::move(task));
+    }
     TimerId StartTimer(Milliseconds delay, Task task) override {
+        Require(task);
         return state_->StartTimer(delay, std::move(task));
     }
     void CancelTimer(TimerId id) override { state_->CancelTimer(id); }
     WatchId Watch(NativeSocket socket, Readiness wanted, std::function<void(Readiness)> ready) override {
+        Require(ready);
         return state_->Watch(socket, wanted, std::move(ready));
     }
     void ChangeWatch(WatchId id, Readiness wanted) override { state_->ChangeWatch(id, wanted); }
     void Unwatch(WatchId id) override { state_->Unwatch(id); }
     void ProcessPending() override { state_->ProcessPending(); }
     bool RunUntil(const std::function<bool()>& done, TimePoint deadline) override {
+        Require(done);
         return state_->RunUntil(done, deadline);
     }
     void Run() override {
@@ -40,6 +51,13 @@ class LoopFace final : public EventLoop {
     bool Quitting() const override { return state_->Quitting(); }
 
  private:
+    // Refused here, where the caller's mistake is, and not when its turn comes.
+    template <class Function>
+    static void Require(const Function& function) {
+        if (!function)
+            Raise(RuntimeError::InvalidProcedureCall, "The event loop was given an empty function");
+    }
+
     std::shared_ptr<State> state_;
 };
 

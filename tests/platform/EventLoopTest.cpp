@@ -5,8 +5,10 @@
 #include <thread>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <kqappsession/Error.h>
 #include <kqappsession/Platform.h>
 
 #include "platform/MachineUnderTest.h"
@@ -15,6 +17,18 @@
 
 namespace kq {
 namespace {
+
+using testing::StartsWith;
+
+// What a call that raises RuntimeError::InvalidProcedureCall says; empty when it raises nothing of that kind.
+std::string DescriptionOfInvalidCall(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const Error& error) {
+        if (error.Number() == NumberOf(RuntimeError::InvalidProcedureCall)) return error.Description();
+    }
+    return {};
+}
 
 class Loop : public testing::Test {
  protected:
@@ -185,6 +199,15 @@ TEST_F(Loop, LetsGoOfItsTasksWhenItIsDestroyed) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
+TEST_F(Loop, RefusesWhatCannotBeCalled) {
+    const std::string refusal = "The event loop was given an empty function";
+    EXPECT_EQ(DescriptionOfInvalidCall([&] { loop_->Post({}); }), refusal);
+    EXPECT_EQ(DescriptionOfInvalidCall([&] { loop_->StartTimer(Milliseconds(1), {}); }), refusal);
+    EXPECT_EQ(DescriptionOfInvalidCall([&] { loop_->RunUntil({}, loop_->Now() + kPatience); }), refusal);
+    const SocketPair sockets;
+    EXPECT_EQ(DescriptionOfInvalidCall([&] { loop_->Watch(sockets.Near(), {true, false}, {}); }), refusal);
+}
+
 class LoopWithSockets : public Loop {
  protected:
     ~LoopWithSockets() override { loop_.reset(); }
@@ -304,7 +327,31 @@ TEST_F(LoopWithSockets, ReportsACallbackThatThrowsAndCallsItAgain) {
 }
 
 TEST_F(LoopWithSockets, RefusesToWatchWhatIsNoSocket) {
-    EXPECT_ANY_THROW(loop_->Watch(kNoSocket, {true, false}, [](EventLoop::Readiness) {}));
+    const auto watch = [&] { loop_->Watch(kNoSocket, {true, false}, [](EventLoop::Readiness) {}); };
+    EXPECT_THAT(DescriptionOfInvalidCall(watch), StartsWith("The socket cannot be watched: "));
+}
+
+TEST_F(LoopWithSockets, RefusesASecondWatchOfASocketUntilTheFirstIsRemoved) {
+    const auto first = WatchReading([&] { Note("first"); });
+    EXPECT_EQ(DescriptionOfInvalidCall([&] { WatchReading([&] { Note("second"); }); }),
+              "The socket is watched already; change that watch instead");
+    loop_->Unwatch(first);
+    WatchReading([&] { Note(TakeOne()); });
+    Send("a");
+    EXPECT_TRUE(AwaitHeard("a"));
+}
+
+TEST_F(LoopWithSockets, IgnoresIdsThatAreUnknownOrRemoved) {
+    const auto id = WatchReading([&] { Note("never"); });
+    loop_->Unwatch(id);
+    Send("a");
+    for (const auto unknown : {EventLoop::WatchId{0}, id, id + 1000}) {
+        loop_->ChangeWatch(unknown, {true, true});
+        loop_->Unwatch(unknown);
+        loop_->CancelTimer(unknown);
+    }
+    loop_->ProcessPending();
+    EXPECT_EQ(heard_, "");
 }
 
 TEST_F(LoopWithSockets, RunsTasksAndTimersWhileASocketIsAlwaysReady) {

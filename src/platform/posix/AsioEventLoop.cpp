@@ -6,6 +6,7 @@
 // on where the outer one stands, whoever runs the context.
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <map>
 #include <memory>
 #include <optional>
@@ -85,6 +86,8 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         auto watched = std::make_shared<Watched>(context_, wanted, std::move(ready));
         asio::error_code error;
         watched->descriptor.assign(fd, error);
+        if (error == asio::error_code(EEXIST, asio::system_category()))
+            Raise(RuntimeError::InvalidProcedureCall, kWatchedAlready);
         if (error)
             Raise(RuntimeError::InvalidProcedureCall, "The socket cannot be watched: " + error.message());
         const std::uint64_t id = ++last_id_;

@@ -21,6 +21,7 @@
 #include <map>
 #include <optional>
 #include <poll.h>
+#include <set>
 #include <utility>
 
 #include <kqappsession/Error.h>
@@ -69,7 +70,8 @@ struct Watched {
         writing.setEnabled(wanted.writable && !queued);
     }
     // Asked again when its turn has come: what was ready may have been consumed or be unwanted since.
-    Readiness ReadyNow() const { return kq::ReadyNow(static_cast<int>(reading.socket()), wanted); }
+    Readiness ReadyNow() const { return kq::ReadyNow(Socket(), wanted); }
+    int Socket() const { return static_cast<int>(reading.socket()); }
 
     QSocketNotifier reading, writing;
     Readiness wanted;
@@ -98,6 +100,7 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
         pollfd asked{fd, 0, 0};
         if (fd < 0 || ::poll(&asked, 1, 0) < 0 || (asked.revents & POLLNVAL) != 0)
             Raise(RuntimeError::InvalidProcedureCall, "The socket cannot be watched: it is not open");
+        if (!watched_sockets_.insert(fd).second) Raise(RuntimeError::InvalidProcedureCall, kWatchedAlready);
         const std::uint64_t id = ++last_id_;
         const auto watched = std::make_shared<Watched>(fd, wanted, std::move(ready));
         for (auto* const notifier : {&watched->reading, &watched->writing})
@@ -115,7 +118,10 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
     }
 
     void Unwatch(EventLoop::WatchId id) {
-        if (const auto node = watches_.extract(id)) node.mapped()->Rest();
+        const auto node = watches_.extract(id);
+        if (!node) return;
+        node.mapped()->Rest();
+        watched_sockets_.erase(node.mapped()->Socket());
     }
 
     void ProcessPending() {
@@ -163,6 +169,7 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
         const auto watches = std::exchange(watches_, {});
         for (const auto& [id, watched] : watches)
             watched->Rest();
+        watched_sockets_.clear();
         timers_.Clear();
         events_.Clear();
     }
@@ -298,6 +305,7 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
     }
 
     std::map<std::uint64_t, std::shared_ptr<Watched>> watches_;
+    std::set<int> watched_sockets_;
     TimerTable timers_;
     std::uint64_t last_id_ = 0;
     QBasicTimer pump_;

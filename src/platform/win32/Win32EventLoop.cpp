@@ -82,8 +82,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
     EventLoop::WatchId Watch(EventLoop::NativeSocket native, Readiness wanted,
                              std::function<void(Readiness)> ready) {
         const auto socket = static_cast<SOCKET>(native);
-        if (by_socket_.count(socket) != 0)
-            Raise(RuntimeError::InvalidProcedureCall, "The socket is watched already.");
+        if (by_socket_.count(socket) != 0) Raise(RuntimeError::InvalidProcedureCall, kWatchedAlready);
         if (WSAAsyncSelect(socket, window_->Get(), kSocket, kAllSocketEvents) != 0)
             Raise(RuntimeError::InvalidProcedureCall,
                   "The socket cannot be watched: " + NetErrorText(WSAGetLastError()));

@@ -103,12 +103,6 @@ TEST_F(LoopMessages, GoOnInsideAModalLoopThatATaskRuns) {
     EXPECT_TRUE(Await(*loop_, [&] { return heard_ == "inner outer"; }));
 }
 
-TEST_F(LoopMessages, RefuseASecondWatchOfASocket) {
-    SocketPair sockets;
-    loop_->Watch(sockets.Near(), {true, false}, [](EventLoop::Readiness) {});
-    EXPECT_ANY_THROW(loop_->Watch(sockets.Near(), {true, false}, [](EventLoop::Readiness) {}));
-}
-
 TEST_F(LoopMessages, AreNotDisturbedByUrgentBytes) {
     SocketPair sockets;
     int calls = 0;
