@@ -120,7 +120,7 @@ class APClient : public std::enable_shared_from_this<APClient> {
     // The peer has proven itself: the larger frame limit counts from now on. A made connection starts
     // admitted.
     void Admit();
-    void SetKeepAlive(bool on);
+    void SetKeepAlive(bool on);  // default off; probes after 60 s of silence, then each 15 s: 4 (Windows: 10)
 
     // Names this object in its process, over reconnections too; never used twice, without "|".
     const std::string& Identifier() const;

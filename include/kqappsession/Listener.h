@@ -55,7 +55,7 @@ class Listener : public std::enable_shared_from_this<Listener> {
     // For connections accepted from now on.
     DataType ReceiveType() const;  // which blocks raise Receive; default Any
     void SetReceiveType(DataType type);
-    bool KeepAlive() const;  // probe idle connections; default off
+    bool KeepAlive() const;  // probe idle connections as APClient::SetKeepAlive does; default off
     void SetKeepAlive(bool on);
     const APLimits& Limits() const;
     void SetLimits(const APLimits& limits);
