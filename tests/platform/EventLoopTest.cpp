@@ -52,8 +52,8 @@ TEST_F(Loop, RunsPostedTasksInOrderAndNotAtOnce) {
 }
 
 TEST_F(Loop, RunsTimersByDueTime) {
-    loop_->StartTimer(Milliseconds(20), Noting("c"));
-    loop_->StartTimer(Milliseconds(1), Noting("b"));
+    loop_->StartTimer(Milliseconds(200), Noting("c"));
+    loop_->StartTimer(Milliseconds(100), Noting("b"));
     loop_->StartTimer(Milliseconds(-5), Noting("a"));
     EXPECT_TRUE(AwaitHeard("abc"));
 }
