@@ -26,6 +26,7 @@ class Icon;
 PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language = {});
 
 // A picture for the dialogs' title bars from a file that Qt can read. Null when it cannot.
+// Raises RuntimeError::InvalidProcedureCall when there is no QApplication yet.
 std::shared_ptr<const Icon> MakeQtIcon(const std::string& path);
 
 }  // namespace kq

@@ -11,10 +11,17 @@
 #include "platform/qt/QtText.h"
 
 namespace kq {
+namespace {
 
-PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language) {
+void RequireApplication() {
     if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
         Raise(RuntimeError::InvalidProcedureCall, "There is no QApplication yet");
+}
+
+}  // namespace
+
+PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language) {
+    RequireApplication();
     if (QCoreApplication::instance()->thread() != QThread::currentThread())
         Raise(RuntimeError::InvalidProcedureCall,
               "MakeQtPlatform must be called on the thread of the QApplication");
@@ -24,6 +31,7 @@ PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language) {
 }
 
 std::shared_ptr<const Icon> MakeQtIcon(const std::string& path) {
+    RequireApplication();
     const QIcon icon(ToQt(path));
     return icon.availableSizes().isEmpty() ? nullptr : std::make_shared<QtIcon>(icon);
 }
