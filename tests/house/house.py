@@ -14,13 +14,15 @@ import sys
 # of server/ that the client uses too. Public headers count as files of the room that owns them.
 LIBS = {"libs/xmlmessage", "libs/webdata", "libs/statistics", "libs/timer", "libs/appprotocol", "libs/xmlbus"}
 GROUND = {"base", "platform"}
+PORT = GROUND | {"platform/loop"}
 BELOW = GROUND | LIBS | {"util", "messages", "sessioninfo"}
 MAY_USE = {
     "base": set(),
     "platform": {"base"},
-    "platform/posix": GROUND,
-    "platform/win32": GROUND,
-    "platform/qt": GROUND,
+    "platform/loop": GROUND,
+    "platform/posix": PORT,
+    "platform/win32": PORT,
+    "platform/qt": PORT,
     "platform/tty": GROUND,
     "libs/xmltext": GROUND,
     "libs/xmlmessage": GROUND | {"libs/xmltext"},

@@ -22,10 +22,10 @@
 #include <kqappsession/AsioEventLoop.h>
 #include <kqappsession/Error.h>
 
-#include "platform/EventQueue.h"
-#include "platform/LoopFace.h"
-#include "platform/Readiness.h"
-#include "platform/TimerTable.h"
+#include "platform/loop/EventQueue.h"
+#include "platform/loop/LoopFace.h"
+#include "platform/loop/Readiness.h"
+#include "platform/loop/TimerTable.h"
 #include "platform/posix/PosixPlatform.h"
 
 namespace kq {

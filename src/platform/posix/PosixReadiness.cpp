@@ -1,6 +1,6 @@
 #include <poll.h>
 
-#include "platform/Readiness.h"
+#include "platform/loop/Readiness.h"
 
 namespace kq {
 

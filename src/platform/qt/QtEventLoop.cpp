@@ -26,10 +26,10 @@
 
 #include <kqappsession/Error.h>
 
-#include "platform/EventQueue.h"
-#include "platform/LoopFace.h"
-#include "platform/Readiness.h"
-#include "platform/TimerTable.h"
+#include "platform/loop/EventQueue.h"
+#include "platform/loop/LoopFace.h"
+#include "platform/loop/Readiness.h"
+#include "platform/loop/TimerTable.h"
 
 namespace kq {
 namespace {

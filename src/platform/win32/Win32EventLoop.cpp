@@ -22,10 +22,10 @@
 
 #include <kqappsession/Error.h>
 
-#include "platform/EventQueue.h"
-#include "platform/LoopFace.h"
-#include "platform/Readiness.h"
-#include "platform/TimerTable.h"
+#include "platform/loop/EventQueue.h"
+#include "platform/loop/LoopFace.h"
+#include "platform/loop/Readiness.h"
+#include "platform/loop/TimerTable.h"
 #include "platform/win32/MessageWindow.h"
 #include "platform/win32/Turns.h"
 #include "platform/win32/Win32Platform.h"

@@ -1,4 +1,4 @@
-// The public face of an event loop over the state that it is made of. A wait holds the state, so that the
+// The public class of an event loop over the state that it is made of. A wait holds the state, so that the
 // loop object may be destroyed by a task that it runs.
 #pragma once
 
