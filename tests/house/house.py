@@ -14,12 +14,13 @@ import sys
 # of server/ that the client uses too. Public headers count as files of the room that owns them.
 LIBS = {"libs/xmlmessage", "libs/webdata", "libs/statistics", "libs/timer", "libs/appprotocol", "libs/xmlbus"}
 GROUND = {"base", "platform"}
-PORT = GROUND | {"platform/loop"}
+PORT = GROUND | {"platform/loop", "platform/net"}
 BELOW = GROUND | LIBS | {"util", "messages", "sessioninfo"}
 MAY_USE = {
     "base": set(),
     "platform": {"base"},
     "platform/loop": GROUND,
+    "platform/net": GROUND,
     "platform/posix": PORT,
     "platform/win32": PORT,
     "platform/qt": PORT,

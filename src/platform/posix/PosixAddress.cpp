@@ -6,7 +6,6 @@
 #include <cstring>
 #include <netdb.h>
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 
 namespace kq {
 namespace {
@@ -30,57 +29,46 @@ constexpr Pair kErrors[] = {
 
 }  // namespace
 
-std::string PosixAddress::Text() const {
-    sockaddr_storage shown = storage;
-    socklen_t shown_length = length;
-    if (Family() == AF_INET6) {
-        sockaddr_in6 six{};
-        std::memcpy(&six, &storage, sizeof six);
-        if (IN6_IS_ADDR_V4MAPPED(&six.sin6_addr)) {
-            sockaddr_in four{};
-            four.sin_family = AF_INET;
-            std::memcpy(&four.sin_addr, six.sin6_addr.s6_addr + 12, 4);
-            std::memcpy(&shown, &four, sizeof four);
-            shown_length = sizeof four;
-        }
-    }
+const sockaddr* Raw(const SocketAddress& address) {
+    return reinterpret_cast<const sockaddr*>(address.bytes.data());
+}
+
+SocketAddress AddressFrom(const sockaddr* address, socklen_t length) {
+    static_assert(sizeof(sockaddr_storage) == sizeof(SocketAddress::bytes));
+    SocketAddress copy;
+    if (length > copy.bytes.size()) return copy;
+    copy.length = length;
+    std::memcpy(copy.bytes.data(), address, length);
+    return copy;
+}
+
+int FamilyOf(const SocketAddress& address) {
+    return Raw(address)->sa_family;
+}
+
+std::string TextOf(const SocketAddress& address) {
     std::array<char, NI_MAXHOST> text{};
-    const int failed = getnameinfo(reinterpret_cast<const sockaddr*>(&shown), shown_length, text.data(),
-                                   text.size(), nullptr, 0, NI_NUMERICHOST);
+    const int failed =
+        getnameinfo(Raw(address), address.length, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST);
     return failed ? std::string() : std::string(text.data());
 }
 
-int PosixAddress::Port() const {
-    if (Family() == AF_INET) return ntohs(reinterpret_cast<const sockaddr_in*>(&storage)->sin_port);
-    if (Family() == AF_INET6) return ntohs(reinterpret_cast<const sockaddr_in6*>(&storage)->sin6_port);
+int PortOf(const SocketAddress& address) {
+    const void* const bytes = address.bytes.data();
+    if (FamilyOf(address) == AF_INET) return ntohs(static_cast<const sockaddr_in*>(bytes)->sin_port);
+    if (FamilyOf(address) == AF_INET6) return ntohs(static_cast<const sockaddr_in6*>(bytes)->sin6_port);
     return 0;
 }
 
-std::optional<PosixAddress> ParseAddress(const std::string& text, int port) {
+std::optional<SocketAddress> ParseAddress(const std::string& text, int port) {
     if (text.empty() || text.find('\0') != std::string::npos || port < 0 || port > 65535) return std::nullopt;
     addrinfo hints{};
     hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
     hints.ai_socktype = SOCK_STREAM;
     addrinfo* found = nullptr;
     if (getaddrinfo(text.c_str(), std::to_string(port).c_str(), &hints, &found) != 0) return std::nullopt;
-    PosixAddress address;
-    address.length = found->ai_addrlen;
-    std::memcpy(&address.storage, found->ai_addr, found->ai_addrlen);
+    const SocketAddress address = AddressFrom(found->ai_addr, found->ai_addrlen);
     freeaddrinfo(found);
-    return address;
-}
-
-PosixAddress LocalAddressOf(int socket) {
-    PosixAddress address;
-    address.length = sizeof address.storage;
-    if (getsockname(socket, address.Get(), &address.length) != 0) return {};
-    return address;
-}
-
-PosixAddress RemoteAddressOf(int socket) {
-    PosixAddress address;
-    address.length = sizeof address.storage;
-    if (getpeername(socket, address.Get(), &address.length) != 0) return {};
     return address;
 }
 
@@ -89,10 +77,6 @@ std::int32_t WinsockNumber(int error) {
         if (pair.posix == error) return pair.winsock;
     }
     return 10050;  // the network is down: something below it does not work as it should
-}
-
-int NewSocket(int family) {
-    return ::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, IPPROTO_TCP);
 }
 
 }  // namespace kq

@@ -1,12 +1,5 @@
-// Names to addresses by the system's resolver. It has no way to be asked without waiting, so each question
-// gets a thread of its own, which may outlive the resolver and the loop: it knows only a mailbox, closed when
-// they go. Callbacks never travel to that thread; they wait in the resolver for the answer's number.
-#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
-#include <cstring>
-#include <map>
-#include <mutex>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -15,20 +8,12 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/Resolver.h"
+#include "platform/net/NameLookup.h"
 #include "platform/posix/PosixAddress.h"
 #include "platform/posix/PosixPlatform.h"
 
 namespace kq {
 namespace {
-
-using Addresses = std::vector<std::string>;
-using Answer = std::function<void(Addresses)>;
-
-std::string LocalHostName() {
-    std::array<char, 256> name{};
-    return gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data()) : std::string();
-}
 
 bool IsUsableName(const std::string& name) {
     return !name.empty() && name.find('\0') == std::string::npos;
@@ -36,106 +21,57 @@ bool IsUsableName(const std::string& name) {
 
 bool IsDottedAddress(const std::string& text) {
     in_addr address{};
-    return inet_pton(AF_INET, text.c_str(), &address) == 1;
+    return IsUsableName(text) && inet_pton(AF_INET, text.c_str(), &address) == 1;
 }
 
-// In the resolver's order, each once.
-Addresses Ask(const std::string& host, int family) {
-    Addresses found;
-    if (!IsUsableName(host)) return found;
-    addrinfo hints{};
-    hints.ai_family = family;
-    hints.ai_socktype = SOCK_STREAM;
-    addrinfo* first = nullptr;
-    if (getaddrinfo(host.c_str(), nullptr, &hints, &first) != 0) return found;
-    for (const addrinfo* entry = first; entry; entry = entry->ai_next) {
-        PosixAddress address;
-        address.length = entry->ai_addrlen;
-        std::memcpy(&address.storage, entry->ai_addr, entry->ai_addrlen);
-        std::string text = address.Text();
-        if (!text.empty() && std::find(found.begin(), found.end(), text) == found.end())
-            found.push_back(text);
-    }
-    freeaddrinfo(first);
-    return found;
-}
-
-Addresses AskBoth(const std::string& host) {
-    Addresses all = Ask(host, AF_INET);
-    for (auto& address : Ask(host, AF_INET6))
-        all.push_back(std::move(address));
-    return all;
-}
-
-struct Mailbox {
-    std::mutex mutex;
-    EventLoop* loop = nullptr;  // null once the resolver is gone
-};
-
-class PosixResolver final : public Resolver {
+class PosixNames final : public NameCalls {
  public:
-    explicit PosixResolver(std::shared_ptr<EventLoop> loop)
-        : loop_(std::move(loop)),
-          mailbox_(std::make_shared<Mailbox>()),
-          waiting_(std::make_shared<Waiting>()) {
-        mailbox_->loop = loop_.get();
+    std::string LocalHostName() override {
+        std::array<char, 256> name{};
+        return gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data()) : std::string();
     }
 
-    ~PosixResolver() override {
-        const std::lock_guard lock(mailbox_->mutex);
-        mailbox_->loop = nullptr;
+    std::optional<std::string> Numeric(const std::string& text) override {
+        const auto address = ParseAddress(text, 0);
+        return address ? std::optional(TextOf(*address)) : std::nullopt;
+    }
+
+    std::vector<std::string> Ask(const std::string& host, Family family) override {
+        std::vector<std::string> found;
+        if (!IsUsableName(host)) return found;
+        addrinfo hints{};
+        hints.ai_family = family == Family::IPv4 ? AF_INET : AF_INET6;
+        hints.ai_socktype = SOCK_STREAM;
+        addrinfo* first = nullptr;
+        if (getaddrinfo(host.c_str(), nullptr, &hints, &first) != 0) return found;
+        for (const addrinfo* entry = first; entry; entry = entry->ai_next) {
+            std::string text = TextOf(AddressFrom(entry->ai_addr, entry->ai_addrlen));
+            if (!text.empty()) found.push_back(std::move(text));
+        }
+        freeaddrinfo(first);
+        return found;
     }
 
     std::string FirstIPv4(const std::string& host) override {
-        if (IsDottedAddress(host) && IsUsableName(host)) return host;
-        const Addresses found = Ask(host.empty() ? LocalHostName() : host, AF_INET);
+        if (IsDottedAddress(host)) return host;
+        const auto found = Ask(host.empty() ? LocalHostName() : host, Family::IPv4);
         return found.empty() ? std::string() : found.front();
     }
 
-    void Resolve(const std::string& host, const Owner& owner, Answer done) override {
-        const std::uint64_t number = ++last_number_;
-        waiting_->emplace(number, owner.Bind(std::move(done)));
-        const std::string name = host.empty() ? LocalHostName() : host;
-        if (const auto numeric = ParseAddress(name, 0)) {
-            loop_->Post(Delivery(number, {numeric->Text()}));
-            return;
-        }
+    bool RunOnThread(std::function<void()> work) override {
         try {
-            std::thread([name, box = mailbox_, weak = std::weak_ptr(waiting_), number] {
-                Addresses found = AskBoth(name);
-                const std::lock_guard lock(box->mutex);
-                if (box->loop) box->loop->Post(DeliveryTo(weak, number, std::move(found)));
-            }).detach();
+            std::thread(std::move(work)).detach();
+            return true;
         } catch (const std::system_error&) {
-            loop_->Post(Delivery(number, {}));  // no thread to be had: not found
+            return false;
         }
     }
-
- private:
-    using Waiting = std::map<std::uint64_t, Answer>;
-
-    static EventLoop::Task DeliveryTo(std::weak_ptr<Waiting> weak, std::uint64_t number, Addresses found) {
-        return [weak = std::move(weak), number, found = std::move(found)] {
-            const auto waiting = weak.lock();
-            if (!waiting) return;
-            if (auto node = waiting->extract(number)) node.mapped()(found);
-        };
-    }
-
-    EventLoop::Task Delivery(std::uint64_t number, Addresses found) {
-        return DeliveryTo(waiting_, number, std::move(found));
-    }
-
-    std::shared_ptr<EventLoop> loop_;
-    std::shared_ptr<Mailbox> mailbox_;
-    std::shared_ptr<Waiting> waiting_;
-    std::uint64_t last_number_ = 0;
 };
 
 }  // namespace
 
 std::shared_ptr<Resolver> MakePosixResolver(std::shared_ptr<EventLoop> loop) {
-    return std::make_shared<PosixResolver>(std::move(loop));
+    return MakeNameLookup(std::make_shared<PosixNames>(), std::move(loop));
 }
 
 }  // namespace kq

@@ -1,9 +1,10 @@
-// What the sockets of this port share: Winsock's life, addresses, and making sockets.
+// What the sockets of this port share: Winsock's life and addresses.
 #pragma once
 
 #include <optional>
 #include <string>
 
+#include "platform/net/SocketCalls.h"
 #include "platform/win32/Win32Api.h"
 
 namespace kq {
@@ -21,28 +22,21 @@ class WinsockSession {
     bool started_;
 };
 
-struct WinsockAddress {
-    sockaddr_storage storage{};
-    int length = 0;
+const sockaddr* Raw(const SocketAddress& address);
+int LengthOf(const SocketAddress& address);
+SocketAddress AddressFrom(const sockaddr* address, std::size_t length);
+int FamilyOf(const SocketAddress& address);
+std::string TextOf(const SocketAddress& address);
+int PortOf(const SocketAddress& address);
 
-    const sockaddr* Get() const { return reinterpret_cast<const sockaddr*>(&storage); }
-    sockaddr* Get() { return reinterpret_cast<sockaddr*>(&storage); }
-    int Family() const { return storage.ss_family; }
-    // "192.0.2.1" or "2001:db8::1"; an IPv4 address inside an IPv6 one comes out as IPv4.
-    std::string Text() const;
-    int Port() const;
-};
+// Nothing when the text is not a numeric address or the port not one.
+std::optional<SocketAddress> ParseAddress(const std::string& text, int port);
+SocketAddress LocalAddressOf(SOCKET socket);   // of length 0 when it has none
+SocketAddress RemoteAddressOf(SOCKET socket);  // as well
 
-// Nothing when the text is no numeric address or the port none.
-std::optional<WinsockAddress> ParseAddress(const std::string& text, int port);
-WinsockAddress AddressFrom(const sockaddr* address, std::size_t length);
-WinsockAddress LocalAddressOf(SOCKET socket);
-WinsockAddress RemoteAddressOf(SOCKET socket);
+// Makes a socket non-blocking and keeps started programs from inheriting it.
+void MakeOurs(SOCKET socket);
 
-// A non-blocking TCP socket that no started program inherits; INVALID_SOCKET with the last error set.
-SOCKET NewSocket(int family);
-void MakeOurs(SOCKET socket);  // the same for an accepted one
-
-void SetOption(SOCKET socket, int level, int option, int value);
+bool SetOption(SOCKET socket, int level, int option, int value);
 
 }  // namespace kq

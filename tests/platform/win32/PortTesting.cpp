@@ -12,9 +12,9 @@ namespace {
 // A connection of this process keeps Winsock started, as the objects under test do for theirs.
 const WinsockSession kWinsock;
 
-SOCKET ConnectTo(const WinsockAddress& address) {
+SOCKET ConnectTo(const SocketAddress& address) {
     const SOCKET made = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    EXPECT_EQ(connect(made, address.Get(), address.length), 0);
+    EXPECT_EQ(connect(made, Raw(address), LengthOf(address)), 0);
     return made;
 }
 
@@ -23,7 +23,7 @@ SOCKET ConnectTo(const WinsockAddress& address) {
 SocketPair::SocketPair() {
     const SOCKET listener = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
     const auto any = ParseAddress("127.0.0.1", 0);
-    EXPECT_EQ(bind(listener, any->Get(), any->length), 0);
+    EXPECT_EQ(bind(listener, Raw(*any), LengthOf(*any)), 0);
     EXPECT_EQ(listen(listener, 1), 0);
     far_ = ConnectTo(LocalAddressOf(listener));
     near_ = accept(listener, nullptr, nullptr);

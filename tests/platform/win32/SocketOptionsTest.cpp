@@ -8,8 +8,8 @@ namespace {
 // An option of the socket of this process that has the given local port; -1 when there is none.
 int OptionOf(const StreamSocket& stream, int level, int option) {
     for (SOCKET socket = 4; socket < 0x4000; socket += 4) {
-        const WinsockAddress address = LocalAddressOf(socket);
-        if (address.length == 0 || address.Port() != stream.LocalPort()) continue;
+        const SocketAddress address = LocalAddressOf(socket);
+        if (address.length == 0 || PortOf(address) != stream.LocalPort()) continue;
         int value = 0;
         int length = sizeof value;
         return getsockopt(socket, level, option, reinterpret_cast<char*>(&value), &length) == 0 ? value : -1;

@@ -1,0 +1,91 @@
+// What streams and listeners ask of the system's sockets. Implemented by the port.
+//
+// A call does one thing and keeps nothing in mind. It never waits and is never interrupted: a port repeats
+// what a signal has cut short. Error numbers are Winsock's on every system; 0 is success. Sockets are
+// non-blocking, carry TCP and are inherited by no started program.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include <kqappsession/EventLoop.h>
+
+namespace kq {
+
+// A numeric address with a port, in the system's own form.
+struct SocketAddress {
+    alignas(8) std::array<std::byte, 128> bytes{};
+    std::uint32_t length = 0;
+};
+
+// An IPv4 address inside an IPv6 one ("::ffff:192.0.2.1") as IPv4, any other as it is.
+inline std::string PlainAddress(const std::string& numeric) {
+    constexpr std::string_view kMapped = "::ffff:";
+    const bool mapped = numeric.starts_with(kMapped) && numeric.find('.') != std::string::npos;
+    return mapped ? numeric.substr(kMapped.size()) : numeric;
+}
+
+class SocketCalls {
+ public:
+    using Socket = EventLoop::NativeSocket;
+    static constexpr auto kNone = static_cast<Socket>(-1);
+
+    // The errors that are part of the ordinary course.
+    static constexpr std::int32_t kTooManyOpen = 10024;
+    static constexpr std::int32_t kWouldBlock = 10035;
+    static constexpr std::int32_t kNoSuchFamily = 10047;
+    static constexpr std::int32_t kShutDown = 10058;
+
+    struct Opened {
+        Socket socket = kNone;
+        std::int32_t error = 0;
+    };
+    struct Moved {
+        std::size_t count = 0;  // received 0 without an error: the peer has finished
+        std::int32_t error = 0;
+    };
+    struct End {
+        std::string address;  // "192.0.2.1" or "2001:db8::1"
+        int port = 0;
+    };
+
+    virtual ~SocketCalls() = default;
+
+    // Nothing when the text is not a numeric address. A scope ("fe80::1%eth0") is understood.
+    virtual std::optional<SocketAddress> Parse(const std::string& text, int port) = 0;
+    virtual bool SameFamily(const SocketAddress& one, const SocketAddress& other) = 0;
+
+    // A socket for addresses of this family.
+    virtual Opened Open(const SocketAddress& family) = 0;
+    virtual std::int32_t Bind(Socket socket, const SocketAddress& address) = 0;
+    // Success is also that the attempt is under way: the socket becomes writable when it has ended.
+    virtual std::int32_t Connect(Socket socket, const SocketAddress& address) = 0;
+    // How an attempt has ended.
+    virtual std::int32_t ConnectError(Socket socket) = 0;
+    // Options of a listener, before it is bound: a port that was in use a moment ago can be taken again at
+    // once.
+    virtual std::int32_t PrepareListener(Socket socket, const SocketAddress& address, bool both_families) = 0;
+    virtual std::int32_t Listen(Socket socket) = 0;
+    virtual Opened Accept(Socket listener) = 0;
+
+    virtual Moved Receive(Socket socket, std::span<std::byte> buffer) = 0;
+    virtual Moved Send(Socket socket, std::span<const std::byte> bytes) = 0;
+    virtual void FinishSending(Socket socket) = 0;
+    virtual void Close(Socket socket) = 0;
+
+    virtual End LocalEnd(Socket socket) = 0;  // empty when there is none
+    virtual End RemoteEnd(Socket socket) = 0;
+    // Options of a connection. A system that lacks one leaves a connection that works nevertheless.
+    virtual void SendWithoutDelay(Socket socket) = 0;
+    virtual void SetKeepAlive(Socket socket, bool on) = 0;
+
+    // The machine's first IPv4 address that is not loopback, else "127.0.0.1".
+    virtual std::string OwnAddress() = 0;
+};
+
+}  // namespace kq
