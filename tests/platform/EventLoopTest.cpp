@@ -284,6 +284,18 @@ TEST_F(LoopWithSockets, ServesTheSameWatchInsideItsOwnCallback) {
     EXPECT_TRUE(AwaitHeard("abc"));
 }
 
+TEST_F(LoopWithSockets, CallsAgainInsideACallbackThatHasReadNothingYet) {
+    WatchReading([&] {
+        Note("a");
+        if (heard_ == "a") {
+            EXPECT_TRUE(AwaitHeard("aa"));
+        }
+        static_cast<void>(TakeOne());
+    });
+    Send("x");
+    EXPECT_TRUE(AwaitHeard("aa"));
+}
+
 TEST_F(LoopWithSockets, HearsAChangeMadeInsideACallbackInsideIt) {
     EventLoop::WatchId id = 0;
     id = loop_->Watch(sockets_.Near(), {true, false}, [&](EventLoop::Readiness ready) {

@@ -4,6 +4,7 @@
 #include "platform/Patience.h"
 #include "platform/PortTesting.h"
 #include "platform/win32/MessageWindow.h"
+#include "platform/win32/Turns.h"
 #include "platform/win32/Win32Platform.h"
 
 namespace kq {
@@ -32,7 +33,8 @@ class BusyLoop : public testing::Test {
     bool RunHostLoop(const std::function<bool()>& done) {
         const auto deadline = Clock::now() + kPatience;
         MSG message;
-        while (!done() && Clock::now() < deadline && GetMessageW(&message, nullptr, 0, 0) > 0)
+        while (!done() && Clock::now() < deadline &&
+               GetMessageW(&message, nullptr, first_message_, 0xFFFF) > 0)
             DispatchMessageW(&message);
         return done();
     }
@@ -46,6 +48,7 @@ class BusyLoop : public testing::Test {
         return Clock::now() - start;
     }
 
+    UINT first_message_ = 0;  // that the host's loop takes
     int ticks_ = 0;
     int calls_ = 0;
     std::function<void()> on_tick_ = [] {};
@@ -73,6 +76,15 @@ TEST_F(BusyLoop, LeavesTheTimerOfAWindowItsTicksInAWaitOfItsOwn) {
 
 TEST_F(BusyLoop, RunsItsOwnTimersInAHostsLoop) {
     KeepASocketReady();
+    bool ran = false;
+    loop_->StartTimer(Milliseconds(20), [&] { ran = true; });
+    EXPECT_TRUE(RunHostLoop([&] { return ran; }));
+}
+
+// As beside a window that paints without pause: its messages come before those of timers.
+TEST_F(BusyLoop, RunsItsOwnTimersWhereTheMessagesOfTimersDoNotArrive) {
+    KeepASocketReady();
+    first_message_ = WM_TIMER + 1;
     bool ran = false;
     loop_->StartTimer(Milliseconds(20), [&] { ran = true; });
     EXPECT_TRUE(RunHostLoop([&] { return ran; }));
@@ -119,6 +131,13 @@ TEST_F(BusyLoop, MayBeDestroyedInAnothersTurn) {
     const int before = calls_;
     EXPECT_TRUE(HostLoopSeesTicks(2));
     EXPECT_EQ(calls_, before);
+}
+
+TEST(Turns, GoToNobodyWhenNobodyWaits) {
+    const MessageWindow window([](UINT, WPARAM, LPARAM) {});
+    Turns turns(window.Get(), WM_APP);
+    turns.Ran(Turns::kLongest);
+    EXPECT_FALSE(turns.OthersFirst());
 }
 
 }  // namespace
