@@ -1,4 +1,4 @@
-// What a program hears that asks for the face on Qt before it has a QApplication.
+// What a program gets that asks for the dialogs on Qt before it has a QApplication.
 #include <functional>
 
 #include <gtest/gtest.h>

@@ -114,8 +114,8 @@ class FakeSocketLoop final : public EventLoop {
             const auto found = watches_.find(id);
             if (found == watches_.end()) continue;
             const Readiness wanted = found->second.wanted;
-            const Readiness told{ready.readable && wanted.readable, ready.writable && wanted.writable};
-            if (told.readable || told.writable) watched.ready(told);
+            const Readiness now{ready.readable && wanted.readable, ready.writable && wanted.writable};
+            if (now.readable || now.writable) watched.ready(now);
         }
     }
     bool WantsToRead() const {

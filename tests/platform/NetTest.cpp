@@ -14,7 +14,7 @@
 namespace kq {
 namespace {
 
-// Whatever a system may answer, told apart by nothing but its number.
+// Whatever a system may answer.
 constexpr std::int32_t kErrors[] = {10004, 10013, 10014, 10022, 10024, 10038, 10047, 10048, 10049, 10050,
                                     10051, 10052, 10053, 10054, 10055, 10057, 10060, 10061, 10064, 10065};
 

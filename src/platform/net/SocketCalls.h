@@ -1,6 +1,6 @@
 // What streams and listeners ask of the system's sockets. Implemented by the port.
 //
-// A call does one thing and keeps nothing in mind. It never waits and is never interrupted: a port repeats
+// A call does one thing and keeps no state. It never waits and is never interrupted: a port repeats
 // what a signal has cut short. Error numbers are Winsock's on every system; 0 is success. Sockets are
 // non-blocking, carry TCP and are inherited by no started program.
 #pragma once

@@ -20,7 +20,7 @@ class Turns {
     static constexpr std::chrono::milliseconds kLongest{10};
 
     // `again`: the message that is posted to `window` while the loop rests, every millisecond or as often as
-    // the system can, but only one at a time: each ends with Ask.
+    // the system can. The next one is posted only after Ask was called for the last one.
     Turns(HWND window, UINT again) : window_(window), again_(again) {}
     Turns(const Turns&) = delete;
     Turns& operator=(const Turns&) = delete;
@@ -31,8 +31,9 @@ class Turns {
     // Whether it is the others' turn; asked before each event. From a true answer on the loop rests.
     bool OthersFirst();
     bool Resting() const { return resting_since_.has_value(); }
-    // The message has arrived: whether the loop goes on.
+    // Called when the message has arrived: whether the rest is over.
     bool Ask();
+    // Ends the rest.
     void GoOn();
 
  private:
