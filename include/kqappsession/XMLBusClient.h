@@ -48,6 +48,7 @@ struct BusStatistics {
     std::int64_t sent = 0;      // handed to Send
     std::int64_t written = 0;   // written to the bus
     std::int64_t replaced = 0;  // state messages that a newer one replaced
+    std::int64_t expired = 0;   // dropped because their expiry passed before they reached the bus
     std::int64_t received = 0;
     std::int64_t malformed = 0;  // arrived, but dropped because they are no messages
     std::int64_t reconnects = 0;
@@ -63,6 +64,7 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
     };
     static constexpr std::string_view kSource = "KQXMLBusClientLib";
     static constexpr std::size_t kMaxMessage = 16U << 20;  // bytes of a message's bus form
+    static constexpr Milliseconds kNoExpiry{0};
 
     // A client of a hub, and a client over any transport (one inside the process for tests).
     static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform, BusSettings settings);
@@ -110,7 +112,14 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
     // Queues a copy of the message for its destination. Raises RuntimeError::InvalidProcedureCall when not
     // running, without a type or without a destination, NetError::MessageTooLong when its text is over
     // kMaxMessage, and NetError::NoBufferSpace when the queue is full.
-    void Send(const XMLMessage& message, BusSending option = BusSending::Message);
+    //
+    // `expiry`: milliseconds from now in which the message may be written to the bus; kNoExpiry: no limit.
+    // Afterwards it is dropped and counted in BusStatistics::expired, not delivered late. That also holds for
+    // a message that was written to a connection that broke before the bus confirmed it. A negative expiry
+    // raises RuntimeError::InvalidProcedureCall, and so does an expiry for a state message: a state stays
+    // true until a newer one replaces it.
+    void Send(const XMLMessage& message, BusSending option = BusSending::Message,
+              Milliseconds expiry = kNoExpiry);
     BusStatistics Statistics() const;
     void SetLimits(const Limits& limits);
 

@@ -225,6 +225,30 @@ TEST_F(HubTransportTest, DoesNotWriteAgainWhatTheHubTookBeforeTheConnectionWasLo
     EXPECT_THAT(Got(), ElementsAre("C"));
 }
 
+TEST_F(HubTransportTest, DoesNotWriteAgainWhatHasExpiredAndCountsOn) {
+    LetIn();
+    party.client->Send(Note("x", {"A", ""}), BusSending::Message, Milliseconds(100));
+    party.Says("x", {"B", ""});
+    Settle();
+    hub.reset();
+    Pass(250);
+    LetIn();
+    EXPECT_THAT(Got(), ElementsAre("B"));
+    EXPECT_EQ(party.client->Statistics().expired, 1);
+    hub->Says(kBusTaken, {{"Taken", "1"}});
+    EXPECT_TRUE(party.client->Connected());
+}
+
+TEST_F(HubTransportTest, CountsNothingAsExpiredThatTheHubTookBeforeTheConnectionWasLost) {
+    LetIn();
+    party.client->Send(Note("x"), BusSending::Message, Milliseconds(100));
+    Settle();
+    hub.reset();
+    Pass(250);
+    LetIn("1");
+    EXPECT_EQ(party.client->Statistics().expired, 0);
+}
+
 TEST_F(HubTransportTest, SubscribesBeforeItWritesAgain) {
     party.Hears(kBroadcast);
     LetIn();

@@ -80,6 +80,29 @@ TEST_F(LostBusTest, DeliversWhatWasWrittenButHadNotArrived) {
     EXPECT_THAT(zeb.heard, ElementsAre("a", "b"));
 }
 
+TEST_F(LostBusTest, NeverDeliversWhatExpiredMeanwhile) {
+    GoAway();
+    server.client->Send(Note("short"), BusSending::Message, Milliseconds(5'000));
+    server.client->Send(Note("long"), BusSending::Message, Milliseconds(90'000));
+    server.Says("for ever");
+    Pass(10'000);
+    EXPECT_EQ(server.client->Statistics().expired, 1);
+    EXPECT_EQ(server.client->Statistics().waiting, 2);
+    ComeBack();
+    EXPECT_THAT(zeb.heard, ElementsAre("long", "for ever"));
+}
+
+TEST_F(LostBusTest, NeverDeliversWhatWasWrittenAndExpiredBeforeItArrived) {
+    server.client->Send(Note("short"), BusSending::Message, Milliseconds(5'000));
+    machine.loop->ProcessPending();
+    bus.SetUp(false);
+    server.Says("for ever");
+    Pass(10'000);
+    ComeBack();
+    EXPECT_THAT(zeb.heard, ElementsAre("for ever"));
+    EXPECT_EQ(server.client->Statistics().expired, 1);
+}
+
 TEST_F(LostBusTest, SubscribesAgain) {
     GoAway();
     ComeBack();

@@ -37,7 +37,10 @@ class ScriptedTransport final : public BusTransport {
     }
     void Unsubscribe(const BusAddress& address) override { subscriptions.erase(address); }
     bool HasRoom() const override { return room; }
-    void Write(const BusAddress&, std::string text) override { written.push_back(std::move(text)); }
+    void Write(const BusAddress&, std::string text, EventLoop::TimePoint) override {
+        written.push_back(std::move(text));
+    }
+    std::int64_t Expired() const override { return 0; }
     bool Flushed() const override { return flushed; }
 };
 

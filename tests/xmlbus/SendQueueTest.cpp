@@ -26,7 +26,7 @@ struct SendQueueTest : testing::Test {
     std::vector<std::string> Left() {
         std::vector<std::string> texts;
         while (!queue.Empty())
-            texts.push_back(queue.Pop().Field("Text"));
+            texts.push_back(queue.Pop().message.Field("Text"));
         return texts;
     }
 
@@ -128,7 +128,7 @@ TEST_F(SendQueueTest, KeepsTheStatesOfTwoDestinationsApart) {
 
 TEST_F(SendQueueTest, DoesNotReplaceWhatWasTaken) {
     Send({"C1", "E1"});
-    EXPECT_EQ(queue.Pop().Field("Text"), "C1");
+    EXPECT_EQ(queue.Pop().message.Field("Text"), "C1");
     Send({"C2"});
     EXPECT_THAT(Left(), ElementsAre("C2"));
     Send({"C3"});
@@ -184,6 +184,25 @@ TEST_F(SendQueueTest, ReplacesWithoutSearchingALongQueue) {
     EXPECT_EQ(queue.Size(), 20'001U);
 }
 
+TEST_F(SendQueueTest, DropsWhatHasExpiredWhereverItStands) {
+    const SendQueue::TimePoint start;
+    queue.Push(Note("a"), BusSending::Message, start + Milliseconds(20));
+    Send({"C1", "b"});
+    queue.Push(Note("c"), BusSending::Message, start + Milliseconds(10));
+    EXPECT_EQ(queue.DropExpired(start + Milliseconds(9)), 0);
+    EXPECT_EQ(queue.DropExpired(start + Milliseconds(10)), 1);
+    EXPECT_EQ(queue.DropExpired(start + Milliseconds(30)), 1);
+    EXPECT_THAT(Left(), ElementsAre("C1", "b"));
+    EXPECT_EQ(queue.Bytes(), 0U);
+}
+
+TEST_F(SendQueueTest, DoesNotDropWhatWasTakenBeforeItExpired) {
+    const SendQueue::TimePoint expiry = SendQueue::TimePoint() + Milliseconds(10);
+    queue.Push(Note("a"), BusSending::Message, expiry);
+    EXPECT_EQ(queue.Pop().expiry, expiry);
+    EXPECT_EQ(queue.DropExpired(expiry), 0);
+}
+
 struct SendingTest : testing::Test {
     SendingTest() {
         zeb.Hears(kZeb);
@@ -228,6 +247,31 @@ TEST_F(SendingTest, ReplacesStatesWhileTheBusHasNoRoom) {
     Settle();
     EXPECT_THAT(zeb.heard, ElementsAre("C3"));
     EXPECT_EQ(server.client->Statistics().waiting, 0);
+}
+
+TEST_F(SendingTest, GivesThePlaceOfWhatHasExpiredToANewMessage) {
+    bus.SetRoom(false);
+    server.client->SetLimits({.waiting_messages = 1, .waiting_bytes = 1U << 20});
+    server.client->Send(Note("a"), BusSending::Message, Milliseconds(10));
+    machine.loop->Advance(Milliseconds(10));
+    server.Says("b");
+    bus.SetRoom(true);
+    Settle();
+    EXPECT_THAT(zeb.heard, ElementsAre("b"));
+}
+
+TEST_F(SendingTest, RefusesAnExpiryInThePastAndOneOfAState) {
+    const auto invalid = NumberOf(RuntimeError::InvalidProcedureCall);
+    auto& client = *server.client;
+    EXPECT_EQ(ErrorOf([&] { client.Send(Note("a"), BusSending::Message, Milliseconds(-1)); }), invalid);
+    EXPECT_EQ(ErrorOf([&] { client.Send(StateOf("C", "a"), BusSending::State, Milliseconds(1)); }), invalid);
+    EXPECT_EQ(client.Statistics().sent, 0);
+}
+
+TEST_F(SendingTest, TakesTheLongestExpiryThereIs) {
+    server.client->Send(Note("a"), BusSending::Message, Milliseconds::max());
+    Settle();
+    EXPECT_THAT(zeb.heard, ElementsAre("a"));
 }
 
 TEST_F(SendingTest, RefusesToSendWhenTooMuchWaits) {

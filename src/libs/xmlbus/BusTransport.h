@@ -8,8 +8,10 @@
 // Events are never raised from inside a call. A handler may close or drop the transport.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
+#include <kqappsession/EventLoop.h>
 #include <kqappsession/Signal.h>
 #include <kqappsession/XMLBusClient.h>
 
@@ -41,9 +43,11 @@ class BusTransport {
     virtual void Unsubscribe(const BusAddress& address) = 0;
 
     // Whether a message would be taken. One that was taken is delivered once the bus is there, also when the
-    // place is lost and opened again in between.
+    // place is lost and opened again in between, unless it would be written again after `expiry`.
     virtual bool HasRoom() const = 0;
-    virtual void Write(const BusAddress& destination, std::string text) = 0;
+    virtual void Write(const BusAddress& destination, std::string text, EventLoop::TimePoint expiry) = 0;
+    // How many messages were dropped because they had expired, in this object's life.
+    virtual std::int64_t Expired() const = 0;
     // Whether everything that was written has arrived on the bus.
     virtual bool Flushed() const = 0;
 };

@@ -143,9 +143,21 @@ void HubTransport::OnWelcome(const XMLMessage& message) {
 void HubTransport::WriteAgain() {
     const auto self = shared_from_this();
     writing_again_ = false;
+    DropExpired();
     for (const auto& written : unconfirmed_)
         SendWritten(written);
     Room();
+}
+
+// Only right after the hub's count is known: the hub has none of what is unconfirmed then, and both sides
+// count on from the same number whatever is left out.
+void HubTransport::DropExpired() {
+    const auto now = platform_->loop->Now();
+    expired_ += static_cast<std::int64_t>(std::erase_if(unconfirmed_, [&](const Written& written) {
+        const bool expired = written.expiry <= now;
+        if (expired) unconfirmed_bytes_ -= written.text.size();
+        return expired;
+    }));
 }
 
 void HubTransport::OnTaken(const XMLMessage& message) {
@@ -185,9 +197,9 @@ bool HubTransport::HasRoom() const {
            unconfirmed_bytes_ < kUnconfirmedBytes;
 }
 
-void HubTransport::Write(const BusAddress& destination, std::string text) {
+void HubTransport::Write(const BusAddress& destination, std::string text, EventLoop::TimePoint expiry) {
     unconfirmed_bytes_ += text.size();
-    unconfirmed_.push_back({BusNameOf(destination), std::move(text)});
+    unconfirmed_.push_back({BusNameOf(destination), std::move(text), expiry});
     if (state_ == State::Open && !writing_again_) SendWritten(unconfirmed_.back());
 }
 

@@ -24,7 +24,8 @@ class HubTransport final : public BusTransport, public std::enable_shared_from_t
     void Subscribe(const BusAddress& address, BusSubscription option) override;
     void Unsubscribe(const BusAddress& address) override;
     bool HasRoom() const override;
-    void Write(const BusAddress& destination, std::string text) override;
+    void Write(const BusAddress& destination, std::string text, EventLoop::TimePoint expiry) override;
+    std::int64_t Expired() const override { return expired_; }
     bool Flushed() const override { return unconfirmed_.empty(); }
 
  private:
@@ -32,6 +33,7 @@ class HubTransport final : public BusTransport, public std::enable_shared_from_t
     struct Written {
         std::string name;
         std::string text;
+        EventLoop::TimePoint expiry;
     };
 
     HubTransport(PlatformPtr platform, BusSettings settings);
@@ -44,6 +46,7 @@ class HubTransport final : public BusTransport, public std::enable_shared_from_t
     void OnTaken(const XMLMessage& message);
     bool Confirm(std::int64_t taken);
     void WriteAgain();
+    void DropExpired();
     void Send(const XMLMessage& control);
     void SendWritten(const Written& written);
     // The sentence is told, if nothing else comes up, when `time` has passed.
@@ -64,7 +67,8 @@ class HubTransport final : public BusTransport, public std::enable_shared_from_t
     std::deque<Written> unconfirmed_;
     std::size_t unconfirmed_bytes_ = 0;
     std::int64_t confirmed_ = 0;  // messages in this object's life
-    Owner attempt_;               // of one Open
+    std::int64_t expired_ = 0;
+    Owner attempt_;  // of one Open
 };
 
 }  // namespace kq

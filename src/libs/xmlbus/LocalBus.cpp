@@ -47,14 +47,15 @@ class LocalBus::Transport final : public BusTransport, public std::enable_shared
 
     bool HasRoom() const override { return place_ != 0 && core_->up && core_->room; }
 
-    void Write(const BusAddress& destination, std::string text) override {
-        written_.emplace_back(BusNameOf(destination), std::move(text));
+    void Write(const BusAddress& destination, std::string text, EventLoop::TimePoint expiry) override {
+        written_.push_back({BusNameOf(destination), std::move(text), expiry});
         PostForThisPlace([this] {
             Deliver();
             Room();
         });
     }
 
+    std::int64_t Expired() const override { return expired_; }
     bool Flushed() const override { return written_.empty(); }
 
     void LoseSoon() {
@@ -67,6 +68,12 @@ class LocalBus::Transport final : public BusTransport, public std::enable_shared
     }
 
  private:
+    struct Written {
+        std::string name;
+        std::string text;
+        EventLoop::TimePoint expiry;
+    };
+
     // A task that runs with this object alive, unless the place is given up before.
     template <class Task>
     void PostForThisPlace(Task task) {
@@ -100,9 +107,13 @@ class LocalBus::Transport final : public BusTransport, public std::enable_shared
 
     void Deliver() {
         while (core_->up && !written_.empty()) {
-            const auto [name, text] = std::move(written_.front());
+            const Written written = std::move(written_.front());
             written_.pop_front();
-            core_->routes.Deliver(name, [&, this, &message = text](BusRoutes::PeerId peer) {
+            if (written.expiry <= core_->loop->Now()) {
+                ++expired_;
+                continue;
+            }
+            core_->routes.Deliver(written.name, [&, this, &message = written.text](BusRoutes::PeerId peer) {
                 Transport* const receiver = core_->places.at(peer);
                 receiver->PostForThisPlace([receiver, message] { receiver->Message(message); });
                 return true;
@@ -113,7 +124,8 @@ class LocalBus::Transport final : public BusTransport, public std::enable_shared
     std::shared_ptr<Core> core_;
     bool wanted_ = false;          // between Open and the end of the attempt or place
     BusRoutes::PeerId place_ = 0;  // 0: none
-    std::deque<std::pair<std::string, std::string>> written_;  // name and text
+    std::deque<Written> written_;
+    std::int64_t expired_ = 0;
     Owner owner_;
 };
 

@@ -54,7 +54,7 @@ std::size_t SendQueue::Estimate(const XMLMessage& message) {
            EstimateElement(message.Root());
 }
 
-std::int64_t SendQueue::Push(const XMLMessage& message, BusSending option) {
+std::int64_t SendQueue::Push(const XMLMessage& message, BusSending option, TimePoint expiry) {
     const XMLElement* application = option == BusSending::State ? ApplicationOf(message) : nullptr;
     const std::string letter = application != nullptr ? application->TextOf("InfoState") : std::string();
     const std::string name = application != nullptr ? ApplicationName(message, *application) : std::string();
@@ -71,15 +71,17 @@ std::int64_t SendQueue::Push(const XMLMessage& message, BusSending option) {
     if (entries_.size() - replaced + 1 > limits_.waiting_messages) return -1;
     if (bytes_ - freed + size > limits_.waiting_bytes) return -1;
 
-    entries_.push_back(Entry{message, size, nullptr});
+    entries_.push_back(Entry{message, size, nullptr, expiring_.end()});
+    const auto entry = std::prev(entries_.end());
+    if (expiry != kNever) entry->expiring = expiring_.emplace(expiry, entry);
     bytes_ += size;
     if (outdated != nullptr) {
-        for (const auto& entry : *outdated)
-            entries_.erase(entry);
+        for (const auto& old : *outdated)
+            entries_.erase(old);
         outdated->clear();
         bytes_ -= freed;
     }
-    Enlist(std::prev(entries_.end()), letter, name);
+    Enlist(entry, letter, name);
     return static_cast<std::int64_t>(replaced);
 }
 
@@ -97,13 +99,28 @@ void SendQueue::Enlist(Entries::iterator entry, const std::string& letter, const
     }
 }
 
-XMLMessage SendQueue::Pop() {
+std::int64_t SendQueue::DropExpired(TimePoint now) {
+    std::int64_t dropped = 0;
+    for (; !expiring_.empty() && expiring_.begin()->first <= now; ++dropped) {
+        const auto entry = expiring_.begin()->second;
+        expiring_.erase(expiring_.begin());
+        bytes_ -= entry->bytes;
+        entries_.erase(entry);
+    }
+    return dropped;
+}
+
+SendQueue::Waiting SendQueue::Pop() {
     auto& entry = entries_.front();
     if (entry.outdated != nullptr) entry.outdated->pop_front();
-    XMLMessage message = std::move(entry.message);
+    Waiting waiting{std::move(entry.message), kNever};
+    if (entry.expiring != expiring_.end()) {
+        waiting.expiry = entry.expiring->first;
+        expiring_.erase(entry.expiring);
+    }
     bytes_ -= entry.bytes;
     entries_.pop_front();
-    return message;
+    return waiting;
 }
 
 }  // namespace kq

@@ -25,6 +25,7 @@ constexpr Milliseconds kLongestDelay{15'000};
 constexpr Milliseconds kStopTime{1'000};
 constexpr std::int32_t kStatisticsInterval = 60'000;  // ms
 constexpr std::size_t kReplyBytes = 16;
+constexpr Milliseconds kLongestExpiry = std::chrono::hours(24 * 365);  // a clock's reading later still fits
 
 }  // namespace
 
@@ -39,8 +40,8 @@ class XMLBusClient::Impl {
     void Stop();
     void AddSubscription(const BusAddress& address, BusSubscription option);
     void RemoveSubscription(const BusAddress& address);
-    void Send(const XMLMessage& message, BusSending option);
-    BusStatistics Statistics() const;
+    void Send(const XMLMessage& message, BusSending option, Milliseconds expiry);
+    BusStatistics Statistics();
 
     bool Running() const { return state_ == State::Running; }
     bool Connected() const { return connected_; }
@@ -62,6 +63,7 @@ class XMLBusClient::Impl {
     void UnsubscribeAll();
     void WriteSoon();
     void WriteWhileThereIsRoom();
+    void DropExpired();
     void Close();
 
     XMLBusClient& face_;
@@ -105,6 +107,7 @@ XMLBusClient::Impl::~Impl() {
 
 void XMLBusClient::Impl::UseTransport(std::shared_ptr<BusTransport> transport) {
     transport_owner_.Cancel();
+    if (transport_ != nullptr) statistics_.expired += transport_->Expired();
     transport_ = std::move(transport);
     transport_->Ready.Connect(transport_owner_, [this] { OnReady(); });
     transport_->Lost.Connect(transport_owner_, [this](const std::string& text) { OnLost(text); });
@@ -187,24 +190,37 @@ void XMLBusClient::Impl::UnsubscribeAll() {
         transport_->Unsubscribe(address);
 }
 
-void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option) {
+void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option, Milliseconds expiry) {
     if (!Running()) Raise(RuntimeError::InvalidProcedureCall, "The bus client is not running.");
     if (message.Type().empty() || (option != BusSending::Message && option != BusSending::State)) {
         Raise(RuntimeError::InvalidProcedureCall);
+    }
+    if (expiry < kNoExpiry || (expiry != kNoExpiry && option == BusSending::State)) {
+        Raise(RuntimeError::InvalidProcedureCall,
+              "A message expires in 0 or more milliseconds, a state never");
     }
     BusNameOf(message.Destination());  // raises for what is no address
     if (SendQueue::Estimate(message) > kMaxMessage && message.ToBusXML().size() > kMaxMessage) {
         Raise(NetError::MessageTooLong, kSource);
     }
-    const auto replaced = queue.Push(message, option);
+    DropExpired();
+    const auto replaced = queue.Push(
+        message, option,
+        expiry == kNoExpiry ? SendQueue::kNever : platform_->loop->Now() + std::min(expiry, kLongestExpiry));
     if (replaced < 0) Raise(NetError::NoBufferSpace, kSource, "Too many messages wait for the bus.");
     ++statistics_.sent;
     statistics_.replaced += replaced;
     WriteSoon();
 }
 
-BusStatistics XMLBusClient::Impl::Statistics() const {
+void XMLBusClient::Impl::DropExpired() {
+    statistics_.expired += queue.DropExpired(platform_->loop->Now());
+}
+
+BusStatistics XMLBusClient::Impl::Statistics() {
+    DropExpired();
     auto statistics = statistics_;
+    statistics.expired += transport_->Expired();
     statistics.waiting = static_cast<std::int64_t>(queue.Size());
     return statistics;
 }
@@ -218,9 +234,10 @@ void XMLBusClient::Impl::WriteSoon() {
 }
 
 void XMLBusClient::Impl::WriteWhileThereIsRoom() {
+    DropExpired();
     while (connected_ && !queue.Empty() && transport_->HasRoom()) {
-        const XMLMessage message = queue.Pop();
-        transport_->Write(message.Destination(), message.ToBusXML());
+        const auto [message, expiry] = queue.Pop();
+        transport_->Write(message.Destination(), message.ToBusXML(), expiry);
         ++statistics_.written;
     }
 }
@@ -340,8 +357,8 @@ void XMLBusClient::SetEnterpriseID(const std::string& id) {
     impl_->enterprise_id = id;
 }
 
-void XMLBusClient::Send(const XMLMessage& message, BusSending option) {
-    impl_->Send(message, option);
+void XMLBusClient::Send(const XMLMessage& message, BusSending option, Milliseconds expiry) {
+    impl_->Send(message, option, expiry);
 }
 
 BusStatistics XMLBusClient::Statistics() const {
