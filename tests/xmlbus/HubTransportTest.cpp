@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char kKey[] = "open sesame";
-constexpr char kNoBus[] = "The other side does not speak the protocol of the bus.";
+constexpr char kNoBus[] = "The other side does not speak the protocol of the bus";
 
 struct HubTransportTest : testing::Test {
     HubTransportTest() {
@@ -95,7 +95,7 @@ TEST_F(HubTransportTest, LeavesAHubThatDoesNotKnowTheKey) {
     Accept();
     Challenge();
     Welcome("0", "another");
-    EXPECT_THAT(party.changes, ElementsAre("The hub does not know the key of this bus."));
+    EXPECT_THAT(party.changes, ElementsAre("The hub does not know the key of this bus"));
     EXPECT_TRUE(hub->ended);
 }
 
@@ -122,7 +122,7 @@ TEST_F(HubTransportTest, LeavesAHubThatDoesNotAnswerWithinTenSeconds) {
     EXPECT_FALSE(hub->ended);
     Pass(1);
     EXPECT_TRUE(hub->ended);
-    EXPECT_THAT(party.changes, ElementsAre("The hub does not answer."));
+    EXPECT_THAT(party.changes, ElementsAre("The hub does not answer"));
 }
 
 TEST_F(HubTransportTest, LeavesAHubThatSkipsAStep) {
@@ -187,7 +187,7 @@ TEST_F(HubTransportTest, LeavesAHubThatConfirmsNothingForThirtySeconds) {
     EXPECT_TRUE(party.client->Connected());
     Pass(1);
     EXPECT_FALSE(party.client->Connected());
-    EXPECT_EQ(party.changes.back(), "The hub takes no more messages.");
+    EXPECT_EQ(party.changes.back(), "The hub has stopped confirming messages");
 }
 
 TEST_F(HubTransportTest, StaysWithASilentHubWhenNothingIsUnconfirmed) {

@@ -52,7 +52,7 @@ TEST_F(LostBusTest, KeepsRunningWithoutItsPlace) {
 TEST_F(LostBusTest, TellsThatThePlaceWasLostAndGained) {
     GoAway();
     ComeBack();
-    EXPECT_THAT(server.changes, ElementsAre("The bus inside this process is away.", "there"));
+    EXPECT_THAT(server.changes, ElementsAre("The bus inside this process is away", "there"));
 }
 
 TEST_F(LostBusTest, TellsOfFailingAttemptsOnlyOnce) {

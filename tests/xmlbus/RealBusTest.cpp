@@ -67,7 +67,7 @@ TEST_F(RealBusTest, KeepsTheHubOfARunningClient) {
 TEST_F(RealBusTest, RefusesAnotherKey) {
     const auto stranger = Join("another");
     ASSERT_TRUE(Await([&] { return !stranger->changes.empty(); }));
-    EXPECT_THAT(stranger->changes, ElementsAre("The hub refuses this client: The key is another one."));
+    EXPECT_THAT(stranger->changes, ElementsAre("The hub refuses this client: Wrong key"));
 }
 
 TEST_F(RealBusTest, WritesTheEndOfServiceBeforeTheClientStops) {

@@ -27,7 +27,7 @@ XMLMessage ParseBusControl(std::string_view text) {
     XMLMessage message;
     message.LoadBusXML(text, {.bytes = kMaxBusControl, .depth = 8, .elements = 64});
     if (message.Version() != kBusVersion) {
-        Raise(RuntimeError::InvalidProcedureCall, "The version of the bus protocol is not known.");
+        Raise(RuntimeError::InvalidProcedureCall, "Unknown version of the bus protocol");
     }
     return message;
 }

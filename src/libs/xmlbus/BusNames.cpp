@@ -50,7 +50,7 @@ std::string BusNameOf(const BusAddress& address) {
     std::string name = EncodeType(address.type);
     if (!address.subtype.empty()) name += '/' + address.subtype;
     if (address.type.empty() || name.size() > kMaxBusName || !IsPlainText(name)) {
-        Raise(RuntimeError::InvalidProcedureCall, "This is not an address of the bus.");
+        Raise(RuntimeError::InvalidProcedureCall, "This is not an address of the bus");
     }
     return name;
 }

@@ -34,12 +34,12 @@ Hub::~Hub() {
 }
 
 void Hub::Listen(const std::string& address, std::int32_t port, const std::string& key) {
-    if (Listening()) Raise(RuntimeError::InvalidProcedureCall, "The hub is listening already.");
+    if (Listening()) Raise(RuntimeError::InvalidProcedureCall, "The hub is already listening");
     std::string local = address == "localhost" ? "127.0.0.1" : address;
     if (key.empty() && local.empty()) local = "127.0.0.1";
     if (key.empty() && !IsLoopback(local)) {
         Raise(RuntimeError::InvalidProcedureCall,
-              "A hub without a key listens on loopback only.  Give it a key, or the address 127.0.0.1.");
+              "A hub without a key listens on loopback only: give it a key, or the address 127.0.0.1");
     }
     const auto listener = Listener::Create(platform_);
     APLimits limits;
@@ -99,7 +99,7 @@ void Hub::OnAccepted(const Listener::ClientPtr& connection) {
     auto& peer = peers_[id];
     peer.connection = connection;
     peer.deadline = platform_->loop->StartTimer(
-        limits_.greeting_time, owner_.Bind([this, id] { Refuse(id, "The key was not proven in time."); }));
+        limits_.greeting_time, owner_.Bind([this, id] { Refuse(id, "The key was not proven in time"); }));
     ids_[connection->Identifier()] = id;
 }
 
@@ -107,9 +107,9 @@ void Hub::OnBlock(const Listener::ClientPtr& connection, const Block& block) {
     const PeerId id = IdOf(connection);
     const auto peer = peers_.find(id);
     if (peer == peers_.end()) return;
-    if (block.data_type != DataType::XML) return Refuse(id, "The bus carries XML messages only.");
+    if (block.data_type != DataType::XML) return Refuse(id, "The bus carries XML messages only");
     if (!block.tag.empty()) {
-        if (peer->second.stage != Stage::Admitted) return Refuse(id, "The key was not proven.");
+        if (peer->second.stage != Stage::Admitted) return Refuse(id, "The key was not proven");
         return OnMessage(id, block);
     }
     XMLMessage message;
@@ -131,7 +131,7 @@ void Hub::OnControl(PeerId id, const XMLMessage& message) {
     } else if ((type == kBusSubscribe || type == kBusUnsubscribe) && stage == Stage::Admitted) {
         OnSubscription(id, message);
     } else {
-        Refuse(id, "This was not expected here.");
+        Refuse(id, "Unexpected message");
     }
 }
 
@@ -141,7 +141,7 @@ void Hub::OnHello(PeerId id, const XMLMessage& message) {
                      platform_->crypto->RandomHex(kBusRandomBytes)};
     peer.taken = BusCount(message, "Taken");
     if (!IsRandomText(peer.greeting.client) || !IsRandomText(peer.greeting.nonce) || peer.taken < 0) {
-        return Refuse(id, "The greeting is malformed.");
+        return Refuse(id, "The greeting is malformed");
     }
     peer.stage = Stage::Challenged;
     auto challenge = MakeBusControl(kBusChallenge);
@@ -153,8 +153,7 @@ void Hub::OnProof(PeerId id, const XMLMessage& message) {
     auto& peer = peers_.at(id);
     const auto& crypto = *platform_->crypto;
     const auto proof = BusProofOf(crypto, key_.Reveal(), kPeerRole, peer.greeting);
-    if (!crypto.EqualConstantTime(proof, message.Field("Proof")))
-        return Refuse(id, "The key is another one.");
+    if (!crypto.EqualConstantTime(proof, message.Field("Proof"))) return Refuse(id, "Wrong key");
     platform_->loop->CancelTimer(peer.deadline);
     peer.connection->Admit();
     ReplaceOlderPlace(id);
@@ -193,14 +192,13 @@ void Hub::OnSubscription(PeerId id, const XMLMessage& message) {
     }
     if (message.Type() == kBusUnsubscribe) return routes_.Unsubscribe(id, name);
     const auto option = BusCount(message, "Option");
-    if (option != 0 && option != 1) return Refuse(id, "This option of a subscription is not known.");
-    if (routes_.SubscriptionsOf(id) >= limits_.subscriptions)
-        return Refuse(id, "These are too many subscriptions.");
+    if (option != 0 && option != 1) return Refuse(id, "Unknown option of a subscription");
+    if (routes_.SubscriptionsOf(id) >= limits_.subscriptions) return Refuse(id, "Too many subscriptions");
     routes_.Subscribe(id, name, static_cast<BusSubscription>(option));
 }
 
 void Hub::OnMessage(PeerId id, const Block& block) {
-    if (!BusAddressOf(block.tag)) return Refuse(id, "This is not an address of the bus.");
+    if (!BusAddressOf(block.tag)) return Refuse(id, "This is not an address of the bus");
     ++peers_.at(id).taken;
     ++statistics_.taken;
     TellTakenSoon(id);

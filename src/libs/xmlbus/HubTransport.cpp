@@ -20,7 +20,7 @@ constexpr Milliseconds kConfirmTime{30'000};
 constexpr std::size_t kUnconfirmedMessages = 1'000;
 constexpr std::size_t kUnconfirmedBytes = 256U << 10;
 constexpr std::size_t kUnsent = 4 * XMLBusClient::kMaxMessage;
-constexpr char kBrokenProtocol[] = "The other side does not speak the protocol of the bus.";
+constexpr char kBrokenProtocol[] = "The other side does not speak the protocol of the bus";
 
 }  // namespace
 
@@ -53,7 +53,7 @@ void HubTransport::Open() {
     connection_->SetKeepAlive(true);
     connection_->Receive.Connect(attempt_, [this](const Block& block) { OnBlock(block); });
     connection_->Error.Connect(attempt_, [this](std::int32_t, const std::string& text) { Fail(text); });
-    connection_->Disconnected.Connect(attempt_, [this] { Fail("The hub has ended the connection."); });
+    connection_->Disconnected.Connect(attempt_, [this] { Fail("The hub has ended the connection"); });
     connection_->ConnectEnded.Connect(attempt_, [this](std::int32_t error, const std::string& text) {
         error == 0 ? OnConnected() : Fail(text);
     });
@@ -73,7 +73,7 @@ void HubTransport::Close() {
 
 void HubTransport::OnConnected() {
     state_ = State::Greeting;
-    ExpectAnswerWithin(kGreetingTime, "The hub does not answer.");
+    ExpectAnswerWithin(kGreetingTime, "The hub does not answer");
     greeting_.nonce = platform_->crypto->RandomHex(kBusRandomBytes);
     auto hello = MakeBusControl(kBusHello);
     hello.SetField("Client", greeting_.client);
@@ -128,7 +128,7 @@ void HubTransport::OnChallenge(const XMLMessage& message) {
 void HubTransport::OnWelcome(const XMLMessage& message) {
     const auto proof = BusProofOf(*platform_->crypto, key_.Reveal(), kHubRole, greeting_);
     if (!platform_->crypto->EqualConstantTime(proof, message.Field("Proof"))) {
-        return Fail("The hub does not know the key of this bus.");
+        return Fail("The hub does not know the key of this bus");
     }
     if (!Confirm(BusCount(message, "Taken"))) return Fail(kBrokenProtocol);
     ExpectNothing();
@@ -163,7 +163,7 @@ void HubTransport::DropExpired() {
 void HubTransport::OnTaken(const XMLMessage& message) {
     if (!Confirm(BusCount(message, "Taken"))) return Fail(kBrokenProtocol);
     ExpectNothing();
-    if (!unconfirmed_.empty()) ExpectAnswerWithin(kConfirmTime, "The hub takes no more messages.");
+    if (!unconfirmed_.empty()) ExpectAnswerWithin(kConfirmTime, "The hub has stopped confirming messages");
     Room();
 }
 
@@ -205,7 +205,7 @@ void HubTransport::Write(const BusAddress& destination, std::string text, EventL
 
 void HubTransport::SendWritten(const Written& written) {
     if (state_ != State::Open) return;
-    if (deadline_ == 0) ExpectAnswerWithin(kConfirmTime, "The hub takes no more messages.");
+    if (deadline_ == 0) ExpectAnswerWithin(kConfirmTime, "The hub has stopped confirming messages");
     try {
         connection_->SendText(written.text, written.name);
     } catch (const Error& error) {

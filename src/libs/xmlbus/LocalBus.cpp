@@ -102,7 +102,7 @@ class LocalBus::Transport final : public BusTransport, public std::enable_shared
 
     void Fail() {
         wanted_ = false;
-        Lost("The bus inside this process is away.");
+        Lost("The bus inside this process is away");
     }
 
     void Deliver() {

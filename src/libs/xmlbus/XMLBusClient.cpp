@@ -158,7 +158,7 @@ void XMLBusClient::Impl::Close() {
     platform_->loop->CancelTimer(retry_);
     statistics_timer_.SetEnabled(false);
     transport_->Close();
-    if (std::exchange(connected_, false)) face_.ConnectionChanged(false, "The bus client was stopped.");
+    if (std::exchange(connected_, false)) face_.ConnectionChanged(false, "The bus client was stopped");
     face_.StatisticsEvent(Statistics());
 }
 
@@ -173,7 +173,7 @@ void XMLBusClient::Impl::AddSubscription(const BusAddress& address, BusSubscript
 
 void XMLBusClient::Impl::RemoveSubscription(const BusAddress& address) {
     if (subscriptions_.erase(address) == 0) {
-        Raise(RuntimeError::InvalidProcedureCall, "There is no subscription for this address.");
+        Raise(RuntimeError::InvalidProcedureCall, "There is no subscription for this address");
     }
     if (Running() && connected_) transport_->Unsubscribe(address);
 }
@@ -191,7 +191,7 @@ void XMLBusClient::Impl::UnsubscribeAll() {
 }
 
 void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option, Milliseconds expiry) {
-    if (!Running()) Raise(RuntimeError::InvalidProcedureCall, "The bus client is not running.");
+    if (!Running()) Raise(RuntimeError::InvalidProcedureCall, "The bus client is not running");
     if (message.Type().empty() || (option != BusSending::Message && option != BusSending::State)) {
         Raise(RuntimeError::InvalidProcedureCall);
     }
@@ -207,7 +207,7 @@ void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option, Mill
     const auto replaced = queue.Push(
         message, option,
         expiry == kNoExpiry ? SendQueue::kNever : platform_->loop->Now() + std::min(expiry, kLongestExpiry));
-    if (replaced < 0) Raise(NetError::NoBufferSpace, kSource, "Too many messages wait for the bus.");
+    if (replaced < 0) Raise(NetError::NoBufferSpace, kSource, "Too many messages are queued for the bus");
     ++statistics_.sent;
     statistics_.replaced += replaced;
     WriteSoon();

@@ -24,7 +24,7 @@ Sub KeepsSubscriptions
     Bus.RemoveSubscription "AS", "Broadcast"
     On Error Resume Next
     Bus.RemoveSubscription "AS", "Broadcast"
-    ExpectError "an unknown one", 5, "KQAppSessionLib", "There is no subscription for this address."
+    ExpectError "an unknown one", 5, "KQAppSessionLib", "There is no subscription for this address"
     Bus.AddSubscription "AS", 7
     ExpectError "an option that is none", 5, "KQAppSessionLib", "Invalid procedure call or argument"
 End Sub
