@@ -188,11 +188,26 @@ TEST_F(HubGreetingTest, RefusesAMalformedGreeting) {
           {{"Client", "a"}, {"Nonce", "a"}, {"Taken", "-1"}},
           {{"Client", "a:b"}, {"Nonce", "a"}, {"Taken", "0"}},
           {{"Client", "a"}, {"Nonce", long_text}, {"Taken", "0"}},
+          {{"Client", "a"}, {"Nonce", "a"}, {"Taken", ""}},
+          {{"Client", "a"}, {"Nonce", "a"}, {"Taken", "1x"}},
+          {{"Client", "a"}, {"Nonce", "a"}, {"Taken", " 1"}},
+          {{"Client", "a"}, {"Nonce", "a"}, {"Taken", "1.5"}},
+          {{"Client", "a"}, {"Nonce", "a"}, {"Taken", "9223372036854775807"}},
+          {{"Client", "a"}, {"Nonce", "a"}, {"Taken", "1000000000000001"}},
           {{"Client", "a"}, {"Nonce", "a"}, {"Taken", "99999999999999999999"}}}) {
         StreamPeer peer(machine, hub->Port());
         peer.Says(kBusHello, fields);
         ExpectRefused(peer, "The greeting is malformed");
     }
+}
+
+TEST_F(HubGreetingTest, CountsOnFromTheLargestCountThatItAccepts) {
+    StreamPeer peer(machine, hub->Port());
+    peer.Says(kBusHello, {{"Client", "c1"}, {"Nonce", "a1"}, {"Taken", "1000000000000000"}});
+    peer.SaysProof(kKey);
+    peer.SaysBlock("Nobody", "a");
+    EXPECT_EQ(peer.Last().Field("Taken"), "1000000000000001");
+    EXPECT_FALSE(peer.ended);
 }
 
 TEST_F(HubGreetingTest, RefusesASecondGreeting) {
@@ -214,10 +229,12 @@ TEST_F(HubGreetingTest, RefusesASubscriptionThatIsNoAddressOrHasAnUnknownOption)
     nameless.Enters(kKey);
     nameless.Hears("");
     ExpectRefused(nameless, "This is not an address of the bus");
-    StreamPeer peer(machine, hub->Port());
-    peer.Enters(kKey);
-    peer.Hears("ZEB", "2");
-    ExpectRefused(peer, "Unknown option of a subscription");
+    for (const char* option : {"2", "-1", "", "x", "99999999999999999999"}) {
+        StreamPeer peer(machine, hub->Port());
+        peer.Enters(kKey);
+        peer.Hears("ZEB", option);
+        ExpectRefused(peer, "Unknown option of a subscription");
+    }
 }
 
 TEST_F(HubGreetingTest, RefusesAMessageForWhatIsNoAddress) {

@@ -170,6 +170,17 @@ TEST_F(HubTransportTest, LeavesAHubThatConfirmsWhatWasNeverSent) {
     EXPECT_FALSE(party.client->Connected());
 }
 
+TEST_F(HubTransportTest, LeavesAHubWithAnInvalidCount) {
+    for (const char* count : {"-1", "", "x", "9223372036854775807", "-9223372036854775808", "1e0"}) {
+        LetIn();
+        party.Says("a", {"A", ""});
+        Settle();
+        hub->Says(kBusTaken, {{"Taken", count}});
+        EXPECT_TRUE(hub->ended) << count;
+        Pass(15'000);
+    }
+}
+
 TEST_F(HubTransportTest, LeavesAHubThatTakesAConfirmationBack) {
     LetIn();
     party.Says("a");

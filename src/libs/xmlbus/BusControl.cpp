@@ -36,7 +36,8 @@ std::int64_t BusCount(const XMLMessage& message, std::string_view field) {
     const std::string text = message.Field(field);
     std::int64_t count = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
-    return error == std::errc() && end == text.data() + text.size() && count >= 0 ? count : -1;
+    if (error != std::errc() || end != text.data() + text.size()) return -1;
+    return count >= 0 && count <= kMaxBusCount ? count : -1;
 }
 
 }  // namespace kq

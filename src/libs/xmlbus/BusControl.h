@@ -29,6 +29,8 @@ inline constexpr std::string_view kBusVersion = "1";     // of every control mes
 inline constexpr std::size_t kBusRandomBytes = 32;       // of nonce and challenge
 inline constexpr std::size_t kMaxBusControl = 8U << 10;  // bytes of a control message
 inline constexpr std::size_t kMaxBusRandomText = 128;    // characters of a client name, nonce or challenge
+// No client sends so many messages; counting on from there needs no check.
+inline constexpr std::int64_t kMaxBusCount = 1'000'000'000'000'000;
 
 // What both sides of one greeting know, and what the proofs are made over.
 struct BusGreeting {
@@ -47,7 +49,7 @@ inline constexpr std::string_view kHubRole = "hub";
 XMLMessage MakeBusControl(std::string_view type);
 // Raises an Error for what is no control message of this version.
 XMLMessage ParseBusControl(std::string_view text);
-// A count in a field; -1 when it is none.
+// A count in a field, 0 to kMaxBusCount as decimal digits; -1 for anything else.
 std::int64_t BusCount(const XMLMessage& message, std::string_view field);
 
 }  // namespace kq
