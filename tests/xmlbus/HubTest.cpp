@@ -1,4 +1,6 @@
 // The hub and its clients: who hears what, who is cut, and what is kept over a cut connection.
+#include <map>
+
 #include "xmlbus/HubTesting.h"
 
 namespace kq {
@@ -181,6 +183,73 @@ TEST_F(HubTest, GivesASharedMessageToTheNextWhenASlowPeerIsCut) {
     }
     ASSERT_EQ(zeb->heard.size(), 2U);
     EXPECT_EQ(zeb->heard[1][0], 'c');
+}
+
+// What the hub has said about an address: "+" reachable, "-" no longer.
+struct HubReachTest : HubTest {
+    HubReachTest() {
+        hub->Reachable.Connect(
+            owner, [this](const BusAddress& address, bool there) { said[address] += there ? '+' : '-'; });
+    }
+    std::map<BusAddress, std::string> said;
+};
+
+TEST_F(HubReachTest, SaysWhenAReplyAddressComesAndGoesWithItsPeer) {
+    auto server = Join();
+    const auto address = server->ReplyAddress();
+    EXPECT_EQ(said[address], "+");
+    machine.network->CutAll();
+    Settle();
+    EXPECT_EQ(said[address], "+-");
+    Pass(250);
+    EXPECT_EQ(said[address], "+-+");
+}
+
+TEST_F(HubReachTest, SaysThatAPeerIsGoneBeforeItsNewestConnectionIsThere) {
+    StreamPeer old(machine, hub->Port());
+    old.Enters(kKey);
+    old.Hears("Mine");
+    StreamPeer newer(machine, hub->Port());
+    newer.Enters(kKey);
+    newer.Hears("Mine");
+    EXPECT_EQ((said[{"Mine", ""}]), "+-+");
+}
+
+TEST_F(HubReachTest, SaysThatAPeerIsGoneAfterItsLastWord) {
+    const auto zeb = Join();
+    const auto server = Join();
+    zeb->Hears(kZeb);
+    Settle();
+    bool gone_before = true;
+    zeb->client->ReceiveMessage.Connect(
+        owner, [&](const auto&, bool&) { gone_before = said[server->ReplyAddress()] != "+"; });
+    server->States("D", "down");
+    server->client->Stop();
+    Settle();
+    EXPECT_FALSE(gone_before);
+    EXPECT_EQ(said[server->ReplyAddress()], "+-");
+}
+
+TEST_F(HubReachTest, SaysItOfAnAddressOnceForAllItsSubscribers) {
+    auto one = Join();
+    auto other = Join();
+    for (const auto* party : {&one, &other})
+        (*party)->Hears(kBroadcast);
+    Settle();
+    one->HearsNoMore(kBroadcast);
+    Settle();
+    EXPECT_EQ(said[kBroadcast], "+");
+    other->HearsNoMore(kBroadcast);
+    Settle();
+    EXPECT_EQ(said[kBroadcast], "+-");
+}
+
+TEST_F(HubReachTest, LetsItsHostDestroyItWhenAPeerIsGone) {
+    const auto server = Join();
+    hub->Reachable.Connect(owner, [&](const BusAddress&, bool) { hub.reset(); });
+    machine.network->CutAll();
+    Settle();
+    EXPECT_EQ(hub, nullptr);
 }
 
 TEST_F(HubTest, StopsAndServesAgain) {

@@ -29,16 +29,15 @@ void BusRoutes::Unsubscribe(PeerId peer, const std::string& name) {
 }
 
 void BusRoutes::Remove(PeerId peer) {
-    const auto found = peers_.find(peer);
-    if (found == peers_.end()) return;
-    const auto names = found->second;
+    const auto names = NamesOf(peer);
     for (const auto& name : names)
         Unsubscribe(peer, name);
 }
 
-std::size_t BusRoutes::SubscriptionsOf(PeerId peer) const {
+const std::set<std::string>& BusRoutes::NamesOf(PeerId peer) const {
+    static const std::set<std::string> none;
     const auto found = peers_.find(peer);
-    return found == peers_.end() ? 0 : found->second.size();
+    return found == peers_.end() ? none : found->second;
 }
 
 std::size_t BusRoutes::Deliver(std::string_view name, const std::function<bool(PeerId)>& deliver) {

@@ -21,7 +21,10 @@ class BusRoutes {
     void Subscribe(PeerId peer, const std::string& name, BusSubscription option);
     void Unsubscribe(PeerId peer, const std::string& name);
     void Remove(PeerId peer);
-    std::size_t SubscriptionsOf(PeerId peer) const;
+    std::size_t SubscriptionsOf(PeerId peer) const { return NamesOf(peer).size(); }
+    const std::set<std::string>& NamesOf(PeerId peer) const;
+    // Whether anybody hears this address.
+    bool Reaches(std::string_view name) const { return addresses_.contains(name); }
 
     // Offers a message for this address to every ordinary subscriber and, in turn, to those that share it
     // until one takes it. `deliver` returns whether the peer took it, and may change the subscriptions.

@@ -190,11 +190,17 @@ void Hub::OnSubscription(PeerId id, const XMLMessage& message) {
     } catch (const Error& error) {
         return Refuse(id, error.Description());
     }
-    if (message.Type() == kBusUnsubscribe) return routes_.Unsubscribe(id, name);
+    const bool reached = routes_.Reaches(name);
+    if (message.Type() == kBusUnsubscribe) {
+        routes_.Unsubscribe(id, name);
+        if (reached && !routes_.Reaches(name)) ReachableSoon(name, false);
+        return;
+    }
     const auto option = BusCount(message, "Option");
     if (option != 0 && option != 1) return Refuse(id, "Unknown option of a subscription");
     if (routes_.SubscriptionsOf(id) >= limits_.subscriptions) return Refuse(id, "Too many subscriptions");
     routes_.Subscribe(id, name, static_cast<BusSubscription>(option));
+    if (!reached) ReachableSoon(name, true);
 }
 
 void Hub::OnMessage(PeerId id, const Block& block) {
@@ -261,6 +267,11 @@ void Hub::NoteSoon(const std::string& text) {
     platform_->loop->Post(owner_.Bind([this, text] { Note(text); }));
 }
 
+void Hub::ReachableSoon(const std::string& name, bool there) {
+    const auto address = BusAddressOf(name).value();
+    platform_->loop->Post(owner_.Bind([this, address, there] { Reachable(address, there); }));
+}
+
 void Hub::OnGone(const Listener::ClientPtr& connection) {
     Remove(IdOf(connection));
 }
@@ -275,7 +286,11 @@ void Hub::Remove(PeerId id) {
     }
     platform_->loop->CancelTimer(peer.deadline);
     ids_.erase(peer.connection->Identifier());
+    const auto names = routes_.NamesOf(id);
     routes_.Remove(id);
+    for (const auto& name : names) {
+        if (!routes_.Reaches(name)) ReachableSoon(name, false);
+    }
     peers_.erase(found);
 }
 

@@ -47,6 +47,10 @@ class Hub {
 
     // A sentence for the host's log: a peer was refused or cut, the listener failed.
     Signal<const std::string&> Note;
+    // An address has its first subscriber (true) or has lost its last one (false), in the order in which it
+    // happened. A bus client subscribes to its reply address before it sends anything, so for a sender that
+    // names its reply address this says whether its connection to this hub is still open.
+    Signal<const BusAddress&, bool> Reachable;
 
     // Listens on a port (0: a free one) of a numeric local address (empty: all; "localhost": loopback). With
     // an empty key the hub takes anybody, so it listens on loopback only: an empty address is 127.0.0.1 then,
@@ -86,6 +90,7 @@ class Hub {
     void Send(PeerId id, const XMLMessage& control);
     void TellTakenSoon(PeerId id);
     void NoteSoon(const std::string& text);
+    void ReachableSoon(const std::string& name, bool there);
     void Refuse(PeerId id, const std::string& text);
     void Remove(PeerId id);
     void ReplaceOlderPlace(PeerId id);

@@ -60,7 +60,7 @@ class XMLBusClient::Impl {
     void Attempt();
     void AttemptLater();
     void SubscribeAll();
-    void UnsubscribeAll();
+    void UnsubscribeAllButReply();
     void WriteSoon();
     void WriteWhileThereIsRoom();
     void DropExpired();
@@ -142,9 +142,9 @@ void XMLBusClient::Impl::Stop() {
     if (state_ != State::Running) return;
     const auto self = face_.shared_from_this();
     state_ = State::Stopping;
-    // Messages that are shared go to the others from here on; what is on its way to this client still
-    // arrives.
-    if (connected_) UnsubscribeAll();
+    // Messages that are shared go to the others from here on. What is on its way to this client and answers
+    // to it still arrive, and the hub sees a client that is there until its last word has been said.
+    if (connected_) UnsubscribeAllButReply();
     const auto written_out = [this] { return queue.Empty() && transport_->Flushed(); };
     if (!connected_ && !written_out()) Attempt();
     WriteWhileThereIsRoom();
@@ -184,8 +184,7 @@ void XMLBusClient::Impl::SubscribeAll() {
         transport_->Subscribe(address, option);
 }
 
-void XMLBusClient::Impl::UnsubscribeAll() {
-    transport_->Unsubscribe(reply);
+void XMLBusClient::Impl::UnsubscribeAllButReply() {
     for (const auto& [address, option] : subscriptions_)
         transport_->Unsubscribe(address);
 }
