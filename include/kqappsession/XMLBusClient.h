@@ -63,7 +63,10 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
         std::size_t waiting_bytes = 64U << 20;  // estimated size of the waiting messages
     };
     static constexpr std::string_view kSource = "KQXMLBusClientLib";
-    static constexpr std::size_t kMaxMessage = 16U << 20;  // bytes of a message's bus form
+    // What a message may hold at most; a larger one is neither sent nor received. Room for the session
+    // list of an application server with 20,000 sessions, ten times over.
+    static constexpr std::size_t kMaxMessage = 16U << 20;  // bytes of its bus form
+    static constexpr std::size_t kMaxElements = 200'000;   // its root included
     static constexpr Milliseconds kNoExpiry{0};
 
     // A client of a hub, and a client over any transport (one inside the process for tests).
@@ -110,8 +113,8 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
     void SetEnterpriseID(const std::string& id);
 
     // Queues a copy of the message for its destination. Raises RuntimeError::InvalidProcedureCall when not
-    // running, without a type or without a destination, NetError::MessageTooLong when its text is over
-    // kMaxMessage, and NetError::NoBufferSpace when the queue is full.
+    // running, without a type or without a destination, NetError::MessageTooLong when it is over kMaxMessage
+    // or kMaxElements, and NetError::NoBufferSpace when the queue is full.
     //
     // `expiry`: milliseconds from now in which the message may be written to the bus; kNoExpiry: no limit.
     // Afterwards it is dropped and counted in BusStatistics::expired, not delivered late. That also holds for

@@ -239,6 +239,39 @@ TEST_F(XMLBusClientTest, CarriesALongMessageWhoseEstimateIsTooHigh) {
     EXPECT_EQ(zeb->heard[0], text);
 }
 
+// `count` elements, the message itself included.
+XMLMessage MessageOf(std::size_t count) {
+    auto message = Note("a");
+    auto& list = message.Root().Add("Sessions");
+    for (std::size_t i = 3; i < count; ++i)
+        list.Add("SessionID", std::string(32, 'f'));
+    return message;
+}
+
+TEST_F(XMLBusClientTest, CarriesTheLongestSessionListThatIsToBeExpected) {
+    zeb->Hears(kZeb);
+    server->client->Send(MessageOf(XMLBusClient::kMaxElements));
+    Settle();
+    EXPECT_EQ(zeb->client->Statistics().received, 1);
+    EXPECT_EQ(zeb->client->Statistics().malformed, 0);
+}
+
+TEST_F(XMLBusClientTest, RefusesAMessageOfMoreElementsThanItsReceiverWouldRead) {
+    const auto message = MessageOf(XMLBusClient::kMaxElements + 1);
+    EXPECT_EQ(ErrorOf([&] { server->client->Send(message); }), NumberOf(NetError::MessageTooLong));
+    EXPECT_EQ(server->client->Statistics().sent, 0);
+}
+
+TEST_F(XMLBusClientTest, DropsAndCountsAMessageOfTooManyElements) {
+    const auto transport = std::make_shared<ScriptedTransport>();
+    Party party(XMLBusClient::Create(machine.platform, transport));
+    party.client->Start();
+    transport->BecomesReady();
+    transport->Brings(MessageOf(XMLBusClient::kMaxElements + 1).ToBusXML());
+    EXPECT_THAT(party.heard, IsEmpty());
+    EXPECT_EQ(party.client->Statistics().malformed, 1);
+}
+
 TEST_F(XMLBusClientTest, SendsTheMessageAsItWasWhenItWasSent) {
     zeb->Hears(kZeb);
     auto message = Note("before");

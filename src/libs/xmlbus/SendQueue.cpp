@@ -30,6 +30,13 @@ std::size_t EstimateElement(const XMLElement& element) {
     return size;
 }
 
+std::size_t CountElements(const XMLElement& element) {
+    std::size_t count = 1;
+    for (const auto& child : element.Children())
+        count += CountElements(child);
+    return count;
+}
+
 const XMLElement* ApplicationOf(const XMLMessage& message) {
     return message.Root().Find("ApplicationInfos/ApplicationInfo");
 }
@@ -52,6 +59,10 @@ std::size_t SendQueue::Estimate(const XMLMessage& message) {
     return kHeader + EscapedSize(message.Version()) + EscapedSize(message.Schema()) +
            EscapedSize(message.Destination().type) + EscapedSize(message.Destination().subtype) +
            EstimateElement(message.Root());
+}
+
+std::size_t SendQueue::Elements(const XMLMessage& message) {
+    return CountElements(message.Root());
 }
 
 std::int64_t SendQueue::Push(const XMLMessage& message, BusSending option, TimePoint expiry) {

@@ -38,6 +38,8 @@ class SendQueue {
 
     // At least the bytes of the message's bus form.
     static std::size_t Estimate(const XMLMessage& message);
+    // Never more than the estimate.
+    static std::size_t Elements(const XMLMessage& message);
 
  private:
     struct Entry;

@@ -199,7 +199,9 @@ void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option, Mill
               "A message expires in 0 or more milliseconds, a state never");
     }
     BusNameOf(message.Destination());  // raises for what is no address
-    if (SendQueue::Estimate(message) > kMaxMessage && message.ToBusXML().size() > kMaxMessage) {
+    const auto estimate = SendQueue::Estimate(message);
+    if ((estimate > kMaxMessage && message.ToBusXML().size() > kMaxMessage) ||
+        (estimate > kMaxElements && SendQueue::Elements(message) > kMaxElements)) {
         Raise(NetError::MessageTooLong, kSource);
     }
     DropExpired();
@@ -281,7 +283,7 @@ void XMLBusClient::Impl::OnMessage(const std::string& text) {
     const auto self = face_.shared_from_this();
     const auto message = std::make_shared<XMLMessage>();
     try {
-        message->LoadBusXML(text);
+        message->LoadBusXML(text, {.bytes = kMaxMessage, .elements = kMaxElements});
     } catch (const Error&) {
         ++statistics_.malformed;
         return;
