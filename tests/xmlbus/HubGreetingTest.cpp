@@ -255,6 +255,38 @@ TEST_F(HubGreetingTest, RefusesMoreSubscriptionsThanItsLimit) {
     ExpectRefused(peer, "Too many subscriptions");
 }
 
+TEST_F(HubGreetingTest, CutsTheOldestOfTooManyPeersThatHaveProvenNothing) {
+    ListenWith({.greeting_peers = 2});
+    StreamPeer oldest(machine, hub->Port());
+    StreamPeer second(machine, hub->Port());
+    EXPECT_FALSE(oldest.ended);
+    StreamPeer newest(machine, hub->Port());
+    ExpectRefused(oldest, "Too many peers have not proven the key");
+    EXPECT_FALSE(second.ended);
+    newest.Enters(kKey);
+    EXPECT_EQ(newest.Last().Type(), kBusWelcome);
+}
+
+TEST_F(HubGreetingTest, LetsAPeerInWhileStrangersKeepAllTheirPlacesBusy) {
+    ListenWith({.peers = 2, .greeting_peers = 3});
+    const auto first = Join();
+    std::vector<std::unique_ptr<StreamPeer>> strangers;
+    for (int i = 0; i < 20; ++i)
+        strangers.push_back(std::make_unique<StreamPeer>(machine, hub->Port()));
+    EXPECT_TRUE(Join()->client->Connected());
+    EXPECT_TRUE(first->client->Connected());
+}
+
+TEST_F(HubGreetingTest, LetsAPeerComeBackWhenAllPlacesAreTaken) {
+    ListenWith({.peers = 1});
+    StreamPeer old(machine, hub->Port());
+    old.Enters(kKey);
+    StreamPeer again(machine, hub->Port());
+    again.Enters(kKey);
+    EXPECT_TRUE(old.ended);
+    EXPECT_EQ(again.Last().Type(), kBusWelcome);
+}
+
 TEST_F(HubGreetingTest, TakesNoMorePeersThanItsLimit) {
     ListenWith({.peers = 2});
     const auto one = Join();
@@ -262,6 +294,7 @@ TEST_F(HubGreetingTest, TakesNoMorePeersThanItsLimit) {
     const auto third = Join();
     EXPECT_TRUE(other->client->Connected());
     EXPECT_FALSE(third->client->Connected());
+    EXPECT_THAT(third->changes, ElementsAre("The hub refuses this client: Too many peers"));
     one->client->Stop();
     Pass(15'000);
     EXPECT_TRUE(third->client->Connected());

@@ -138,6 +138,25 @@ TEST_F(HubTransportTest, LeavesAHubThatBringsMessagesBeforeTheWelcome) {
     EXPECT_THAT(party.heard, IsEmpty());
 }
 
+TEST_F(HubTransportTest, LeavesAHubAtTheHeaderOfALargeBlockBeforeTheWelcome) {
+    Accept();
+    hub->SaysHeader(DataType::XML, 9'000);
+    EXPECT_TRUE(hub->ended);
+}
+
+TEST_F(HubTransportTest, LeavesAHubAtTheHeaderOfALargeBlockOfBytes) {
+    LetIn();
+    hub->SaysHeader(DataType::Raw, 9'000);
+    EXPECT_TRUE(hub->ended);
+}
+
+TEST_F(HubTransportTest, TakesALargeMessageFromAHubThatHasProvenItsKey) {
+    LetIn();
+    const std::string text(20'000, 'a');
+    hub->SaysBlock("ZEB", Note(text).ToBusXML());
+    EXPECT_THAT(party.heard, ElementsAre(text));
+}
+
 TEST_F(HubTransportTest, LeavesAHubWhoseControlIsNoMessage) {
     Accept();
     hub->SaysBlock("", "what?");

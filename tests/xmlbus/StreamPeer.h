@@ -37,6 +37,10 @@ class StreamPeer {
         const auto header = EncodeHeader(type, tag.size(), data.size());
         SaysBytes(std::string(header.data(), header.size()) + tag + data);
     }
+    void SaysHeader(DataType type, std::size_t size) {
+        const auto header = EncodeHeader(type, 0, size);
+        SaysBytes(std::string(header.data(), header.size()));
+    }
     using Fields = std::vector<std::pair<std::string, std::string>>;
     void Says(std::string_view type, const Fields& fields = {}) {
         auto message = MakeBusControl(type);

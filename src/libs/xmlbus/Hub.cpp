@@ -14,15 +14,15 @@
 namespace kq {
 namespace {
 
+// Connections that were refused and have not ended yet take a place of the listener's.
+constexpr std::int32_t kOnTheirWayOut = 128;
+constexpr std::int32_t kMostPeers = 1'000'000;
+constexpr Milliseconds kLongestGreeting = std::chrono::hours(1);
+
 bool IsLoopback(const std::string& address) {
     const auto of_a_number = [](char c) { return c == '.' || (c >= '0' && c <= '9'); };
     return address == "::1" ||
            (address.starts_with("127.") && std::all_of(address.begin(), address.end(), of_a_number));
-}
-
-bool IsRandomText(const std::string& text) {
-    const auto plain = [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); };
-    return !text.empty() && text.size() <= kMaxBusRandomText && std::all_of(text.begin(), text.end(), plain);
 }
 
 }  // namespace
@@ -48,7 +48,7 @@ void Hub::Listen(const std::string& address, std::int32_t port, const std::strin
     limits.unsent = limits_.unsent;
     limits.first_frame = Milliseconds(0);  // the hub has a deadline of its own, and says so when it passes
     listener->SetLimits(limits);
-    listener->SetMaxClients(limits_.peers);
+    listener->SetMaxClients(limits_.peers + limits_.greeting_peers + kOnTheirWayOut);
     listener->SetReceiveType(DataType::Any);
     listener->SetKeepAlive(true);
     listener->Accepted.Connect(owner_, [this](const auto& connection) { OnAccepted(connection); });
@@ -83,24 +83,13 @@ std::int32_t Hub::Port() const {
 
 HubStatistics Hub::Statistics() const {
     auto statistics = statistics_;
-    statistics.peers = std::count_if(peers_.begin(), peers_.end(),
-                                     [](const auto& peer) { return peer.second.stage == Stage::Admitted; });
+    statistics.peers = PeersIn(true);
     return statistics;
 }
 
 Hub::PeerId Hub::IdOf(const Listener::ClientPtr& connection) const {
     const auto found = ids_.find(connection->Identifier());
     return found == ids_.end() ? 0 : found->second;
-}
-
-void Hub::OnAccepted(const Listener::ClientPtr& connection) {
-    const PeerId id = ++last_id_;
-    connection->SetSendType(DataType::XML);
-    auto& peer = peers_[id];
-    peer.connection = connection;
-    peer.deadline = platform_->loop->StartTimer(
-        limits_.greeting_time, owner_.Bind([this, id] { Refuse(id, "The key was not proven in time"); }));
-    ids_[connection->Identifier()] = id;
 }
 
 void Hub::OnBlock(const Listener::ClientPtr& connection, const Block& block) {
@@ -133,54 +122,6 @@ void Hub::OnControl(PeerId id, const XMLMessage& message) {
     } else {
         Refuse(id, "Unexpected message");
     }
-}
-
-void Hub::OnHello(PeerId id, const XMLMessage& message) {
-    auto& peer = peers_.at(id);
-    peer.greeting = {message.Field("Client"), message.Field("Nonce"),
-                     platform_->crypto->RandomHex(kBusRandomBytes)};
-    peer.taken = BusCount(message, "Taken");
-    if (!IsRandomText(peer.greeting.client) || !IsRandomText(peer.greeting.nonce) || peer.taken < 0) {
-        return Refuse(id, "The greeting is malformed");
-    }
-    peer.stage = Stage::Challenged;
-    auto challenge = MakeBusControl(kBusChallenge);
-    challenge.SetField("Challenge", peer.greeting.challenge);
-    Send(id, challenge);
-}
-
-void Hub::OnProof(PeerId id, const XMLMessage& message) {
-    auto& peer = peers_.at(id);
-    const auto& crypto = *platform_->crypto;
-    const auto proof = BusProofOf(crypto, key_.Reveal(), kPeerRole, peer.greeting);
-    if (!crypto.EqualConstantTime(proof, message.Field("Proof"))) return Refuse(id, "Wrong key");
-    platform_->loop->CancelTimer(peer.deadline);
-    peer.connection->Admit();
-    ReplaceOlderPlace(id);
-    peer.stage = Stage::Admitted;
-    auto welcome = MakeBusControl(kBusWelcome);
-    welcome.SetField("Proof", BusProofOf(crypto, key_.Reveal(), kHubRole, peer.greeting));
-    welcome.SetField("Taken", std::to_string(peer.taken));
-    Send(id, welcome);
-}
-
-// A client that comes back before its old connection was seen to end takes the place over, and its count with
-// it.
-void Hub::ReplaceOlderPlace(PeerId id) {
-    auto& peer = peers_.at(id);
-    const auto older = std::find_if(peers_.begin(), peers_.end(), [&](const auto& other) {
-        return other.second.stage == Stage::Admitted && other.second.greeting.client == peer.greeting.client;
-    });
-    if (older != peers_.end()) {
-        const auto connection = older->second.connection;
-        Remove(older->first);
-        connection->Disconnect();
-    }
-    const auto known = std::find_if(remembered_.begin(), remembered_.end(),
-                                    [&](const auto& entry) { return entry.first == peer.greeting.client; });
-    if (known == remembered_.end()) return;
-    peer.taken = std::max(peer.taken, known->second);
-    remembered_.erase(known);
 }
 
 void Hub::OnSubscription(PeerId id, const XMLMessage& message) {

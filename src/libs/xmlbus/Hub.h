@@ -32,7 +32,8 @@ struct HubStatistics {
 class Hub {
  public:
     struct Limits {
-        std::int32_t peers = 1'000;             // connections, admitted or not
+        std::int32_t peers = 1'000;         // admitted peers
+        std::int32_t greeting_peers = 100;  // peers that are not admitted yet; the oldest is cut for one more
         std::size_t greeting_frame = 4U << 10;  // bytes of a block before a peer is admitted
         Milliseconds greeting_time{5'000};      // from the connection to the proof
         std::size_t unsent = 64U << 20;         // bytes that wait for one peer
@@ -78,6 +79,7 @@ class Hub {
     };
     using Peers = std::map<PeerId, Peer>;
 
+    std::int64_t PeersIn(bool admitted) const;
     void OnAccepted(const Listener::ClientPtr& connection);
     void OnBlock(const Listener::ClientPtr& connection, const Block& block);
     void OnGone(const Listener::ClientPtr& connection);
@@ -93,6 +95,7 @@ class Hub {
     void ReachableSoon(const std::string& name, bool there);
     void Refuse(PeerId id, const std::string& text);
     void Remove(PeerId id);
+    Peers::iterator OlderPlaceOf(const std::string& client);
     void ReplaceOlderPlace(PeerId id);
     PeerId IdOf(const Listener::ClientPtr& connection) const;
 

@@ -45,7 +45,8 @@ void HubTransport::Open() {
     state_ = State::Connecting;
     connection_ = APClient::Create(platform_);
     auto limits = connection_->Limits();
-    limits.admitted_frame = XMLBusClient::kMaxMessage;
+    limits.admitted_frame = kMaxBusControl;  // until the hub has proven the key
+    limits.raw_frame = kMaxBusControl;       // the bus has none
     limits.unsent = kUnsent;
     connection_->SetLimits(limits);
     connection_->SetSendType(DataType::XML);
@@ -132,6 +133,9 @@ void HubTransport::OnWelcome(const XMLMessage& message) {
     }
     if (!Confirm(BusCount(message, "Taken"))) return Fail(kBrokenProtocol);
     ExpectNothing();
+    auto limits = connection_->Limits();
+    limits.admitted_frame = XMLBusClient::kMaxMessage;
+    connection_->SetLimits(limits);
     state_ = State::Open;
     writing_again_ = true;
     // By a task: subscriptions are made first, and a handler of Ready that waits does not hold the messages
