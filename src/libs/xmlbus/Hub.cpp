@@ -35,8 +35,7 @@ Hub::~Hub() {
 
 void Hub::Listen(const std::string& address, std::int32_t port, const std::string& key) {
     if (Listening()) Raise(RuntimeError::InvalidProcedureCall, "The hub is already listening");
-    std::string local = address == "localhost" ? "127.0.0.1" : address;
-    if (key.empty() && local.empty()) local = "127.0.0.1";
+    const std::string local = address == "localhost" ? "127.0.0.1" : address;
     if (key.empty() && !IsLoopback(local)) {
         Raise(RuntimeError::InvalidProcedureCall,
               "A hub without a key listens on loopback only: give it a key, or the address 127.0.0.1");

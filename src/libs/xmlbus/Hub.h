@@ -53,10 +53,9 @@ class Hub {
     // names its reply address this says whether its connection to this hub is still open.
     Signal<const BusAddress&, bool> Reachable;
 
-    // Listens on a port (0: a free one) of a numeric local address (empty: all; "localhost": loopback). With
-    // an empty key the hub takes anybody, so it listens on loopback only: an empty address is 127.0.0.1 then,
-    // and any address that is not loopback raises RuntimeError::InvalidProcedureCall. Other errors are
-    // Listener::Listen's.
+    // Listens on a port (0: a free one) of a numeric local address (empty: all; "localhost": 127.0.0.1). With
+    // an empty key the hub takes anybody, so it listens on loopback only: any other address, the empty one
+    // too, raises RuntimeError::InvalidProcedureCall. Other errors are Listener::Listen's.
     void Listen(const std::string& address, std::int32_t port, const std::string& key);
     // Disconnects every peer. What they were sent is still written out.
     void Stop();
