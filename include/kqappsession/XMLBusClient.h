@@ -23,7 +23,7 @@ class BusTransport;
 // Where the hub is. The key is shared by all peers of a hub; a hub without one listens on loopback only.
 struct BusSettings {
     std::string address = "127.0.0.1";
-    std::int32_t port = 0;
+    std::int32_t port = 0;  // 1 to 65535; with any other port every attempt to connect fails
     std::string key;
 };
 
@@ -69,7 +69,9 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
     static constexpr std::size_t kMaxElements = 200'000;   // its root included
     static constexpr Milliseconds kNoExpiry{0};
 
-    // A client of a hub, and a client over any transport (one inside the process for tests).
+    // A client of a hub, and a client over any transport (one inside the process for tests). Raises
+    // RuntimeError::InvalidProcedureCall when `platform` is null or lacks what the bus needs, or `transport`
+    // is null.
     static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform, BusSettings settings);
     static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform,
                                                 std::shared_ptr<BusTransport> transport);
@@ -124,6 +126,7 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
     void Send(const XMLMessage& message, BusSending option = BusSending::Message,
               Milliseconds expiry = kNoExpiry);
     BusStatistics Statistics() const;
+    // For what is sent from now on; what is queued already stays.
     void SetLimits(const Limits& limits);
 
  private:

@@ -1,4 +1,6 @@
 // Where the hub listens, and whom it lets in.
+#include <limits>
+
 #include "xmlbus/HubTesting.h"
 
 namespace kq {
@@ -39,6 +41,19 @@ TEST_F(HubListenTest, ListensEverywhereWithAKeyAndWithoutAnAddress) {
     hub->Listen("", 0, kKey);
     EXPECT_TRUE(Join()->client->Connected());
     EXPECT_TRUE(Join(kKey, machine.network->OwnAddress())->client->Connected());
+}
+
+TEST_F(HubListenTest, RefusesLimitsThatMakeNoSense) {
+    constexpr auto kMost = std::numeric_limits<std::int32_t>::max();
+    for (const Hub::Limits& limits : {Hub::Limits{.peers = 0},
+                                      {.peers = -1},
+                                      {.peers = kMost},
+                                      {.greeting_peers = 0},
+                                      {.greeting_peers = kMost},
+                                      {.greeting_time = Milliseconds(0)},
+                                      {.greeting_time = Milliseconds(-1)},
+                                      {.greeting_time = Milliseconds::max()}})
+        EXPECT_EQ(ErrorOf([&] { hub->SetLimits(limits); }), kInvalid);
 }
 
 TEST_F(HubListenTest, RefusesToListenTwice) {

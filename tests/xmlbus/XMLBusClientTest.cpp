@@ -1,5 +1,6 @@
 // The bus client on a bus inside the process: addresses, subscriptions, sending, hearing, and its end.
 #include "base/Convert.h"
+#include "libs/xmlbus/Hub.h"
 #include "libs/xmlbus/LocalBus.h"
 #include "support/FakePlatform.h"
 #include "xmlbus/BusTesting.h"
@@ -39,6 +40,25 @@ TEST_F(XMLBusClientTest, StartsAndStopsRunning) {
     client->Stop();
     EXPECT_FALSE(client->Running());
     EXPECT_FALSE(client->Connected());
+}
+
+TEST_F(XMLBusClientTest, NeedsAPlatformAndATransport) {
+    const auto lame = std::make_shared<Platform>();
+    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(nullptr, bus.MakeTransport()); }), kInvalid);
+    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(nullptr, BusSettings()); }), kInvalid);
+    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(lame, BusSettings()); }), kInvalid);
+    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(machine.platform, nullptr); }), kInvalid);
+    EXPECT_EQ(ErrorOf([&] { LocalBus{nullptr}; }), kInvalid);
+    EXPECT_EQ(ErrorOf([&] { Hub{nullptr}; }), kInvalid);
+}
+
+TEST_F(XMLBusClientTest, NamesThePlatformThatIsMissing) {
+    try {
+        XMLBusClient::Create(nullptr, BusSettings());
+        ADD_FAILURE() << "no error";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Description(), "The bus needs a platform, such as that of MakePlatform");
+    }
 }
 
 TEST_F(XMLBusClientTest, HasAReplyAddressThatNoOtherClientHas) {

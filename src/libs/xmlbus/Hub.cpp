@@ -9,6 +9,7 @@
 #include <kqappsession/XMLBusClient.h>
 
 #include "libs/xmlbus/BusNames.h"
+#include "libs/xmlbus/RequirePlatform.h"
 #include "platform/Crypto.h"
 
 namespace kq {
@@ -27,10 +28,21 @@ bool IsLoopback(const std::string& address) {
 
 }  // namespace
 
-Hub::Hub(PlatformPtr platform) : platform_(std::move(platform)) {}
+Hub::Hub(PlatformPtr platform) : platform_(RequireNetwork(std::move(platform))) {}
 
 Hub::~Hub() {
     Stop();
+}
+
+void Hub::SetLimits(const Limits& limits) {
+    const auto is_number = [](std::int32_t peers) { return peers >= 1 && peers <= kMostPeers; };
+    if (!is_number(limits.peers) || !is_number(limits.greeting_peers)) {
+        Raise(RuntimeError::InvalidProcedureCall, "A hub has 1 to 1,000,000 peers");
+    }
+    if (limits.greeting_time < Milliseconds(1) || limits.greeting_time > kLongestGreeting) {
+        Raise(RuntimeError::InvalidProcedureCall, "The greeting time of a hub is 1 ms to 1 hour");
+    }
+    limits_ = limits;
 }
 
 void Hub::Listen(const std::string& address, std::int32_t port, const std::string& key) {

@@ -41,6 +41,7 @@ class Hub {
         std::size_t remembered = 4'096;         // clients that are gone and may come back
     };
 
+    // Raises RuntimeError::InvalidProcedureCall when there is no platform, or one without a network.
     explicit Hub(PlatformPtr platform);
     ~Hub();  // stops
     Hub(const Hub&) = delete;
@@ -63,7 +64,9 @@ class Hub {
     std::int32_t Port() const;  // 0 when not listening
 
     HubStatistics Statistics() const;
-    void SetLimits(const Limits& limits) { limits_ = limits; }  // for the next Listen
+    // For the next Listen. Raises RuntimeError::InvalidProcedureCall for a number of peers outside 1 to
+    // 1,000,000 and a greeting time outside 1 ms to 1 hour.
+    void SetLimits(const Limits& limits);
 
  private:
     using PeerId = BusRoutes::PeerId;

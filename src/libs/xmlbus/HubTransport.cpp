@@ -7,6 +7,7 @@
 #include <kqappsession/Error.h>
 
 #include "libs/xmlbus/BusNames.h"
+#include "libs/xmlbus/RequirePlatform.h"
 #include "platform/Crypto.h"
 
 namespace kq {
@@ -25,7 +26,8 @@ constexpr char kBrokenProtocol[] = "The other side does not speak the protocol o
 }  // namespace
 
 std::shared_ptr<HubTransport> HubTransport::Create(PlatformPtr platform, BusSettings settings) {
-    return std::shared_ptr<HubTransport>(new HubTransport(std::move(platform), std::move(settings)));
+    return std::shared_ptr<HubTransport>(
+        new HubTransport(RequireNetwork(std::move(platform)), std::move(settings)));
 }
 
 HubTransport::HubTransport(PlatformPtr platform, BusSettings settings)

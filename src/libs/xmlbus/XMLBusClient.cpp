@@ -14,6 +14,7 @@
 #include "libs/xmlbus/BusNames.h"
 #include "libs/xmlbus/BusTransport.h"
 #include "libs/xmlbus/HubTransport.h"
+#include "libs/xmlbus/RequirePlatform.h"
 #include "libs/xmlbus/SendQueue.h"
 #include "platform/Crypto.h"
 
@@ -304,8 +305,12 @@ std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform, BusSett
 
 std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform,
                                                    std::shared_ptr<BusTransport> transport) {
+    if (transport == nullptr) {
+        Raise(RuntimeError::InvalidProcedureCall, "A bus client needs a transport");
+    }
     std::shared_ptr<XMLBusClient> client(new XMLBusClient);
-    client->impl_ = std::make_unique<Impl>(*client, std::move(platform), std::move(transport));
+    client->impl_ =
+        std::make_unique<Impl>(*client, RequirePlatform(std::move(platform)), std::move(transport));
     return client;
 }
 
