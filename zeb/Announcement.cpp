@@ -1,11 +1,24 @@
 // "ASBroadcastInfo" and "RequestBroadcastAS": which application servers are there and which sessions they
 // have.
+#include <charconv>
+
+#include "base/Convert.h"
 #include "zeb/ServerMessages.h"
 
 namespace kq::zeb {
 namespace {
 
 const BusAddress kAllServers{"AS", "Broadcast"};
+constexpr std::size_t kMostRemarks = 1'000;
+
+// 0 unless the text is a port from 1 to 65535.
+std::int32_t PortOf(const std::string& text) {
+    const auto digits = Trim(text);
+    std::int32_t port = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
+    const bool whole = error == std::errc() && end == digits.data() + digits.size();
+    return whole && port >= 1 && port <= 65535 ? port : 0;
+}
 
 }  // namespace
 
@@ -33,11 +46,7 @@ void ServerMessages::Announce(const XMLMessage& message) {
         return;
     }
     if (application.InfoState == "C") {
-        if (services_.servers.Announced(info))
-            services_.log.info("Application server for {} at {}:{}", ForLog(application.AppID),
-                               ForLog(application.Address), ForLog(application.Port));
-        if (application.Sessions)
-            services_.sessions.Announced(server, application.AppID, *application.Sessions);
+        AnnounceState(server, application);
     } else if (application.InfoState == "E") {
         for (const auto& id : application.Sessions.value_or(std::vector<std::string>())) {
             services_.servers.SessionEnded(server, application.AppID, id);
@@ -51,9 +60,47 @@ void ServerMessages::Announce(const XMLMessage& message) {
     }
 }
 
+void ServerMessages::AnnounceState(const BusAddress& server, const ApplicationInfo& application) {
+    const auto port = PortOf(application.Port);
+    if (port == 0) return RemarkOnPort(server, application);
+    remarked_.erase({server, application.AppID});
+    const auto arrival = services_.servers.Announced(server, application, port);
+    for (const auto& old : arrival.replaced) {
+        services_.log.info("Application server for {} at {}:{} was replaced by another process",
+                           ForLog(old.app_id), ForLog(old.address), old.port);
+        services_.sessions.EndAll(old.reply, old.app_id);
+    }
+    if (arrival.fresh) {
+        services_.log.info("Application server for {} at {}:{}", ForLog(application.AppID),
+                           ForLog(application.Address), port);
+    }
+    if (application.Sessions) services_.sessions.Announced(server, application.AppID, *application.Sessions);
+}
+
+void ServerMessages::RemarkOnPort(const BusAddress& server, const ApplicationInfo& application) {
+    if (remarked_.size() >= kMostRemarks) remarked_.clear();
+    if (!remarked_.insert({server, application.AppID}).second) return;
+    services_.log.warn("The announcements of {} at {} are ignored: {} is not a port",
+                       ForLog(application.AppID), ForLog(application.Address), ForLog(application.Port));
+}
+
+void ServerMessages::Reachable(const BusAddress& reply, bool there) {
+    const auto servers = services_.servers.Reachable(reply, there);
+    for (const auto& server : servers) {
+        services_.log.info("Application server for {} at {}:{} {}", ForLog(server.app_id),
+                           ForLog(server.address), server.port,
+                           there ? "is back on the bus" : "has lost its bus connection and is not used");
+    }
+    if (there && !servers.empty()) AskForAnnouncements(reply);
+}
+
 void ServerMessages::AskForAnnouncements() {
+    AskForAnnouncements(kAllServers);
+}
+
+void ServerMessages::AskForAnnouncements(const BusAddress& destination) {
     auto request = RequestBroadcastAS().Build();
-    request.SetDestination(kAllServers);
+    request.SetDestination(destination);
     services_.send_on_bus(request);
 }
 

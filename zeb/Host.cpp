@@ -57,6 +57,8 @@ Host::Host(PlatformPtr platform, const Config& config, const std::shared_ptr<spd
     zeb_ = std::make_unique<Zeb>(platform_, *store_, *executor_, *hasher_,
                                  XMLBusClient::Create(platform_, bus), log, SettingsOf(config));
     Wipe(bus.key);
+    hub_->Reachable.Connect(
+        owner_, [this](const BusAddress& address, bool there) { zeb_->Reachable(address, there); });
     Naming(config.listen, config.port, [&] { zeb_->Start(); });
 }
 

@@ -2,8 +2,9 @@
 // are.
 //
 // A server is known by its reply address, which no other process on the bus has, and its application, since
-// one process may serve several. It stays until it says "D" or is silent for longer than three of its
-// announcement intervals.
+// one process may serve several. It stays until it says "D", another one announces itself at its address and
+// port, or it is silent for longer than three of its announcement intervals. While its connection to the bus
+// is known to be lost it is not used.
 #pragma once
 
 #include <cstdint>
@@ -32,6 +33,7 @@ struct ApplicationServer {
     std::set<std::string> sessions;
     std::int32_t promised = 0;  // logins that were sent there since the last list of sessions
     EventLoop::TimePoint heard;
+    bool off_the_bus = false;  // its connection to the bus is lost
 
     std::size_t Load() const { return sessions.size() + static_cast<std::size_t>(promised); }
 };
@@ -54,11 +56,20 @@ class ServerRegistry {
     static constexpr Milliseconds kAskInterval{60'000};
     static constexpr Milliseconds kMaxInterval{24 * 60 * 60 * 1'000};
     static constexpr std::size_t kMaxServers = 4'096;
+    // How long an announcement may have been on its way when its sender's connection was lost.
+    static constexpr Milliseconds kOnTheWay{60'000};
 
     explicit ServerRegistry(std::shared_ptr<EventLoop> loop) : loop_(std::move(loop)) {}
 
-    // "C": the server is there and these are its sessions. Returns whether it was unknown.
-    bool Announced(const ASBroadcastInfo& info);
+    struct Arrival {
+        bool fresh = false;                       // it was unknown
+        std::vector<ApplicationServer> replaced;  // the servers at its address and port, now removed
+    };
+    // "C": the server is there and these are its sessions. `port`: its port as a number.
+    Arrival Announced(const BusAddress& reply, const ApplicationInfo& application, std::int32_t port);
+    // The connection behind a reply address was lost, or is there again. Returns the servers for which that
+    // is news.
+    std::vector<ApplicationServer> Reachable(const BusAddress& reply, bool there);
     // "E" of a known server; an unknown one stays unknown.
     void SessionEnded(const BusAddress& reply, const std::string& app_id, const std::string& session_id);
     void Left(const BusAddress& reply, const std::string& app_id);
@@ -77,10 +88,17 @@ class ServerRegistry {
     std::size_t Count() const { return servers_.size(); }
 
  private:
+    using Key = std::pair<BusAddress, std::string>;  // reply address and application
+
     bool Silent(const ApplicationServer& server) const;
+    bool Usable(const ApplicationServer& server) const { return !server.off_the_bus && !Silent(server); }
+    std::vector<ApplicationServer> RemoveOthersAt(const Key& key, const std::string& address,
+                                                  std::int32_t port);
 
     std::shared_ptr<EventLoop> loop_;
-    std::map<std::pair<BusAddress, std::string>, ApplicationServer> servers_;
+    std::map<Key, ApplicationServer> servers_;
+    // Reply addresses whose connection was lost not long ago: what they announced before is still arriving.
+    std::map<BusAddress, EventLoop::TimePoint> lost_;
 };
 
 }  // namespace kq::zeb

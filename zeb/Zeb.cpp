@@ -124,6 +124,10 @@ void Zeb::OnBusMessage(const XMLMessage& message, bool& handled) {
     }
 }
 
+void Zeb::Reachable(const BusAddress& address, bool there) {
+    if (bus_->Running()) server_messages_.Reachable(address, there);
+}
+
 void Zeb::OnTick() {
     ++ticks_;
     try {

@@ -40,6 +40,9 @@ class Zeb {
     void Start();
     // What was answered is still written out, within 1 s.
     void Stop();
+    // For the host of the hub: an address of the bus has got its first subscriber or lost its last one. An
+    // application server is not used while its reply address has none.
+    void Reachable(const BusAddress& address, bool there);
     std::int32_t Port() const { return listener_->Port(); }
 
  private:

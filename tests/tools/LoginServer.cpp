@@ -33,15 +33,24 @@ TemporaryFolder::~TemporaryFolder() {
     std::filesystem::remove_all(path_, ignored);
 }
 
-LoginServer::LoginServer(const std::string& zebctl, const std::string& zebd) {
+LoginServer::LoginServer(const std::string& zebctl, const std::string& zebd,
+                         const std::vector<std::string>& options)
+    : zebctl_(zebctl) {
     const std::string data = Folder() + "/zeb";
     RunToItsEnd({zebctl, "init", "--data", data});
-    RunToItsEnd({zebctl, "user", "add", kUser, "--first-name", "Ann", "--last-name", "Lee", "--data", data},
-                std::string(kPassword) + "\n");
-    process_ = std::make_unique<ChildProcess>(std::vector<std::string>{
-        zebd, "--data", data, "--listen", "127.0.0.1", "--port", "0", "--bus-port", "0"});
+    AddUser(kUser, {"--first-name", "Ann", "--last-name", "Lee"});
+    std::vector<std::string> command{zebd,     "--data", data,         "--listen", "127.0.0.1",
+                                     "--port", "0",      "--bus-port", "0"};
+    command.insert(command.end(), options.begin(), options.end());
+    process_ = std::make_unique<ChildProcess>(command);
     port_ = AfterLastColon(process_->AwaitLine("zebd: listening on "));
     bus_port_ = AfterLastColon(process_->AwaitLine("zebd: bus on "));
+}
+
+void LoginServer::AddUser(const std::string& login, const std::vector<std::string>& options) const {
+    std::vector<std::string> command{zebctl_, "user", "add", login, "--data", Folder() + "/zeb"};
+    command.insert(command.end(), options.begin(), options.end());
+    RunToItsEnd(command, std::string(kPassword) + "\n");
 }
 
 }  // namespace kq

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tools/ChildProcess.h"
 
@@ -26,14 +27,19 @@ class LoginServer {
     static constexpr const char* kUser = "ann";
     static constexpr const char* kPassword = "Mark-3d-Pa5s-w0rd";
 
-    LoginServer(const std::string& zebctl, const std::string& zebd);
+    // `options`: of zebd, besides those of its folder and ports.
+    LoginServer(const std::string& zebctl, const std::string& zebd,
+                const std::vector<std::string>& options = {});
 
+    // Another user with the same password; `options` of zebctl besides.
+    void AddUser(const std::string& login, const std::vector<std::string>& options) const;
     const std::string& Port() const { return port_; }
     const std::string& BusPort() const { return bus_port_; }
     const std::string& Folder() const { return folder_.Path(); }
     ChildProcess& Process() { return *process_; }
 
  private:
+    std::string zebctl_;
     TemporaryFolder folder_;
     std::string port_;
     std::string bus_port_;

@@ -1,6 +1,7 @@
 #include "tools/Site.h"
 
 #include <arpa/inet.h>
+#include <csignal>
 #include <netinet/in.h>
 #include <poll.h>
 #include <stdexcept>
@@ -32,16 +33,30 @@ DeadPort::~DeadPort() {
 }
 
 Site::Site() : zeb_(KQ_ZEBCTL, KQ_ZEBD) {
-    app_server_ = std::make_unique<ChildProcess>(
-        std::vector<std::string>{KQ_APPSERVER, "--app", "Demo", "--bus-port", zeb_.BusPort(), "--commands"});
-    app_server_->AwaitLine("kqappserver: listening on 127.0.0.1:");
+    StartAppServer("0");
+}
+
+void Site::StartAppServer(const std::string& port) {
+    app_server_ = std::make_unique<ChildProcess>(std::vector<std::string>{
+        KQ_APPSERVER, "--app", "Demo", "--port", port, "--bus-port", zeb_.BusPort(), "--commands"});
+    const std::string line = app_server_->AwaitLine("kqappserver: listening on 127.0.0.1:");
+    app_server_port_ = line.substr(line.rfind(':') + 1);
     app_server_->AwaitLine("kqappserver: on the bus");
 }
 
+void Site::KillAppServer() {
+    app_server_->Signal(SIGKILL);
+    app_server_->ExitCode();
+}
+
+void Site::StartAppServerAgain() {
+    StartAppServer(app_server_port_);
+}
+
 std::unique_ptr<ChildProcess> Site::LogIn(const std::vector<std::string>& arguments,
-                                          const std::string& password) const {
+                                          const std::string& password, const std::string& user) const {
     std::vector<std::string> all{"--address", "127.0.0.1", "--port", zeb_.Port(),
-                                 "--app",     "Demo",      "--user", LoginServer::kUser};
+                                 "--app",     "Demo",      "--user", user};
     all.insert(all.end(), arguments.begin(), arguments.end());
     return RunLogin(zeb_.Folder(), all, password);
 }

@@ -35,12 +35,20 @@ class Site {
 
     ChildProcess& AppServer() { return *app_server_; }
     LoginServer& Zeb() { return zeb_; }
+    // Ends the application server as a crash would, and waits for its end.
+    void KillAppServer();
+    // Another one at the port of the one that was killed.
+    void StartAppServerAgain();
     // kqlogin for the user, with the password on standard input and these arguments besides.
     std::unique_ptr<ChildProcess> LogIn(const std::vector<std::string>& arguments,
-                                        const std::string& password = LoginServer::kPassword) const;
+                                        const std::string& password = LoginServer::kPassword,
+                                        const std::string& user = LoginServer::kUser) const;
 
  private:
+    void StartAppServer(const std::string& port);
+
     LoginServer zeb_;
+    std::string app_server_port_;
     std::unique_ptr<ChildProcess> app_server_;
 };
 

@@ -10,6 +10,13 @@ class Announcement : public ZebTest {
         if (!Accounts(store).Find("ana")) AddUser("ana");
         return Login("ana").ErrorNumber == "0";
     }
+    int TimesInLog(const std::string& text) const {
+        const std::string log = Log();
+        int times = 0;
+        for (auto at = log.find(text); at != std::string::npos; at = log.find(text, at + 1))
+            ++times;
+        return times;
+    }
 };
 
 TEST_F(Announcement, AtItsStartTheLoginServerAsksForAll) {
@@ -129,12 +136,199 @@ TEST_F(Announcement, WhatIsNoAnnouncementIsDropped) {
     auto info = server->Info("C", {});
     info.ApplicationInfos.reset();
     server->Say(info);
-    info = server->Info("C", {});
-    info.ApplicationInfos->ApplicationInfo->Port = "99999999999";
-    server->Say(info);
     EXPECT_FALSE(ServerThere());
     server->Announce();
     EXPECT_TRUE(ServerThere());
+}
+
+TEST_F(Announcement, AServerWithAnInvalidPortIsNotUsed) {
+    StartZeb();
+    const auto server = NewServer();
+    for (const char* port : {"-5", "0", "65536", "70000", "99999999999", "", "http", "7000x", "7e3", "1.5"}) {
+        auto info = server->Info("C", {});
+        info.ApplicationInfos->ApplicationInfo->Port = port;
+        server->Say(info);
+        EXPECT_FALSE(ServerThere()) << port;
+    }
+    for (const char* port : {"1", "65535"}) {
+        auto info = server->Info("C", {});
+        info.ApplicationInfos->ApplicationInfo->Port = port;
+        server->Say(info);
+        EXPECT_EQ(Login("ana").Port, port);
+    }
+}
+
+TEST_F(Announcement, AnInvalidPortIsLoggedOnceUntilItIsCorrected) {
+    StartZeb();
+    NewServer(-5)->Announce();
+    const auto server = NewServer(70'000);
+    auto corrected = server->Info("C", {});
+    corrected.ApplicationInfos->ApplicationInfo->Port = "7000";
+    server->Announce();
+    server->Announce();
+    EXPECT_EQ(TimesInLog("70000 is not a port"), 1);
+    EXPECT_EQ(TimesInLog("-5 is not a port"), 1);
+    server->Say(corrected);
+    server->Announce();
+    EXPECT_EQ(TimesInLog("70000 is not a port"), 2);
+}
+
+TEST_F(Announcement, AnInvalidIntervalIsNoReasonToIgnoreAServer) {
+    StartZeb();
+    for (const char* interval : {"-5", "", "x", "99999999999", "1e999", "-1e999"}) {
+        const auto server = NewServer();
+        server->interval = interval;
+        server->Announce();
+        EXPECT_TRUE(ServerThere()) << interval;
+        server->Say(server->Info("D", {}));
+    }
+}
+
+TEST_F(Announcement, AServerWithAnIntervalBeyondAllNumbersIsSilentAfterThreeDays) {
+    StartZeb();
+    const auto server = NewServer();
+    server->interval = "1e999";
+    server->Announce();
+    Pass(std::chrono::hours(71));
+    EXPECT_TRUE(ServerThere());
+    Pass(std::chrono::hours(2));
+    EXPECT_FALSE(ServerThere());
+}
+
+// Of a user who may have one session, and an application server with it.
+class LostServer : public Announcement {
+ protected:
+    void SetUp() override {
+        StartZeb();
+        Account details;
+        details.max_sessions = 1;
+        AddUser("ana", kPassword, details);
+        server = RunningServer();
+        session = LoginAndRegister("ana", *server);
+    }
+    // As the hub says it.
+    void LosesTheBus() { zeb->Reachable(server->Reply(), false); }
+    void IsBackOnTheBus() {
+        zeb->Reachable(server->Reply(), true);
+        machine.loop->RunReady();
+    }
+    std::string LoginError() { return Login("ana").ErrorNumber; }
+
+    std::unique_ptr<TestAppServer> server;
+    std::string session;
+};
+
+TEST_F(LostServer, IsNotUsedFromTheMomentItLosesTheBus) {
+    EXPECT_EQ(LoginError(), "7790");
+    LosesTheBus();
+    EXPECT_EQ(LoginError(), "7604");
+    EXPECT_EQ(TimesInLog("has lost its bus connection"), 1);
+}
+
+TEST_F(LostServer, LeavesItsUsersToTheOtherServers) {
+    const auto other = NewServer(7001);
+    other->Announce({"a", "b", "c"});
+    LosesTheBus();
+    EXPECT_EQ(Login("ana").Port, "7001");
+}
+
+TEST_F(LostServer, GetsNoOrderToLogOutWhileItIsGone) {
+    const auto other = RunningServer(7001);
+    LosesTheBus();
+    other->AskToRegister(session);
+    EXPECT_FALSE(other->Heard().HasField("ErrorResponse"));
+    EXPECT_TRUE(server->heard.empty());
+}
+
+TEST_F(LostServer, IsUsedWithItsSessionsAsSoonAsItIsBack) {
+    LosesTheBus();
+    server->announcement_requests.clear();
+    IsBackOnTheBus();
+    EXPECT_EQ(LoginError(), "7790");
+    ASSERT_EQ(server->announcement_requests.size(), 1U);
+    EXPECT_EQ(server->announcement_requests[0].Destination(), server->Reply());
+}
+
+TEST_F(LostServer, ThatIsBackWithoutASessionFreesItForItsUser) {
+    Pass(std::chrono::seconds(61));
+    LosesTheBus();
+    IsBackOnTheBus();
+    server->Announce({});
+    EXPECT_EQ(LoginError(), "0");
+}
+
+TEST_F(LostServer, StaysGoneWhenItsLastAnnouncementArrivesLate) {
+    LosesTheBus();
+    server->Announce({session});
+    EXPECT_EQ(LoginError(), "7604");
+    IsBackOnTheBus();
+    EXPECT_EQ(LoginError(), "7790");
+}
+
+TEST_F(LostServer, StaysGoneWhenItsFirstAnnouncementArrivesLate) {
+    const auto unknown = NewServer(7001);
+    LosesTheBus();
+    zeb->Reachable(unknown->Reply(), false);
+    unknown->Announce();
+    EXPECT_EQ(LoginError(), "7604");
+}
+
+TEST_F(LostServer, IsBackWhenItAnnouncesItselfByAnotherWayLater) {
+    LosesTheBus();
+    Pass(std::chrono::seconds(70));
+    server->Announce({});
+    EXPECT_EQ(LoginError(), "0");
+}
+
+TEST_F(LostServer, IsReplacedByTheNextProcessAtItsPlace) {
+    const auto next = NewServer(7000);
+    EXPECT_EQ(LoginError(), "7790");
+    next->Announce({});
+    EXPECT_EQ(LoginError(), "0");
+    server->Say(server->Info("E", {session}));
+    EXPECT_EQ(TimesInLog("was replaced by another process"), 1);
+}
+
+TEST_F(LostServer, LeavesTheSessionsThatTheNextProcessNames) {
+    const auto next = NewServer(7000);
+    next->Announce({session});
+    EXPECT_EQ(LoginError(), "7790");
+    next->Say(next->Info("E", {session}));
+    EXPECT_EQ(LoginError(), "0");
+}
+
+TEST_F(LostServer, DoesNotDisplaceTheNextProcessByItsLastWords) {
+    const auto next = RunningServer(7000);
+    const auto id = LoginAndRegister("ana", *next, "2");
+    zeb->Reachable(server->Reply(), false);
+    server->Announce({});
+    EXPECT_EQ(LoginError(), "7790") << "the session on the next process";
+}
+
+TEST_F(LostServer, IsNotReplacedByServersElsewhere) {
+    const auto other_port = RunningServer(7001);
+    const auto other_application = RunningServer(7000, "Other");
+    const auto other_address = NewServer(7000);
+    other_address->address = "192.0.2.11";
+    other_address->Announce();
+    EXPECT_EQ(LoginError(), "7790");
+}
+
+TEST_F(LostServer, IsReplacedByAServerThatMovesToItsPlace) {
+    const auto other = RunningServer(7001);
+    auto info = other->Info("C", {});
+    info.ApplicationInfos->ApplicationInfo->Port = "7000";
+    other->Say(info);
+    EXPECT_EQ(LoginError(), "0");
+}
+
+TEST_F(LostServer, HasNoPlaceToTakeWithoutAnAddress) {
+    const auto one = NewServer(7001);
+    const auto other = NewServer(7001);
+    one->address = other->address = "";
+    one->Announce({"a"});
+    other->Announce({"b"});
+    EXPECT_EQ(TimesInLog("was replaced"), 0);
 }
 
 }  // namespace

@@ -118,6 +118,20 @@ TEST_F(ZebHost, CarriesABusWithAKey) {
     host->Stop();
 }
 
+TEST_F(ZebHost, DoesNotUseAnApplicationServerThatHasLostTheBus) {
+    const auto host = Start();
+    const auto start = platform->loop->Now();
+    auto server = Announce(*host);
+    ASSERT_TRUE(Serves(*host));
+    owner.Cancel();
+    server.reset();
+    const auto deadline = start + std::chrono::seconds(20);
+    while (Serves(*host) && platform->loop->Now() < deadline) {
+    }
+    EXPECT_FALSE(Serves(*host));
+    host->Stop();
+}
+
 TEST_F(ZebHost, NeedsADatabase) {
     config.data = folder.Path("none");
     EXPECT_THAT(WhyNot(), testing::HasSubstr("There is no database in " + config.data));
