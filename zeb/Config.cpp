@@ -27,7 +27,7 @@ constexpr std::array<Setting, 14> kSettings = {{
     {"port", "port for clients; 0: a free one", Number{&Config::port, 0, 65535}},
     {"bus_address", "address to listen on for the bus; empty: all", Text{&Config::bus_address}},
     {"bus_port", "port for the bus; 0: a free one", Number{&Config::bus_port, 0, 65535}},
-    {"bus_key_file", "file with the key of the bus; without one the bus is on loopback only",
+    {"bus_key_file", "file with the key of the bus, made by 'zebctl bus-key'; without one: loopback only",
      Text{&Config::bus_key_file}},
     {"log_level", "trace, debug, info, warn, error or off",
      Choice{&Config::log_level, "trace|debug|info|warn|error|off"}},

@@ -6,6 +6,7 @@
 
 #include <kqappsession/Error.h>
 
+#include "tools/program/KeyFile.h"
 #include "zeb/Admin.h"
 
 namespace kq::zeb {
@@ -43,7 +44,7 @@ Host::Host(PlatformPtr platform, const Config& config, const std::shared_ptr<spd
     executor_ = std::make_unique<ThreadPool>(static_cast<std::size_t>(config.password_threads),
                                              static_cast<std::size_t>(config.password_queue));
     Secret key;
-    if (!config.bus_key_file.empty()) key = ReadSecretFile(config.bus_key_file);
+    if (!config.bus_key_file.empty()) key = ReadKeyFile(config.bus_key_file);
     hub_ = std::make_unique<Hub>(platform_);
     hub_->Note.Connect(owner_, [log](const std::string& note) { log->warn("Bus: {}", note); });
     Naming(config.bus_address, config.bus_port,
@@ -51,7 +52,7 @@ Host::Host(PlatformPtr platform, const Config& config, const std::shared_ptr<spd
 
     BusSettings bus;
     const bool everywhere = config.bus_address.empty() || config.bus_address == "0.0.0.0";
-    bus.address = everywhere ? "127.0.0.1" : config.bus_address;
+    bus.address = everywhere ? "127.0.0.1" : config.bus_address == "::" ? "::1" : config.bus_address;
     bus.port = hub_->Port();
     bus.key = key.Reveal();
     zeb_ = std::make_unique<Zeb>(platform_, *store_, *executor_, *hasher_,

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <fstream>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,8 +12,6 @@
 
 namespace kq::zeb {
 namespace {
-
-constexpr std::size_t kMaxSecretFile = 4096;
 
 [[noreturn]] void Fail(const std::string& what, int number) {
     throw Error(number, "zebd", what + ": " + std::strerror(number) + ".");
@@ -55,23 +52,6 @@ FolderLock::~FolderLock() {
 bool FileExists(const std::string& path) {
     struct stat there {};
     return stat(path.c_str(), &there) == 0;
-}
-
-Secret ReadSecretFile(const std::string& path) {
-    struct stat there {};
-    std::ifstream file(path, std::ios::binary);
-    if (stat(path.c_str(), &there) != 0 || !file) Fail("The file " + path + " cannot be read", errno);
-    if ((there.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-        throw Error(EACCES, "zebd",
-                    "The file " + path + " holds a secret; only its owner may have access (chmod 600).");
-    if (static_cast<std::size_t>(there.st_size) > kMaxSecretFile)
-        throw Error(EFBIG, "zebd", "The file " + path + " is too long for a key.");
-    std::string line;
-    line.reserve(kMaxSecretFile);
-    std::getline(file, line);
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty()) throw Error(EINVAL, "zebd", "The file " + path + " holds no key in its first line.");
-    return Secret(std::move(line));
 }
 
 }  // namespace kq::zeb

@@ -1,9 +1,7 @@
-// Files and folders that only their owner may read, and small files that hold a secret.
+// Files and folders that only their owner may read.
 #pragma once
 
 #include <string>
-
-#include <kqappsession/Secret.h>
 
 namespace kq::zeb {
 
@@ -25,8 +23,5 @@ class FolderLock {
 };
 
 bool FileExists(const std::string& path);
-// The first line of a file, without the line end. Raises kq::Error when the file cannot be read, is longer
-// than 4 KiB, its first line is empty, or others than its owner may read it.
-Secret ReadSecretFile(const std::string& path);
 
 }  // namespace kq::zeb

@@ -5,6 +5,7 @@
 
 #include <kqappsession/Error.h>
 
+#include "tools/program/KeyFile.h"
 #include "zeb/Admin.h"
 #include "zeb/Terminal.h"
 
@@ -66,6 +67,14 @@ int main(int argc, char** argv) {
     auto* list = user->add_subcommand("list", "Lists the users.");
     AddData(list, data);
     list->callback([&data] { std::cout << ListUsers(*OpenData(data)); });
+    std::string key_file;
+    auto* key =
+        app.add_subcommand("bus-key", "Makes a file with a new key of the bus, for zebd and its peers.");
+    key->add_option("FILE", key_file, "the file; only its owner may read it")->required();
+    key->callback([&key_file] {
+        kq::MakeKeyFile(key_file);
+        std::cout << "zebctl: made a key in " << key_file << "\n";
+    });
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

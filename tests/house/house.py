@@ -40,8 +40,9 @@ MAY_USE = {
     "server": BELOW,
     "library": BELOW | {"client", "server"},
     "automation": BELOW | {"client", "server", "dialogs"},
-    "zeb": BELOW,
-    "tools": BELOW | {"platform/tty"},
+    "tools/program": GROUND,
+    "zeb": BELOW | {"tools/program"},
+    "tools": BELOW | {"platform/tty", "tools/program"},
 }
 # Of the platform's interfaces, a dialog knows these.
 DIALOGS_SEE = {"platform/DialogHost.h", "platform/Form.h", "platform/Shortcuts.h", "platform/TempFiles.h"}
@@ -101,7 +102,7 @@ def room_of_source(path):
     folders = path.split("/")[:-1]
     for length in range(len(folders), 0, -1):
         room = "/".join(folders[:length])
-        if room in MAY_USE and room not in ("zeb", "tools", "sessioninfo"):
+        if room in MAY_USE and room not in ("zeb", "tools", "tools/program", "sessioninfo"):
             return room
     return None
 
@@ -113,6 +114,8 @@ def room_of_file(path):
         return PUBLIC_HEADERS.get(os.path.splitext(os.path.basename(path))[0])
     if first == "src":
         return room_of_source(rest)
+    if path.startswith("tools/program/"):
+        return "tools/program"
     return first if first in ("zeb", "tools") else None
 
 
@@ -126,7 +129,7 @@ def wrong_include(path, room, bracket, name):
     elif bracket == "<":
         return wrong_foreign_include(path, room, name)
     elif name.startswith(("zeb/", "tools/")) or "/" not in name:
-        owner = name.split("/")[0] if "/" in name else room
+        owner = room_of_file(name) if "/" in name else room
     else:
         owner = room_of_source(name)
         if owner is None:

@@ -112,31 +112,5 @@ TEST(NewPassword, MustBeThere) {
     EXPECT_THROW(ReadNewPassword(in, false, prompt), Error);
 }
 
-class KeyFile : public testing::Test {
- protected:
-    TemporaryFolder folder;
-
-    std::string Write(const std::string& text, mode_t mode = 0600) {
-        const auto path = folder.Path("key");
-        std::ofstream(path) << text;
-        chmod(path.c_str(), mode);
-        return path;
-    }
-};
-
-TEST_F(KeyFile, GivesItsFirstLine) {
-    EXPECT_EQ(ReadSecretFile(Write("the key\nmore\n")).Reveal(), "the key");
-}
-
-TEST_F(KeyFile, MustHoldAKey) {
-    EXPECT_THROW(ReadSecretFile(Write("\n")), Error);
-    EXPECT_THROW(ReadSecretFile(Write(std::string(5000, 'x'))), Error);
-    EXPECT_THROW(ReadSecretFile(folder.Path("none")), Error);
-}
-
-TEST_F(KeyFile, ThatOthersMayReadIsRefused) {
-    EXPECT_THROW(ReadSecretFile(Write("the key", 0644)), Error);
-}
-
 }  // namespace
 }  // namespace kq::zeb

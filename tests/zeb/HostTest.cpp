@@ -1,6 +1,5 @@
 // zebd as a whole, on this machine's own network and threads: from the configuration to a login.
 #include <csignal>
-#include <fstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,6 +7,7 @@
 
 #include <kqappsession/Error.h>
 
+#include "tools/program/KeyFile.h"
 #include "zeb/Admin.h"
 #include "zeb/Host.h"
 #include "zeb/Signals.h"
@@ -108,14 +108,17 @@ TEST_F(ZebHost, LogsInAUserOfItsDatabase) {
 }
 
 TEST_F(ZebHost, CarriesABusWithAKey) {
-    const auto key = folder.Path("key");
-    CreatePrivateFile(key);
-    std::ofstream(key) << "the key\n";
-    config.bus_key_file = key;
+    config.bus_key_file = folder.Path("key");
+    MakeKeyFile(config.bus_key_file);
     const auto host = Start();
-    const auto server = Announce(*host, "the key");
+    const auto server = Announce(*host, ReadKeyFile(config.bus_key_file).Reveal());
     EXPECT_TRUE(Serves(*host));
     host->Stop();
+}
+
+TEST_F(ZebHost, NeedsAKeyFileThatHoldsAKey) {
+    config.bus_key_file = folder.Path("key");
+    EXPECT_THAT(WhyNot(), testing::StartsWith("The key file " + config.bus_key_file + " cannot be read: "));
 }
 
 TEST_F(ZebHost, DoesNotUseAnApplicationServerThatHasLostTheBus) {
@@ -151,8 +154,10 @@ TEST_F(ZebHost, NamesTheAddressThatIsTaken) {
 }
 
 TEST_F(ZebHost, OffersNoBusWithoutAKeyToOtherMachines) {
-    config.bus_address = "0.0.0.0";
-    EXPECT_THAT(WhyNot(), testing::StartsWith("0.0.0.0:0: "));
+    for (const char* address : {"0.0.0.0", "", "::", "192.0.2.10"}) {
+        config.bus_address = address;
+        EXPECT_THAT(WhyNot(), testing::HasSubstr("A hub without a key listens on loopback only")) << address;
+    }
 }
 
 TEST(ZebStopSignals, ArriveOnTheLoop) {

@@ -1,14 +1,11 @@
 #include "tools/kqappserver/AppServer.h"
 
-#include <fstream>
-#include <stdexcept>
-
 #include <kqappsession/Error.h>
 #include <kqappsession/EventLoop.h>
 
-#include "base/Convert.h"
 #include "tools/JsonText.h"
 #include "tools/kqappserver/EventLines.h"
+#include "tools/program/KeyFile.h"
 
 namespace kq {
 namespace {
@@ -29,16 +26,10 @@ class Application : public AppObject {
     std::string path_;
 };
 
-std::string KeyOf(const std::string& file) {
-    std::string key;
-    if (file.empty()) return key;
-    std::ifstream input(file);
-    if (!std::getline(input, key)) throw std::runtime_error("no key can be read from " + file);
-    return std::string(Trim(key));
-}
-
 BusSettings BusSettingsOf(const AppServerOptions& options) {
-    return {options.bus_address, options.bus_port, KeyOf(options.bus_key_file)};
+    BusSettings settings{options.bus_address, options.bus_port, {}};
+    if (!options.bus_key_file.empty()) settings.key = ReadKeyFile(options.bus_key_file).Reveal();
+    return settings;
 }
 
 }  // namespace

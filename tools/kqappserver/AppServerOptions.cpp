@@ -24,8 +24,8 @@ void AddOptions(CLI::App& app, AppServerOptions& options) {
     app.add_option("--bus-port", options.bus_port, "The port of the bus")
         ->required()
         ->check(CLI::Range(1, 65535));
-    app.add_option("--bus-key-file", options.bus_key_file, "A file whose first line is the key of the bus")
-        ->check(CLI::ExistingFile);
+    app.add_option("--bus-key-file", options.bus_key_file,
+                   "The file with the key of the bus, as zebd reads it; made by 'zebctl bus-key'");
     app.add_option("--path", options.path,
                    "The application's folder; the folder Install in it holds the client installer")
         ->check(CLI::ExistingDirectory);
