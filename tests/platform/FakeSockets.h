@@ -63,7 +63,10 @@ class FakeSockets final : public SocketCalls {
         return errors_[SocketCall::PrepareListener];
     }
     std::int32_t Listen(Socket) override { return errors_[SocketCall::Listen]; }
-    Opened Accept(Socket) override { return New(SocketCall::Accept); }
+    Accepted Accept(Socket) override {
+        const Opened accepted = New(SocketCall::Accept);
+        return {accepted.socket, accepted.error, {"192.0.2.9", 1999}};
+    }
 
     Moved Receive(Socket, std::span<std::byte> buffer) override {
         if (const std::int32_t error = errors_[SocketCall::Receive]) return {0, error};

@@ -222,6 +222,12 @@ TEST_F(Net, PausesAListenerOnlyWhenThereIsNoRoom) {
     }
 }
 
+TEST_F(Net, KnowsAnAcceptedPeerByTheAddressThatCameWithIt) {
+    const auto stream = network_->Listen("", 7)->Accept(nullptr);
+    EXPECT_EQ(stream->RemoteAddress(), "192.0.2.9");
+    EXPECT_EQ(stream->RemotePort(), 1999);
+}
+
 TEST_F(Net, AcceptsWhatCanBeReadAtOnce) {
     const auto listener = network_->Listen("", 7);
     const auto stream = listener->Accept(nullptr);

@@ -53,6 +53,11 @@ class SocketCalls {
         std::string address;  // "192.0.2.1" or "2001:db8::1"
         int port = 0;
     };
+    struct Accepted {
+        Socket socket = kNone;
+        std::int32_t error = 0;
+        End remote;
+    };
 
     virtual ~SocketCalls() = default;
 
@@ -71,7 +76,9 @@ class SocketCalls {
     // once.
     virtual std::int32_t PrepareListener(Socket socket, const SocketAddress& address, bool both_families) = 0;
     virtual std::int32_t Listen(Socket socket) = 0;
-    virtual Opened Accept(Socket listener) = 0;
+    // With the address that came with the connection: the socket of a peer that has reset it by now no
+    // longer knows it.
+    virtual Accepted Accept(Socket listener) = 0;
 
     virtual Moved Receive(Socket socket, std::span<std::byte> buffer) = 0;
     virtual Moved Send(Socket socket, std::span<const std::byte> bytes) = 0;

@@ -34,8 +34,8 @@ void TcpListener::SetHandler(std::function<void()> handler) {
 
 std::unique_ptr<StreamSocket> TcpListener::Accept(std::int32_t* error) {
     if (error) *error = 0;
-    const auto accepted = calls_->Accept(socket_);
-    if (accepted.error == 0) return std::make_unique<TcpStream>(calls_, loop_, accepted.socket);
+    auto accepted = calls_->Accept(socket_);
+    if (accepted.error == 0) return std::make_unique<TcpStream>(calls_, loop_, std::move(accepted));
     if (NoRoom(accepted.error)) {
         if (error) *error = accepted.error;
         Pause();

@@ -31,9 +31,9 @@ TcpStream::TcpStream(std::shared_ptr<SocketCalls> calls, std::shared_ptr<EventLo
 }
 
 TcpStream::TcpStream(std::shared_ptr<SocketCalls> calls, std::shared_ptr<EventLoop> loop,
-                     SocketCalls::Socket accepted)
-    : calls_(std::move(calls)), loop_(std::move(loop)), socket_(accepted) {
-    Opened();
+                     SocketCalls::Accepted accepted)
+    : calls_(std::move(calls)), loop_(std::move(loop)), socket_(accepted.socket) {
+    Opened(std::move(accepted.remote));
 }
 
 TcpStream::~TcpStream() {
@@ -69,11 +69,11 @@ std::int32_t TcpStream::StartConnecting(const std::string& address, int port,
     return calls_->Connect(socket_, *remote);
 }
 
-void TcpStream::Opened() {
+void TcpStream::Opened(SocketCalls::End remote) {
     state_ = State::Open;
     calls_->SendWithoutDelay(socket_);
     local_ = calls_->LocalEnd(socket_);
-    remote_ = calls_->RemoteEnd(socket_);
+    remote_ = std::move(remote);
 }
 
 void TcpStream::Fail(std::int32_t error) {
@@ -129,7 +129,7 @@ void TcpStream::OnConnectEnded() {
         Call(SocketEvent::Failed);
         return;
     }
-    Opened();
+    Opened(calls_->RemoteEnd(socket_));
     UpdateWatch();
     Call(SocketEvent::Connected);
 }

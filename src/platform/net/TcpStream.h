@@ -18,9 +18,9 @@ class TcpStream final : public StreamSocket {
     // Starts connecting; a failure is reported later.
     TcpStream(std::shared_ptr<SocketCalls> calls, std::shared_ptr<EventLoop> loop, const std::string& address,
               int port, const std::string& local_address);
-    // Takes an accepted socket.
+    // Takes a socket that was accepted.
     TcpStream(std::shared_ptr<SocketCalls> calls, std::shared_ptr<EventLoop> loop,
-              SocketCalls::Socket accepted);
+              SocketCalls::Accepted accepted);
     ~TcpStream() override;
 
     void SetHandler(std::function<void(SocketEvent)> handler) override;
@@ -40,7 +40,7 @@ class TcpStream final : public StreamSocket {
 
     // 0, or what went wrong immediately.
     std::int32_t StartConnecting(const std::string& address, int port, const std::string& local_address);
-    void Opened();
+    void Opened(SocketCalls::End remote);
     void Fail(std::int32_t error);
     void AnnounceFailure();
     void UpdateWatch();

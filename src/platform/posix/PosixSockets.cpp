@@ -50,14 +50,16 @@ SocketCalls::Moved MovedBy(ssize_t count) {
     return {static_cast<std::size_t>(count), 0};
 }
 
+// What a call that fills in an address has answered, and that address; empty when it has filled in none.
 template <class Ask>
-SocketCalls::End EndBy(Ask&& ask, int socket) {
+std::pair<int, SocketCalls::End> WithEnd(Ask&& ask) {
     sockaddr_storage storage{};
     socklen_t length = sizeof storage;
     auto* const raw = reinterpret_cast<sockaddr*>(&storage);
-    if (ask(socket, raw, &length) != 0) return {};
+    const int answer = ask(raw, &length);
+    if (answer == -1) return {answer, {}};
     const SocketAddress address = AddressFrom(raw, length);
-    return {TextOf(address), PortOf(address)};
+    return {answer, {TextOf(address), PortOf(address)}};
 }
 
 class PosixSockets final : public SocketCalls {
@@ -98,9 +100,14 @@ class PosixSockets final : public SocketCalls {
 
     std::int32_t Listen(Socket socket) override { return ErrorUnless(::listen(socket, SOMAXCONN) == 0); }
 
-    Opened Accept(Socket listener) override {
-        return OpenedAs(Uninterrupted(
-            [&] { return ::accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC); }));
+    Accepted Accept(Socket listener) override {
+        auto [socket, remote] = WithEnd([&](sockaddr* address, socklen_t* length) {
+            return Uninterrupted([&] {
+                *length = sizeof(sockaddr_storage);
+                return ::accept4(listener, address, length, SOCK_NONBLOCK | SOCK_CLOEXEC);
+            });
+        });
+        return {socket, ErrorUnless(socket != -1), std::move(remote)};
     }
 
     Moved Receive(Socket socket, std::span<std::byte> buffer) override {
@@ -115,8 +122,12 @@ class PosixSockets final : public SocketCalls {
     void FinishSending(Socket socket) override { ::shutdown(socket, SHUT_WR); }
     void Close(Socket socket) override { ::close(socket); }
 
-    End LocalEnd(Socket socket) override { return EndBy(::getsockname, socket); }
-    End RemoteEnd(Socket socket) override { return EndBy(::getpeername, socket); }
+    End LocalEnd(Socket socket) override {
+        return WithEnd([&](auto... out) { return ::getsockname(socket, out...); }).second;
+    }
+    End RemoteEnd(Socket socket) override {
+        return WithEnd([&](auto... out) { return ::getpeername(socket, out...); }).second;
+    }
 
     void SendWithoutDelay(Socket socket) override { SetOption(socket, IPPROTO_TCP, TCP_NODELAY, 1); }
 

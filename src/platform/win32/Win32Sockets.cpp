@@ -80,7 +80,10 @@ class Win32Sockets final : public SocketCalls {
 
     std::int32_t Listen(Socket socket) override { return ErrorUnless(listen(socket, SOMAXCONN) == 0); }
 
-    Opened Accept(Socket listener) override { return OpenedAs(accept(listener, nullptr, nullptr)); }
+    Accepted Accept(Socket listener) override {
+        const Opened opened = OpenedAs(accept(listener, nullptr, nullptr));
+        return {opened.socket, opened.error, opened.error == 0 ? RemoteEnd(opened.socket) : End()};
+    }
 
     Moved Receive(Socket socket, std::span<std::byte> buffer) override {
         return MovedBy(recv(socket, reinterpret_cast<char*>(buffer.data()), Length(buffer.size()), 0));

@@ -1,7 +1,8 @@
-// What the system was asked to do for a connection.
+// What the system was asked to do for a connection, and what it says about one.
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include "platform/SocketTesting.h"
 
@@ -32,6 +33,20 @@ TEST_F(Sockets, AreProbedAfterAMinuteOfSilenceWhileKeptAlive) {
     EXPECT_EQ(OptionOf(*client_.stream, IPPROTO_TCP, TCP_KEEPCNT), 4);
     client_.stream->SetKeepAlive(false);
     EXPECT_EQ(OptionOf(*client_.stream, SOL_SOCKET, SO_KEEPALIVE), 0);
+}
+
+TEST_F(Sockets, KnowThePeerThatResetTheConnectionBeforeItWasAccepted) {
+    listener_ = network_->Listen("127.0.0.1", 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(listener_->LocalPort()));
+    const int peer = ::socket(AF_INET, SOCK_STREAM, 0);
+    ASSERT_EQ(::connect(peer, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    const linger reset{1, 0};
+    ::setsockopt(peer, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+    ::close(peer);
+    EXPECT_EQ(listener_->Accept(nullptr)->RemoteAddress(), "127.0.0.1");
 }
 
 TEST_F(Sockets, SendSmallBlocksAtOnce) {
