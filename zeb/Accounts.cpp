@@ -13,8 +13,6 @@
 namespace kq::zeb {
 namespace {
 
-constexpr std::size_t kMaxLogin = 64;
-
 #define KQ_USER_COLUMNS                                                                                      \
     "uid, login, password_hash, first_name, last_name, enterprise_id, language, tz, dst, buid, buid_union, " \
     "privileges, disabled, must_change, max_sessions"
@@ -52,7 +50,8 @@ std::string Accounts::WhyNoLogin(std::string_view login) {
     const auto characters = CountCharacters(login);
     if (!characters) return "A login id must be UTF-8 text.";
     if (*characters == 0) return "A login id cannot be empty.";
-    if (*characters > kMaxLogin) return "A login id has at most 64 characters.";
+    if (*characters > kMaxLogin)
+        return "A login id has at most " + std::to_string(kMaxLogin) + " characters.";
     if (HasControlCharacter(login)) return "A login id cannot hold control characters.";
     if (Trim(login).size() != login.size()) return "A login id cannot begin or end with a blank.";
     return {};

@@ -1,6 +1,7 @@
 // The users: who they are, what they may and the hash of their password.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,6 +32,8 @@ struct Account {
 
 class Accounts {
  public:
+    static constexpr std::size_t kMaxLogin = 64;  // characters
+
     explicit Accounts(Store& store) : store_(store) {}
 
     // Login ids are compared exactly.

@@ -42,6 +42,14 @@ void ClientRequests::DownloadClient(const XMLMessage&, const PeerPtr& peer) {
     Refuse<ASDownloadClientResponse>(peer, Refusal::NoClientPackage);
 }
 
+void ShortenLogin(std::string& login) {
+    login = FirstCharacters(login, Accounts::kMaxLogin + 1);
+}
+
+void ShortenPassword(Secret& password) {
+    password = Secret(FirstCharacters(password.Reveal(), kMaxPassword + 1));
+}
+
 bool ClientRequests::ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
                                      std::function<void(const Restriction&)> then) {
     const std::int32_t number = ValLong(port);
@@ -82,11 +90,13 @@ Restriction ClientRequests::DirectRestriction(const Peer& peer, const std::vecto
 void ClientRequests::CheckPassword(const std::string& login, const Secret& password,
                                    const std::optional<Secret>& new_password,
                                    const std::function<void(const Checked&)>& then) {
-    if (!services_.attempts.Begin(login)) {
+    // An id that no account can have is answered like a wrong one, but there is nothing to remember about it.
+    const bool possible = Accounts::WhyNoLogin(login).empty();
+    if (possible && !services_.attempts.Begin(login)) {
         then({Refusal::TooManyAttempts, {}, {}});
         return;
     }
-    const auto account = services_.accounts.Find(login);
+    const auto account = possible ? services_.accounts.Find(login) : std::nullopt;
     PasswordQuestion question;
     question.login = login;
     question.password = password;
@@ -113,7 +123,7 @@ ClientRequests::Checked ClientRequests::Judge(const std::string& login, const st
         return {Refusal::Failed, {}, {}};
     }
     if (!answer.correct) {
-        services_.attempts.Failed(login);
+        if (Accounts::WhyNoLogin(login).empty()) services_.attempts.Failed(login);
         return {Refusal::UnknownUser, {}, {}};
     }
     services_.attempts.Succeeded(login);

@@ -70,6 +70,11 @@ class ClientRequests {
     Owner owner_;
 };
 
+// A login id or a password that is longer than any account's loses what follows its first character too many:
+// it is still wrong, but what waits for a password check is small.
+void ShortenLogin(std::string& login);
+void ShortenPassword(Secret& password);
+
 // The fields that say how a request ended, in any response.
 template <class Response>
 void SetOutcome(Response& response, Refusal refusal, const std::string& login = {}) {

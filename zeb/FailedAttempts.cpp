@@ -3,8 +3,26 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
+#include <utility>
+
+#include <sodium.h>
 
 namespace kq::zeb {
+
+FailedAttempts::FailedAttempts(std::shared_ptr<EventLoop> loop, const Rule& rule)
+    : loop_(std::move(loop)), rule_(rule) {
+    static_assert(std::is_trivially_copyable_v<Entry>, "an entry holds no text of a client");
+    randombytes_buf(key_.data(), key_.size());
+}
+
+FailedAttempts::Fingerprint FailedAttempts::FingerprintOf(const std::string& login) const {
+    Fingerprint fingerprint;
+    crypto_generichash(fingerprint.data(), fingerprint.size(),
+                       reinterpret_cast<const unsigned char*>(login.data()), login.size(), key_.data(),
+                       key_.size());
+    return fingerprint;
+}
 
 Milliseconds FailedAttempts::DelayAfter(int failures) const {
     if (failures < rule_.free) return Milliseconds(0);
@@ -24,7 +42,7 @@ void FailedAttempts::Forget(EventLoop::TimePoint now) {
 }
 
 bool FailedAttempts::Begin(const std::string& login) {
-    const auto found = by_login_.find(login);
+    const auto found = by_login_.find(FingerprintOf(login));
     if (found == by_login_.end()) return true;
     Entry& entry = *found->second;
     const auto now = loop_->Now();
@@ -35,11 +53,12 @@ bool FailedAttempts::Begin(const std::string& login) {
 
 void FailedAttempts::Failed(const std::string& login) {
     const auto now = loop_->Now();
-    auto found = by_login_.find(login);
+    const auto fingerprint = FingerprintOf(login);
+    auto found = by_login_.find(fingerprint);
     if (found == by_login_.end()) {
         Forget(now);
-        entries_.push_back({login, 0, now, now});
-        found = by_login_.emplace(login, std::prev(entries_.end())).first;
+        entries_.push_back({fingerprint, 0, now, now});
+        found = by_login_.emplace(fingerprint, std::prev(entries_.end())).first;
     }
     Entry& entry = *found->second;
     entries_.splice(entries_.end(), entries_, found->second);
@@ -50,14 +69,14 @@ void FailedAttempts::Failed(const std::string& login) {
 }
 
 void FailedAttempts::Succeeded(const std::string& login) {
-    const auto found = by_login_.find(login);
+    const auto found = by_login_.find(FingerprintOf(login));
     if (found == by_login_.end()) return;
     entries_.erase(found->second);
     by_login_.erase(found);
 }
 
 void FailedAttempts::Withdraw(const std::string& login) {
-    const auto found = by_login_.find(login);
+    const auto found = by_login_.find(FingerprintOf(login));
     if (found != by_login_.end()) found->second->not_before = loop_->Now();
 }
 

@@ -1,14 +1,17 @@
 // Slows down guessing: after a few failed attempts in a row a login id has to wait before the next one is
 // looked at, longer every time. Ids that no user has are treated alike, so the waiting says nothing about who
 // exists.
+//
+// The table holds keyed hashes of the ids. An entry has a fixed size whatever a client sends, and the memory
+// of the server does not list what people typed as their login id.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <list>
+#include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
-#include <utility>
 
 #include <kqappsession/EventLoop.h>
 
@@ -23,7 +26,7 @@ class FailedAttempts {
         Milliseconds forget{30 * 60 * 1'000};  // without an attempt
         std::size_t table = 10'000;            // ids that are remembered; the longest unused one makes room
     };
-    FailedAttempts(std::shared_ptr<EventLoop> loop, const Rule& rule) : loop_(std::move(loop)), rule_(rule) {}
+    FailedAttempts(std::shared_ptr<EventLoop> loop, const Rule& rule);
 
     // Whether an attempt may go on now. Of an id that has to wait between attempts, one at a time may.
     bool Begin(const std::string& login);
@@ -34,21 +37,24 @@ class FailedAttempts {
     std::size_t Size() const { return entries_.size(); }
 
  private:
+    using Fingerprint = std::array<unsigned char, 16>;
     struct Entry {
-        std::string login;
+        Fingerprint login;
         int failures = 0;
         EventLoop::TimePoint last;
         EventLoop::TimePoint not_before;
     };
     using Entries = std::list<Entry>;  // the longest unused one first
 
+    Fingerprint FingerprintOf(const std::string& login) const;
     Milliseconds DelayAfter(int failures) const;
     void Forget(EventLoop::TimePoint now);
 
     std::shared_ptr<EventLoop> loop_;
     Rule rule_;
     Entries entries_;
-    std::unordered_map<std::string, Entries::iterator> by_login_;
+    std::map<Fingerprint, Entries::iterator> by_login_;
+    std::array<unsigned char, 32> key_{};  // random, so that nobody can choose ids that collide
 };
 
 }  // namespace kq::zeb

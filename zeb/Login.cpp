@@ -10,7 +10,10 @@ namespace kq::zeb {
 void ClientRequests::Login(const XMLMessage& message, const PeerPtr& peer) {
     using Response = ASLoginResponse;
     Guard<Response>(peer, [&] {
-        const auto request = std::make_shared<const ASLoginRequest>(ASLoginRequest::Read(message));
+        const auto request = std::make_shared<ASLoginRequest>(ASLoginRequest::Read(message));
+        ShortenLogin(request->LoginID);
+        ShortenPassword(request->Password);
+        ShortenPassword(request->NewPassword);
         std::optional<Secret> new_password;
         if (!request->NewPassword.Empty()) new_password = request->NewPassword;
         const auto finish = [=, this](const Checked& checked, const Restriction& restriction) {

@@ -6,7 +6,10 @@ namespace kq::zeb {
 void ClientRequests::ChangePassword(const XMLMessage& message, const PeerPtr& peer) {
     using Response = ASPasswordChangeResponse;
     Guard<Response>(peer, [&] {
-        const auto request = ASPasswordChangeRequest::Read(message);
+        auto request = ASPasswordChangeRequest::Read(message);
+        ShortenLogin(request.LoginID);
+        ShortenPassword(request.OldPassword);
+        ShortenPassword(request.NewPassword);
         const std::string login = request.LoginID;
         if (!FindUser(login, request.SessionID, request.AppID)) {
             Refuse<Response>(peer, Refusal::NoSession, login);

@@ -1,6 +1,7 @@
 // The rules for new passwords, and argon2id through libsodium.
 #include "zeb/Passwords.h"
 
+#include <algorithm>
 #include <array>
 
 #include <sodium.h>
@@ -12,13 +13,28 @@
 
 namespace kq::zeb {
 
+namespace {
+
+constexpr std::size_t kMaxBytesOfCharacter = 4;
+
+bool BeginsCharacter(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+}
+
+}  // namespace
+
 std::optional<std::size_t> CountCharacters(std::string_view text) {
     if (!IsValidUtf8(text)) return std::nullopt;
-    std::size_t count = 0;
-    for (const char c : text) {
-        if ((static_cast<unsigned char>(c) & 0xC0U) != 0x80U) ++count;
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
+}
+
+std::string FirstCharacters(std::string_view text, std::size_t count) {
+    const std::size_t most = std::min(text.size(), count * kMaxBytesOfCharacter);
+    std::size_t begun = 0;
+    for (std::size_t end = 0; end < most; ++end) {
+        if (BeginsCharacter(text[end]) && ++begun > count) return std::string(text.substr(0, end));
     }
-    return count;
+    return std::string(text.substr(0, most));
 }
 
 bool HasControlCharacter(std::string_view text) {

@@ -18,6 +18,8 @@ inline constexpr std::size_t kMaxPassword = 64;
 
 // The characters of a UTF-8 text; nothing when it is ill-formed.
 std::optional<std::size_t> CountCharacters(std::string_view text);
+// The first `count` characters of a UTF-8 text, and no more than 4 * `count` bytes of an ill-formed one.
+std::string FirstCharacters(std::string_view text, std::size_t count);
 bool HasControlCharacter(std::string_view text);  // U+0000 to U+001F, U+007F to U+009F
 
 // Why `password` cannot be the new password of `login`, None when it can. `old_password` is empty for a user

@@ -115,6 +115,41 @@ TEST_F(LoginTest, AnUnknownUserCostsTheSameWork) {
     EXPECT_EQ(std::pair(hasher.verified, hasher.hashed), known);
 }
 
+TEST_F(LoginTest, AnIdThatNoAccountCanHaveCostsTheSameWorkEveryTimeAndIsNotRemembered) {
+    StartZeb();
+    const auto server = RunningServer();
+    const std::string huge(500'000, 'x');
+    for (int i = 1; i <= 10; ++i) {
+        ExpectRefused(Login(huge), Refusal::UnknownUser);
+        EXPECT_EQ(hasher.verified, i);
+    }
+}
+
+TEST_F(LoginTest, AnIdWhoseFirstCharactersAreAnAccountsIsAnother) {
+    StartZeb();
+    const std::string longest(64, 'x');
+    AddUser(longest);
+    const auto server = RunningServer();
+    ExpectRefused(Login(longest + "x"), Refusal::UnknownUser);
+    EXPECT_EQ(Login(longest).ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, APasswordIsComparedToItsLastCharacter) {
+    StartZeb();
+    const std::string longest(64, 'p');
+    AddUser("ana", longest);
+    const auto server = RunningServer();
+    ExpectRefused(Login("ana", longest + "p"), Refusal::UnknownUser);
+    EXPECT_EQ(Login("ana", longest).ErrorNumber, "0");
+}
+
+TEST_F(LoginTest, WhatWaitsForAPasswordCheckIsSmall) {
+    StartZeb();
+    const auto server = RunningServer();
+    Login(std::string(500'000, 'x'), std::string(500'000, 'y'));
+    EXPECT_LE(hasher.longest, 65U);
+}
+
 TEST_F(LoginTest, NobodyLogsInWithThePasswordThatStandsInForUnknownUsers) {
     StartZeb();
     const auto server = RunningServer();

@@ -40,6 +40,17 @@ TEST(PasswordRules, NumbersFollowTheCodes) {
     }
 }
 
+TEST(PasswordCharacters, AreCutAtTheBeginningOfOne) {
+    EXPECT_EQ(FirstCharacters("abc", 3), "abc");
+    EXPECT_EQ(FirstCharacters("abcd", 3), "abc");
+    EXPECT_EQ(FirstCharacters("äöüß", 3), "äöü");
+    EXPECT_EQ(FirstCharacters("", 3), "");
+}
+
+TEST(PasswordCharacters, OfIllFormedTextAreAtMostFourBytesEach) {
+    EXPECT_EQ(FirstCharacters(std::string(100, '\x80'), 3), std::string(12, '\x80'));
+}
+
 const Argon2Hasher& Quick() {
     static const Argon2Hasher hasher({.passes = 1, .memory = 8192});
     return hasher;

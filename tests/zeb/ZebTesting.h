@@ -2,6 +2,7 @@
 // that talk to it.
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -28,6 +29,7 @@ class CountingHasher final : public PasswordHasher {
  public:
     mutable int hashed = 0;
     mutable int verified = 0;
+    mutable std::size_t longest = 0;  // of the passwords that were verified, in bytes
     bool out_of_memory = false;
 
     std::string Hash(const Secret& password) const override {
@@ -36,6 +38,7 @@ class CountingHasher final : public PasswordHasher {
     }
     bool Verify(const std::string& hash, const Secret& password) const override {
         ++verified;
+        longest = std::max(longest, password.Reveal().size());
         if (out_of_memory) throw std::runtime_error("no memory");
         return hash == "hash of " + password.Reveal();
     }
@@ -119,6 +122,17 @@ class ZebTest : public testing::Test {
     // Logs in and has the server register the session; the session's id.
     std::string LoginAndRegister(const std::string& login, TestAppServer& server,
                                  const std::string& connection = "1");
+    // The answer is this refusal: number, code and sentence.
+    template <class Response>
+    static void ExpectRefused(const Response& reply, Refusal refusal, const std::string& code) {
+        EXPECT_EQ(reply.ErrorNumber, std::to_string(NumberOf(refusal)));
+        EXPECT_EQ(reply.ErrorParam, code);
+        EXPECT_EQ(reply.ErrorDesc, SentenceOf(refusal));
+    }
+    template <class Response>
+    static void ExpectRefused(const Response& reply, Refusal refusal) {
+        ExpectRefused(reply, refusal, std::string(CodeOf(refusal)));
+    }
     void Pass(Milliseconds time) { machine.loop->Advance(time); }
     std::string Log() const { return log_text.str(); }
 
