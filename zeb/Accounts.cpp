@@ -96,16 +96,14 @@ std::int32_t Accounts::Add(const Account& account) {
 }
 
 bool Accounts::ChangePassword(std::int32_t uid, std::string_view old_hash, std::string_view new_hash) {
-    Store::Transaction transaction(store_);
-    const auto changed =
-        store_
-            .Use("UPDATE users SET password_hash = ?3, must_change = 0 WHERE uid = ?1 AND password_hash = ?2")
-            .Bind(1, std::int64_t{uid})
-            .Bind(2, old_hash)
-            .Bind(3, new_hash)
-            .Run();
-    transaction.Commit();
-    return changed == 1;
+    return store_
+               .Use(
+                   "UPDATE users SET password_hash = ?3, must_change = 0 "
+                   "WHERE uid = ?1 AND password_hash = ?2")
+               .Bind(1, std::int64_t{uid})
+               .Bind(2, old_hash)
+               .Bind(3, new_hash)
+               .Run() == 1;
 }
 
 void Accounts::SetDisabled(std::int32_t uid, bool disabled) {

@@ -43,7 +43,7 @@ class Accounts {
     // cannot be one, or a text cannot travel in a message.
     std::int32_t Add(const Account& account);
     // Replaces the hash and clears must_change, unless the hash is not `old_hash` any more: then another
-    // change came first, and the answer is false.
+    // change came first, and the result is false. Within a transaction of the caller, or as one.
     bool ChangePassword(std::int32_t uid, std::string_view old_hash, std::string_view new_hash);
     void SetDisabled(std::int32_t uid, bool disabled);
     // By login id.

@@ -107,6 +107,7 @@ void ClientRequests::CheckPassword(const std::string& login, const Secret& passw
         try {
             checked = Judge(login, account, answer);
         } catch (const Error& error) {
+            services_.attempts.Withdraw(login);
             services_.log.error("The password check of {} failed: {}", ForLog(login), error.Description());
         }
         then(checked);
@@ -126,12 +127,29 @@ ClientRequests::Checked ClientRequests::Judge(const std::string& login, const st
         if (Accounts::WhyNoLogin(login).empty()) services_.attempts.Failed(login);
         return {Refusal::UnknownUser, {}, {}};
     }
-    services_.attempts.Succeeded(login);
-    // The account may have changed while the password was checked.
-    const auto account = services_.accounts.Find(asked->uid);
-    if (!account || account->password_hash != asked->password_hash) return {Refusal::UnknownUser, {}, {}};
-    if (account->disabled) return {Refusal::Disabled, {}, {}};
-    return {answer.new_password_refusal, *account, answer.new_hash};
+    auto account = asked.value();
+    auto refusal = Recheck(account);
+    if (refusal == Refusal::None) refusal = answer.new_password_refusal;
+    if (refusal != Refusal::None) services_.attempts.Succeeded(login);
+    return {refusal, std::move(account), answer.new_hash};
+}
+
+Refusal ClientRequests::Recheck(Account& account) {
+    auto now = services_.accounts.Find(account.uid);
+    if (!now || now->password_hash != account.password_hash) return Refusal::UnknownUser;
+    account = *std::move(now);
+    return account.disabled ? Refusal::Disabled : Refusal::None;
+}
+
+Refusal ClientRequests::Settle(const std::string& login, const std::function<Refusal()>& finish) {
+    try {
+        const auto refusal = finish();
+        services_.attempts.Succeeded(login);
+        return refusal;
+    } catch (...) {
+        services_.attempts.Withdraw(login);
+        throw;
+    }
 }
 
 }  // namespace kq::zeb

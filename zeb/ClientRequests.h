@@ -51,12 +51,19 @@ class ClientRequests {
         std::string new_hash;
     };
     Refusal FinishLogin(const ASLoginRequest& request, const Restriction& restriction, const Checked& checked,
-                        ASLoginResponse& response);
+                        XMLMessage& answer);
+    Refusal StoreNewPassword(const Checked& checked);
+    // With None the attempt is still open: Settle ends it.
     void CheckPassword(const std::string& login, const Secret& password,
                        const std::optional<Secret>& new_password,
                        const std::function<void(const Checked&)>& then);
     Checked Judge(const std::string& login, const std::optional<Account>& asked,
                   const PasswordAnswer& answer);
+    // Reads the account again, which may have changed since. A refusal when its password is another one now
+    // or it is disabled.
+    Refusal Recheck(Account& account);
+    // Runs what a right password leads to, up to its commit, and only then forgets the failures before it.
+    Refusal Settle(const std::string& login, const std::function<Refusal()>& finish);
 
     // Runs a step of a handler; whatever it raises becomes the refusal Failed.
     template <class Response>

@@ -1,7 +1,7 @@
 // "ASLoginRequest": who the user is, where the application server is, and what the client needs of the user.
 //
-// Everything that can refuse the login is looked at before a new password is stored, so a refused login
-// leaves the old one in force.
+// The new password and the session are stored in one transaction, which is committed when the answer is
+// complete. A login that is refused or fails leaves no session behind and the old password in force.
 #include "zeb/ClientRequests.h"
 #include "zeb/SessionRecord.h"
 
@@ -18,10 +18,12 @@ void ClientRequests::Login(const XMLMessage& message, const PeerPtr& peer) {
         if (!request->NewPassword.Empty()) new_password = request->NewPassword;
         const auto finish = [=, this](const Checked& checked, const Restriction& restriction) {
             Guard<Response>(peer, [&] {
-                Response response;
-                const auto refusal = checked.refusal != Refusal::None
-                                         ? checked.refusal
-                                         : FinishLogin(*request, restriction, checked, response);
+                XMLMessage answer;
+                auto refusal = checked.refusal;
+                if (refusal == Refusal::None) {
+                    refusal = Settle(request->LoginID,
+                                     [&] { return FinishLogin(*request, restriction, checked, answer); });
+                }
                 if (refusal != Refusal::None) {
                     Refuse<Response>(peer, refusal, request->LoginID);
                     return;
@@ -29,7 +31,7 @@ void ClientRequests::Login(const XMLMessage& message, const PeerPtr& peer) {
                 services_.log.info("Login of {} to {} from {}", ForLog(request->LoginID),
                                    ForLog(request->AppID), peer->Name());
                 peer->Admit();
-                peer->Answer(response.Build());
+                peer->Answer(answer);
             });
         };
         const bool taken = ReadRestriction(
@@ -44,23 +46,32 @@ void ClientRequests::Login(const XMLMessage& message, const PeerPtr& peer) {
 }
 
 Refusal ClientRequests::FinishLogin(const ASLoginRequest& request, const Restriction& restriction,
-                                    const Checked& checked, ASLoginResponse& response) {
-    const Account& account = checked.account;
-    if (account.must_change && checked.new_hash.empty()) return Refusal::MustChangePassword;
+                                    const Checked& checked, XMLMessage& answer) {
+    const bool new_password = !checked.new_hash.empty();
+    Store::Transaction transaction(services_.store,
+                                   new_password ? Store::Commit::Settled : Store::Commit::Soon);
+    Account account = checked.account;
+    if (const auto refusal = Recheck(account); refusal != Refusal::None) return refusal;
+    if (account.must_change && !new_password) return Refusal::MustChangePassword;
     if (!services_.servers.HasServerFor(request.AppID, restriction)) return Refusal::NoServer;
     if (services_.SessionsUsedUp(account, "")) return Refusal::TooManySessions;
-    response.TranslationTable = services_.user_data.TranslationTable(account.language);
-    response.Profiles = services_.user_data.Profiles(account.uid, request.AppID);
-    if (!checked.new_hash.empty() &&
+    if (new_password &&
         !services_.accounts.ChangePassword(account.uid, account.password_hash, checked.new_hash))
         return Refusal::UnknownUser;
+    const auto session = services_.sessions.Issue(account.uid, request.AppID);
 
+    ASLoginResponse response;
     SetOutcome(response, Refusal::None);
-    response.SessionID = services_.sessions.Issue(account.uid, request.AppID);
+    response.TranslationTable = services_.user_data.TranslationTable(account.language);
+    response.Profiles = services_.user_data.Profiles(account.uid, request.AppID);
+    response.SessionID = session.id;
     response.Port = std::to_string(services_.servers.ChoosePort(request.AppID, restriction).value());
     auto info = DescribeUser(account);
-    info.SessionID = response.SessionID;
+    info.SessionID = session.id;
     response.SessionInfo = info.Build().ToXML();
+    answer = response.Build();
+    transaction.Commit();
+    services_.sessions.Add(session);
     return Refusal::None;
 }
 

@@ -18,10 +18,8 @@ void ClientRequests::ChangePassword(const XMLMessage& message, const PeerPtr& pe
         CheckPassword(login, request.OldPassword, request.NewPassword, [=, this](const Checked& checked) {
             Guard<Response>(peer, [&] {
                 auto refusal = checked.refusal;
-                if (refusal == Refusal::None &&
-                    !services_.accounts.ChangePassword(checked.account.uid, checked.account.password_hash,
-                                                       checked.new_hash))
-                    refusal = Refusal::UnknownUser;
+                if (refusal == Refusal::None)
+                    refusal = Settle(login, [&] { return StoreNewPassword(checked); });
                 if (refusal != Refusal::None) {
                     Refuse<Response>(peer, refusal, login);
                     return;
@@ -33,6 +31,15 @@ void ClientRequests::ChangePassword(const XMLMessage& message, const PeerPtr& pe
             });
         });
     });
+}
+
+Refusal ClientRequests::StoreNewPassword(const Checked& checked) {
+    Store::Transaction transaction(services_.store);
+    if (!services_.accounts.ChangePassword(checked.account.uid, checked.account.password_hash,
+                                           checked.new_hash))
+        return Refusal::UnknownUser;
+    transaction.Commit();
+    return Refusal::None;
 }
 
 }  // namespace kq::zeb

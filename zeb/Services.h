@@ -21,6 +21,7 @@ namespace kq::zeb {
 
 struct Services {
     PlatformPtr platform;
+    Store& store;
     Accounts& accounts;
     UserData& user_data;
     Sessions& sessions;

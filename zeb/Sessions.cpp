@@ -42,22 +42,25 @@ bool Sessions::Expired(const Session& session) const {
     return heard == heard_.end() || Now() - heard->second > rule_.give_up.count();
 }
 
-std::string Sessions::Issue(std::int32_t user_uid, const std::string& app_id) {
+Session Sessions::Issue(std::int32_t user_uid, const std::string& app_id) {
     Session session;
     session.id = platform_->crypto->RandomHex(kIdBytes);
     session.user_uid = user_uid;
     session.app_id = app_id;
     session.since = Now();
-    Store::Transaction transaction(store_, Store::Commit::Soon);
     store_.Use("INSERT INTO sessions (session_id, user_uid, app_id, since) VALUES (?1, ?2, ?3, ?4)")
         .Bind(1, session.id)
         .Bind(2, std::int64_t{user_uid})
         .Bind(3, app_id)
         .Bind(4, session.since)
         .Run();
-    transaction.Commit();
-    by_user_[user_uid].insert(session.id);
-    return sessions_.emplace(session.id, session).first->second.id;
+    return session;
+}
+
+void Sessions::Add(Session session) {
+    by_user_[session.user_uid].insert(session.id);
+    const auto id = session.id;
+    sessions_.emplace(id, std::move(session));
 }
 
 const Session* Sessions::Find(const std::string& id) const {

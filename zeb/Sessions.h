@@ -45,8 +45,10 @@ class Sessions {
     };
     Sessions(Store& store, PlatformPtr platform, const Rule& rule);
 
-    // Returns the new session's id: 32 hexadecimal digits, random.
-    std::string Issue(std::int32_t user_uid, const std::string& app_id);
+    // Stores a new session within a transaction of the caller; its id is 32 hexadecimal digits, random. Once
+    // that is committed, Add makes the session known.
+    Session Issue(std::int32_t user_uid, const std::string& app_id);
+    void Add(Session session);
     // Null when it is unknown or its time to register has passed. Valid until the next change.
     const Session* Find(const std::string& id) const;
     // A registered session moves to the new place.
