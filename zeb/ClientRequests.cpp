@@ -7,6 +7,7 @@
 
 #include "base/Convert.h"
 #include "platform/Socket.h"
+#include "zeb/Addresses.h"
 
 namespace kq::zeb {
 namespace {
@@ -50,24 +51,31 @@ void ShortenPassword(Secret& password) {
     password = Secret(FirstCharacters(password.Reveal(), kMaxPassword + 1));
 }
 
-bool ClientRequests::ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
-                                     std::function<void(const Restriction&)> then) {
-    const std::int32_t number = ValLong(port);
-    if (peer->Relayed()) {
+std::optional<Restriction> ClientRequests::KnownRestriction(const Peer& peer, const std::string& address,
+                                                            std::int32_t port) const {
+    if (peer.Relayed()) {
         Restriction restriction;
         if (!address.empty()) restriction.addresses.insert(address);
-        restriction.port = number;
-        then(restriction);
+        restriction.port = port;
+        return restriction;
+    }
+    if (address.empty()) return DirectRestriction(peer, {}, port);
+    if (const auto numeric = NumericAddress(address)) return DirectRestriction(peer, {*numeric}, port);
+    return std::nullopt;
+}
+
+bool ClientRequests::ReadRestriction(const PeerPtr& peer, const ASLoginRequest& request,
+                                     std::function<void(const Restriction&)> then) {
+    const std::int32_t port = ValLong(request.RestrictPort);
+    if (const auto known = KnownRestriction(*peer, request.RestrictIP, port)) {
+        then(*known);
         return true;
     }
-    if (address.empty()) {
-        then(DirectRestriction(*peer, {}, number));
-        return true;
-    }
-    return host_names_.Find(
-        address, [this, peer, address, number, then = std::move(then)](const HostNames::Addresses& found) {
-            then(DirectRestriction(*peer, found.empty() ? HostNames::Addresses{address} : found, number));
-        });
+    const auto read = [this, peer, name = request.RestrictIP, port,
+                       then = std::move(then)](const HostNames::Addresses& found) {
+        then(DirectRestriction(*peer, found.empty() ? HostNames::Addresses{name} : found, port));
+    };
+    return host_names_.Find({peer->Name(), request.LoginID}, request.RestrictIP, read);
 }
 
 Restriction ClientRequests::DirectRestriction(const Peer& peer, const std::vector<std::string>& addresses,

@@ -36,9 +36,13 @@ class ClientRequests {
     std::optional<Account> FindUser(const std::string& login, const std::string& session_id,
                                     const std::string& app_id);
 
-    // Reads the two restriction fields. A direct client that names this server itself is not restricted.
-    // `then` may be called later, since host names have to be resolved; false and never when too many are.
-    bool ReadRestriction(const PeerPtr& peer, const std::string& address, const std::string& port,
+    // What the two restriction fields of a request mean, unless a host name has to be looked up for that. A
+    // direct client that names this server itself is not restricted.
+    std::optional<Restriction> KnownRestriction(const Peer& peer, const std::string& address,
+                                                std::int32_t port) const;
+    // Reads the restriction of a login whose password was right, looking up a host name. `then` may be called
+    // later for that; false and never when too many names are being looked up.
+    bool ReadRestriction(const PeerPtr& peer, const ASLoginRequest& request,
                          std::function<void(const Restriction&)> then);
     Restriction DirectRestriction(const Peer& peer, const std::vector<std::string>& addresses,
                                   std::int32_t port) const;
@@ -50,6 +54,8 @@ class ClientRequests {
         Account account;
         std::string new_hash;
     };
+    void AnswerLogin(const PeerPtr& peer, const ASLoginRequest& request, const Restriction& restriction,
+                     const Checked& checked);
     Refusal FinishLogin(const ASLoginRequest& request, const Restriction& restriction, const Checked& checked,
                         XMLMessage& answer);
     Refusal StoreNewPassword(const Checked& checked);

@@ -2,6 +2,7 @@
 //
 // The new password and the session are stored in one transaction, which is committed when the answer is
 // complete. A login that is refused or fails leaves no session behind and the old password in force.
+#include "base/Convert.h"
 #include "zeb/ClientRequests.h"
 #include "zeb/SessionRecord.h"
 
@@ -14,35 +15,39 @@ void ClientRequests::Login(const XMLMessage& message, const PeerPtr& peer) {
         ShortenLogin(request->LoginID);
         ShortenPassword(request->Password);
         ShortenPassword(request->NewPassword);
+        static_cast<void>(ValLong(request->RestrictPort));  // raises before the password costs any work
         std::optional<Secret> new_password;
         if (!request->NewPassword.Empty()) new_password = request->NewPassword;
-        const auto finish = [=, this](const Checked& checked, const Restriction& restriction) {
+        CheckPassword(request->LoginID, request->Password, new_password, [=, this](const Checked& checked) {
             Guard<Response>(peer, [&] {
-                XMLMessage answer;
-                auto refusal = checked.refusal;
-                if (refusal == Refusal::None) {
-                    refusal = Settle(request->LoginID,
-                                     [&] { return FinishLogin(*request, restriction, checked, answer); });
-                }
-                if (refusal != Refusal::None) {
-                    Refuse<Response>(peer, refusal, request->LoginID);
+                if (checked.refusal != Refusal::None) {
+                    Refuse<Response>(peer, checked.refusal, request->LoginID);
                     return;
                 }
-                services_.log.info("Login of {} to {} from {}", ForLog(request->LoginID),
-                                   ForLog(request->AppID), peer->Name());
-                peer->Admit();
-                peer->Answer(answer);
-            });
-        };
-        const bool taken = ReadRestriction(
-            peer, request->RestrictIP, request->RestrictPort, [=, this](const Restriction& restriction) {
-                Guard<Response>(peer, [&] {
-                    CheckPassword(request->LoginID, request->Password, new_password,
-                                  [=](const Checked& checked) { finish(checked, restriction); });
+                const bool taken = ReadRestriction(peer, *request, [=, this](const Restriction& restriction) {
+                    Guard<Response>(peer, [&] { AnswerLogin(peer, *request, restriction, checked); });
                 });
+                if (taken) return;
+                services_.attempts.Succeeded(request->LoginID);
+                Refuse<Response>(peer, Refusal::Busy, request->LoginID);
             });
-        if (!taken) Refuse<Response>(peer, Refusal::Busy, request->LoginID);
+        });
     });
+}
+
+void ClientRequests::AnswerLogin(const PeerPtr& peer, const ASLoginRequest& request,
+                                 const Restriction& restriction, const Checked& checked) {
+    XMLMessage answer;
+    const auto refusal =
+        Settle(request.LoginID, [&] { return FinishLogin(request, restriction, checked, answer); });
+    if (refusal != Refusal::None) {
+        Refuse<ASLoginResponse>(peer, refusal, request.LoginID);
+        return;
+    }
+    services_.log.info("Login of {} to {} from {}", ForLog(request.LoginID), ForLog(request.AppID),
+                       peer->Name());
+    peer->Admit();
+    peer->Answer(answer);
 }
 
 Refusal ClientRequests::FinishLogin(const ASLoginRequest& request, const Restriction& restriction,

@@ -62,16 +62,29 @@ TEST_F(ValidateClient, ARestrictionLeavesOnlyServersOfThatAddressAndPort) {
     EXPECT_EQ(Available(request), "False");
 }
 
-TEST_F(ValidateClient, ARestrictionByHostNameIsResolved) {
+TEST_F(ValidateClient, AHostNameIsNotLookedUpAndLeavesEveryServerOfThatPort) {
     StartZeb();
-    auto server = NewServer(7000);
-    server->address = "203.0.113.5";
-    server->Announce();
-    machine.resolver->names["apps.example"] = {"203.0.113.5"};
+    const auto server = RunningServer(7000);
     auto request = Request();
     request.RestrictIP = "apps.example";
+    request.RestrictPort = "7000";
     EXPECT_EQ(Available(request), "True");
-    request.RestrictIP = "nowhere.example";
+    request.RestrictPort = "7001";
+    EXPECT_EQ(Available(request), "False");
+    EXPECT_TRUE(machine.resolver->asked.empty());
+}
+
+TEST_F(ValidateClient, ANumericAddressMayBeSpelledInEveryWay) {
+    StartZeb();
+    auto server = NewServer(7000);
+    server->address = "2001:db8::5";
+    server->Announce();
+    auto request = Request();
+    for (const char* spelling : {"2001:db8::5", "2001:DB8:0::5", "[2001:db8::5]"}) {
+        request.RestrictIP = spelling;
+        EXPECT_EQ(Available(request), "True") << spelling;
+    }
+    request.RestrictIP = "2001:db8::6";
     EXPECT_EQ(Available(request), "False");
 }
 
