@@ -1,9 +1,13 @@
 // The commands of zebctl. They work beside a running zebd, which sees every change at its next look.
 #include "zeb/Admin.h"
 
+#include <algorithm>
+
 #include <kqappsession/Error.h>
+#include <kqappsession/WebData.h>
 
 #include "zeb/PrivateFiles.h"
+#include "zeb/UserData.h"
 
 namespace kq::zeb {
 namespace {
@@ -14,6 +18,33 @@ std::string DatabasePath(const std::string& data_folder) {
 
 [[noreturn]] void Refuse(const std::string& why) {
     throw Error(NumberOf(RuntimeError::InvalidProcedureCall), "zebctl", why);
+}
+
+std::int32_t UidOf(Store& store, const std::string& login) {
+    const auto account = Accounts(store).Find(login);
+    if (!account) Refuse("There is no user \"" + login + "\"");
+    return account->uid;
+}
+
+// Of every application when `app_id` is empty; at least one.
+std::vector<StoredProfiles> FindProfiles(Store& store, const std::string& login, const std::string& app_id) {
+    auto all = UserData(store).AllProfiles(UidOf(store, login));
+    if (!app_id.empty())
+        std::erase_if(all, [&](const StoredProfiles& stored) { return stored.app_id != app_id; });
+    if (all.empty())
+        Refuse("\"" + login + "\" has no profiles" + (app_id.empty() ? "" : " for \"" + app_id + "\""));
+    return all;
+}
+
+// "?" for a text that is not a collection.
+std::string CountProfiles(const std::string& xml) {
+    Profiles profiles;
+    try {
+        profiles.LoadXML(xml);
+    } catch (const Error&) {
+        return "?";
+    }
+    return std::to_string(profiles.Count());
 }
 
 }  // namespace
@@ -58,6 +89,28 @@ std::string ListUsers(Store& store) {
                 account.last_name + "\t" + std::to_string(account.max_sessions) + "\t" + flags + "\n";
     }
     return text;
+}
+
+std::string ListProfiles(Store& store, const std::string& login) {
+    std::string text = "APP\tBYTES\tPROFILES\n";
+    for (const auto& stored : UserData(store).AllProfiles(UidOf(store, login))) {
+        text += stored.app_id + "\t" + std::to_string(stored.xml.size()) + "\t" + CountProfiles(stored.xml) +
+                "\n";
+    }
+    return text;
+}
+
+std::string ShowProfiles(Store& store, const std::string& login, const std::string& app_id) {
+    return FindProfiles(store, login, app_id).front().xml;
+}
+
+std::vector<std::string> RemoveProfiles(Store& store, const std::string& login, const std::string& app_id) {
+    const auto uid = UidOf(store, login);
+    std::vector<std::string> removed;
+    for (const auto& stored : FindProfiles(store, login, app_id)) {
+        if (UserData(store).RemoveProfiles(uid, stored.app_id)) removed.push_back(stored.app_id);
+    }
+    return removed;
 }
 
 }  // namespace kq::zeb

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <kqappsession/Secret.h>
 
@@ -21,5 +22,13 @@ std::unique_ptr<Store> OpenData(const std::string& data_folder);
 std::int32_t AddUser(Store& store, const PasswordHasher& hasher, Account account, const Secret& password);
 // One line for each user, by login id: uid, login id, names, flags; separated by tabs, with a heading.
 std::string ListUsers(Store& store);
+// One line for each application that has profiles of the user: application, size in bytes, number of
+// profiles; separated by tabs, with a heading. Raises kq::Error when there is no such user.
+std::string ListProfiles(Store& store, const std::string& login);
+// The text form of the user's profiles for an application. Raises kq::Error when there is no such user or
+// the user has none.
+std::string ShowProfiles(Store& store, const std::string& login, const std::string& app_id);
+// Removes them; of every application when `app_id` is empty. Returns the applications. Errors as above.
+std::vector<std::string> RemoveProfiles(Store& store, const std::string& login, const std::string& app_id);
 
 }  // namespace kq::zeb

@@ -2,6 +2,8 @@
 //
 // The new password and the session are stored in one transaction, which is committed when the answer is
 // complete. A login that is refused or fails leaves no session behind and the old password in force.
+#include <kqappsession/Error.h>
+
 #include "base/Convert.h"
 #include "zeb/ClientRequests.h"
 #include "zeb/SessionRecord.h"
@@ -69,12 +71,17 @@ Refusal ClientRequests::FinishLogin(const ASLoginRequest& request, const Restric
     SetOutcome(response, Refusal::None);
     response.TranslationTable = services_.user_data.TranslationTable(account.language);
     response.Profiles = services_.user_data.Profiles(account.uid, request.AppID);
+    if (response.Profiles.size() > UserData::kMaxProfiles) return Refusal::ProfilesTooLarge;
     response.SessionID = session.id;
     response.Port = std::to_string(services_.servers.ChoosePort(request.AppID, restriction).value());
     auto info = DescribeUser(account);
     info.SessionID = session.id;
     response.SessionInfo = info.Build().ToXML();
     answer = response.Build();
+    if (const auto size = answer.ToXML().size(); size > UserData::kMaxAnswer)
+        throw Error(NumberOf(RuntimeError::InvalidProcedureCall), "zebd",
+                    "answer too large: translation table of language " + account.language + ", " +
+                        std::to_string(size) + " bytes in all");
     transaction.Commit();
     services_.sessions.Add(session);
     return Refusal::None;

@@ -1,6 +1,4 @@
 // "ASProfilesUpdate": a client stores its user's profiles.
-#include <kqappsession/Error.h>
-
 #include "zeb/ClientRequests.h"
 
 namespace kq::zeb {
@@ -23,11 +21,9 @@ void ClientRequests::UpdateProfiles(const XMLMessage& message, const PeerPtr& pe
             Refuse<Response>(peer, Refusal::NoSession, request.LoginID);
             return;
         }
-        try {
-            services_.user_data.SetProfiles(account->uid, request.AppID, request.Profiles);
-        } catch (const Error& error) {
-            if (error.Source() == kStoreSource) throw;
-            Refuse<Response>(peer, Refusal::BadProfiles, request.LoginID);
+        const auto refusal = services_.user_data.SetProfiles(account->uid, request.AppID, request.Profiles);
+        if (refusal != Refusal::None) {
+            Refuse<Response>(peer, refusal, request.LoginID);
             return;
         }
         services_.log.info("Profiles of {} for {} stored from {}", ForLog(request.LoginID),

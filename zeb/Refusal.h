@@ -29,7 +29,8 @@ namespace kq::zeb {
     X(BadProfiles, 7606, "", "The profiles could not be read.")                                   \
     X(NoClientPackage, 7607, "", "No client is available for download.")                          \
     X(UnknownMessage, 7608, "", "The login server does not know this message.")                   \
-    X(Failed, 7609, "", "The login server could not answer this request.")
+    X(Failed, 7609, "", "The login server could not answer this request.")                        \
+    X(ProfilesTooLarge, 7610, "", "The user's profiles are too large.")
 
 enum class Refusal : std::int32_t {
     None = 0,

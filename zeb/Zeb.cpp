@@ -13,6 +13,12 @@ constexpr std::int64_t kTicksToAskAfterStart = 6;
 constexpr std::int64_t kTicksToAsk = ServerRegistry::kAskInterval.count() / kTick;
 constexpr std::size_t kMaxElements = 100'000;  // of one request
 
+// What a client was given it must be able to send back over a connection that has not logged in, with the
+// request around it.
+std::size_t MaxProfiles(const ZebSettings& settings) {
+    return settings.max_request / 4 * 3;
+}
+
 }  // namespace
 
 Zeb::Zeb(PlatformPtr platform, Store& store, Executor& executor, const PasswordHasher& hasher,
@@ -23,7 +29,7 @@ Zeb::Zeb(PlatformPtr platform, Store& store, Executor& executor, const PasswordH
       bus_(std::move(bus)),
       listener_(Listener::Create(platform_)),
       accounts_(store),
-      user_data_(store),
+      user_data_(store, MaxProfiles(settings_)),
       sessions_(store, platform_, settings_.sessions),
       servers_(platform_->loop),
       passwords_(platform_->loop, executor, hasher),

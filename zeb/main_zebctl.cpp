@@ -47,6 +47,28 @@ void AddUserCommand(CLI::App* user, std::string& data, Account& account) {
     });
 }
 
+void AddProfilesCommands(CLI::App& app, std::string& data, std::string& login, std::string& app_id) {
+    auto* profiles = app.add_subcommand("profiles", "Profiles of a user: show, remove.");
+    profiles->require_subcommand(1);
+    auto* show = profiles->add_subcommand(
+        "show", "Lists the applications with profiles, or prints those for one application as XML.");
+    auto* remove = profiles->add_subcommand("remove", "Removes the profiles, all or for one application.");
+    for (auto* command : {show, remove}) {
+        AddData(command, data);
+        command->add_option("USER", login, "login id")->required();
+        command->add_option("--app", app_id, "application");
+    }
+    show->callback([&data, &login, &app_id] {
+        const auto store = OpenData(data);
+        std::cout << (app_id.empty() ? ListProfiles(*store, login)
+                                     : ShowProfiles(*store, login, app_id) + "\n");
+    });
+    remove->callback([&data, &login, &app_id] {
+        for (const auto& removed : RemoveProfiles(*OpenData(data), login, app_id))
+            std::cout << "zebctl: removed the profiles of " << login << " for " << removed << "\n";
+    });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -75,6 +97,9 @@ int main(int argc, char** argv) {
         kq::MakeKeyFile(key_file);
         std::cout << "zebctl: made a key in " << key_file << "\n";
     });
+    std::string login;
+    std::string app_id;
+    AddProfilesCommands(app, data, login, app_id);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

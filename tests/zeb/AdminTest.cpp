@@ -5,12 +5,14 @@
 
 #include <gtest/gtest.h>
 
-#include <kqappsession/Error.h>
+#include <kqappsession/WebData.h>
 
 #include "zeb/Admin.h"
+#include "zeb/ExpectError.h"
 #include "zeb/PrivateFiles.h"
 #include "zeb/TemporaryFolder.h"
 #include "zeb/Terminal.h"
+#include "zeb/UserData.h"
 
 namespace kq::zeb {
 namespace {
@@ -84,6 +86,51 @@ TEST_F(Admin, TheListNamesEveryUserInOrder) {
     EXPECT_LT(list.find("\tana\t"), list.find("\tbob\t"));
     EXPECT_NE(list.find("disabled must-change"), std::string::npos);
     EXPECT_EQ(list.find("argon2"), std::string::npos);
+}
+
+class AdminProfiles : public Admin {
+ protected:
+    void SetUp() override {
+        uid = Add("ana");
+        Add("bob");
+        Put("Demo", {"Home", "Work"});
+        Put("Other", {});
+    }
+    void Put(const std::string& app_id, const std::vector<std::string>& names) {
+        Profiles profiles;
+        for (const auto& name : names)
+            profiles.Add(std::make_shared<Profile>(name));
+        EXPECT_EQ(UserData(store).SetProfiles(uid, app_id, profiles.ToXML()), Refusal::None);
+    }
+    void ExpectRefused(const std::function<void()>& command, const std::string& description) {
+        ExpectError(command, NumberOf(RuntimeError::InvalidProcedureCall), "zebctl", description);
+    }
+    std::int32_t uid = 0;
+};
+
+TEST_F(AdminProfiles, AreListedByApplicationWithTheirSizes) {
+    const auto demo = std::to_string(ShowProfiles(store, "ana", "Demo").size());
+    const auto other = std::to_string(ShowProfiles(store, "ana", "Other").size());
+    EXPECT_EQ(ListProfiles(store, "ana"),
+              "APP\tBYTES\tPROFILES\nDemo\t" + demo + "\t2\nOther\t" + other + "\t0\n");
+    EXPECT_EQ(ListProfiles(store, "bob"), "APP\tBYTES\tPROFILES\n");
+}
+
+TEST_F(AdminProfiles, AreShownAsTheyAreStored) {
+    EXPECT_EQ(ShowProfiles(store, "ana", "Demo"), UserData(store).Profiles(uid, "Demo"));
+}
+
+TEST_F(AdminProfiles, AreRemovedForOneApplicationOrAll) {
+    EXPECT_EQ(RemoveProfiles(store, "ana", "Other"), std::vector<std::string>{"Other"});
+    EXPECT_EQ(RemoveProfiles(store, "ana", ""), std::vector<std::string>{"Demo"});
+    EXPECT_TRUE(UserData(store).AllProfiles(uid).empty());
+}
+
+TEST_F(AdminProfiles, ThatAreNotThereAreNamed) {
+    ExpectRefused([&] { ListProfiles(store, "eve"); }, "There is no user \"eve\"");
+    ExpectRefused([&] { RemoveProfiles(store, "eve", ""); }, "There is no user \"eve\"");
+    ExpectRefused([&] { ShowProfiles(store, "ana", "None"); }, "\"ana\" has no profiles for \"None\"");
+    ExpectRefused([&] { RemoveProfiles(store, "bob", ""); }, "\"bob\" has no profiles");
 }
 
 TEST(NewPassword, IsTheFirstLineOfTheInput) {

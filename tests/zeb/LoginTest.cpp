@@ -222,6 +222,17 @@ TEST_F(LoginTest, ALoginThatFailsForTextsThatNoMessageCanCarryKeepsTheOldPasswor
     EXPECT_EQ(Login("ana").ErrorNumber, "0");
 }
 
+TEST_F(LoginTest, ATranslationTableThatNoAnswerCanCarryFailsTheLoginAndTheLogSaysWhy) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    store.Use("INSERT INTO translations VALUES ('1033', 'long', ?1)")
+        .Bind(1, std::string(9'000'000, 'x'))
+        .Run();
+    ExpectRefused(Login("ana"), Refusal::Failed);
+    EXPECT_NE(Log().find("answer too large: translation table of language 1033"), std::string::npos);
+}
+
 TEST_F(LoginTest, TheLeastBusyServerIsChosen) {
     StartZeb();
     AddUser("ana");

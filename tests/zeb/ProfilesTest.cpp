@@ -8,8 +8,9 @@ namespace {
 
 class ProfilesUpdate : public ZebTest {
  protected:
-    void SetUp() override {
-        StartZeb();
+    void SetUp() override { Start({}); }
+    void Start(const ZebSettings& settings) {
+        StartZeb(settings);
         uid = AddUser("ana");
         AddUser("bob");
         server = RunningServer();
@@ -29,7 +30,11 @@ class ProfilesUpdate : public ZebTest {
         request.Profiles = profiles;
         return request;
     }
-    std::string Update(const ASProfilesUpdate& request) { return Ask(request.Build()).Field("ErrorNumber"); }
+    ASProfilesUpdateResponse Update(const ASProfilesUpdate& request) {
+        return ASProfilesUpdateResponse::Read(Ask(request.Build()));
+    }
+    ASProfilesUpdateResponse Update(const std::string& profiles) { return Update(Request(profiles)); }
+    void ExpectStored(const std::string& profiles) { EXPECT_EQ(Update(profiles).ErrorNumber, "0"); }
     bool Has(const std::string& name) {
         Profiles profiles;
         profiles.LoadXML(Login("ana").Profiles);
@@ -49,14 +54,14 @@ TEST_F(ProfilesUpdate, WhatIsStoredComesWithTheNextLogin) {
 }
 
 TEST_F(ProfilesUpdate, ALaterUpdateReplacesTheEarlier) {
-    Update(Request(Named("Work")));
-    Update(Request(Named("Home")));
+    ExpectStored(Named("Work"));
+    ExpectStored(Named("Home"));
     EXPECT_FALSE(Has("Work"));
     EXPECT_TRUE(Has("Home"));
 }
 
 TEST_F(ProfilesUpdate, AnotherApplicationHasProfilesOfItsOwn) {
-    Update(Request(Named("Work")));
+    ExpectStored(Named("Work"));
     const auto other = RunningServer(7001, "Other");
     auto request = LoginRequest("ana");
     request.AppID = "Other";
@@ -66,26 +71,78 @@ TEST_F(ProfilesUpdate, AnotherApplicationHasProfilesOfItsOwn) {
 TEST_F(ProfilesUpdate, SessionUserAndApplicationMustBelongTogether) {
     auto request = Request(Named("Work"));
     request.UserUID = std::to_string(uid + 1);
-    EXPECT_EQ(Update(request), "7605");
+    ExpectRefused(Update(request), Refusal::NoSession);
     request = Request(Named("Work"));
     request.LoginID = "bob";
-    EXPECT_EQ(Update(request), "7605");
+    ExpectRefused(Update(request), Refusal::NoSession);
     request = Request(Named("Work"));
     request.AppID = "Other";
-    EXPECT_EQ(Update(request), "7605");
+    ExpectRefused(Update(request), Refusal::NoSession);
     request = Request(Named("Work"));
     request.SessionID = "unknown";
-    EXPECT_EQ(Update(request), "7605");
+    ExpectRefused(Update(request), Refusal::NoSession);
     EXPECT_FALSE(Has("Work"));
 }
 
 TEST_F(ProfilesUpdate, WhatIsNoProfileCollectionIsRefused) {
-    EXPECT_EQ(Update(Request("")), "7606");
-    EXPECT_EQ(Update(Request("<Other/>")), "7606");
+    ExpectRefused(Update(""), Refusal::BadProfiles);
+    ExpectRefused(Update("<Other/>"), Refusal::BadProfiles);
 }
 
 TEST_F(ProfilesUpdate, LargeProfilesComeOverAConnectionThatHasNotLoggedIn) {
-    EXPECT_EQ(Update(Request(Named(std::string(500'000, 'x')))), "0");
+    ExpectStored(Named(std::string(500'000, 'x')));
+}
+
+TEST_F(ProfilesUpdate, ProfilesThatCouldNotBeSentBackAreRefusedAndTheStoredOnesStay) {
+    ExpectStored(Named("Work"));
+    ExpectRefused(Update(Named(std::string(900'000, 'x'))), Refusal::ProfilesTooLarge);
+    EXPECT_TRUE(Has("Work"));
+}
+
+// "<" needs one byte in a CDATA section and four where it is escaped.
+TEST_F(ProfilesUpdate, TheSizeOfProfilesIsThatInTheAnswer) {
+    const std::string form =
+        "<Profiles><Profile name='p'><DataTable name='t' columns='c'><Row><Value column='c'>here</Value>"
+        "</Row></DataTable></Profile></Profiles>";
+    auto text = Request(form).Build().ToXML();
+    text.replace(text.find("here"), 4, "<![CDATA[" + std::string(300'000, '<') + "]]>");
+    const auto client = NewClient();
+    client->SendText(text);
+    XMLMessage reply;
+    reply.LoadXML(client->TakeBlock(0).data);
+    ExpectRefused(ASProfilesUpdateResponse::Read(reply), Refusal::ProfilesTooLarge);
+}
+
+class LargestProfiles : public ProfilesUpdate {
+ protected:
+    void SetUp() override {
+        ZebSettings settings;
+        settings.max_request = 16U << 20;
+        Start(settings);
+    }
+};
+
+TEST_F(LargestProfiles, AreDeliveredDirectlyAndThroughAnApplicationServer) {
+    const auto profiles = Named(std::string(4'190'000, 'x'));
+    ExpectStored(profiles);
+    EXPECT_EQ(Login("ana").Profiles, profiles);
+    server->Relay(LoginRequest("ana").Build());
+    EXPECT_EQ(server->Heard().Field("Profiles"), profiles);
+}
+
+TEST_F(LargestProfiles, AreFourMegabytes) {
+    ExpectRefused(Update(Named(std::string(4'194'304, 'x'))), Refusal::ProfilesTooLarge);
+}
+
+TEST_F(ProfilesUpdate, OlderOnesThatCannotBeDeliveredRefuseTheLogin) {
+    store.Use("INSERT INTO profiles VALUES (?1, ?2, ?3)")
+        .Bind(1, std::int64_t{uid})
+        .Bind(2, kApp)
+        .Bind(3, Named(std::string(9'000'000, 'x')))
+        .Run();
+    ExpectRefused(Login("ana"), Refusal::ProfilesTooLarge);
+    UserData(store).RemoveProfiles(uid, kApp);
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
 }
 
 TEST_F(ProfilesUpdate, ARelayedUpdateIsAnsweredWithItsTransID) {
