@@ -52,13 +52,14 @@ std::string CountProfiles(const std::string& xml) {
 void InitData(const std::string& data_folder) {
     MakePrivateFolder(data_folder);
     const auto path = DatabasePath(data_folder);
-    if (FileExists(path)) Refuse("There is a database in " + data_folder + " already; nothing was changed.");
+    if (PrivateFileExists(path))
+        Refuse("There is a database in " + data_folder + " already; nothing was changed.");
     Store::Create(path);
 }
 
 std::unique_ptr<Store> OpenData(const std::string& data_folder) {
     const auto path = DatabasePath(data_folder);
-    if (!FileExists(path))
+    if (!PrivateFolderExists(data_folder) || !PrivateFileExists(path))
         Refuse("There is no database in " + data_folder + "; 'zebctl init --data " + data_folder +
                "' makes one.");
     return std::make_unique<Store>(path);

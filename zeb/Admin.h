@@ -13,9 +13,10 @@
 
 namespace kq::zeb {
 
-// Makes the folder (0700) and the database in it (0600). Raises kq::Error when there is a database already.
+// Makes the folder (0700) and the database in it (0600). Raises kq::Error when there is a database already,
+// or a folder that is not private (see PrivateFiles.h).
 void InitData(const std::string& data_folder);
-// Opens the database of a folder. Raises kq::Error when there is none.
+// Opens the database of a folder. Raises kq::Error when there is none, or folder or file are not private.
 std::unique_ptr<Store> OpenData(const std::string& data_folder);
 // Adds a user; the uid is returned. Raises kq::Error for a bad or known login id and for a password that
 // breaks the rules.

@@ -2,7 +2,7 @@
 // without SQLite's own locks.
 #include "zeb/Store.h"
 
-#include <array>
+#include <cstdio>
 #include <limits>
 
 #include <sqlite3.h>
@@ -15,7 +15,13 @@
 namespace kq::zeb {
 namespace {
 
+constexpr std::string_view kInMemory = ":memory:";
 constexpr int kApplicationId = 0x5A454244;
+// Where the application id is in the file, and its bytes.
+constexpr std::string_view kMagic = "SQLite format 3";
+constexpr std::size_t kHeaderSize = 100;
+constexpr std::size_t kApplicationIdAt = 68;
+constexpr std::string_view kApplicationIdBytes = "ZEBD";
 constexpr int kBusyTimeOut = 2'000;  // ms
 
 [[noreturn]] void Fail(int code, const std::string& what) {
@@ -80,36 +86,56 @@ void Store::Closer::operator()(sqlite3* db) const {
     sqlite3_close(db);
 }
 
-Store::Store(const std::string& path) : path_(path) {
+Store::Store(const std::string& path) : Store(path, path == kInMemory ? Content::Fresh : CheckHeader(path)) {}
+
+Store::Store(const std::string& path, Content content) : path_(path) {
     sqlite3* db = nullptr;
     const int code = sqlite3_open_v2(
         path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     db_.reset(db);
     if (code != SQLITE_OK) Fail(code, "The database " + path + " cannot be opened: " + sqlite3_errstr(code));
     sqlite3_busy_timeout(db, kBusyTimeOut);
+    Execute("PRAGMA foreign_keys = ON");
+    // Before the write-ahead log is turned on: a new database says whose it is in its first bytes from its
+    // first commit on, and one of a newer version is not changed.
+    Migrate(content);
     Execute("PRAGMA journal_mode = WAL");
     Execute("PRAGMA synchronous = NORMAL");
-    Execute("PRAGMA foreign_keys = ON");
-    Migrate();
 }
 
 Store::~Store() = default;
 
 void Store::Create(const std::string& path) {
     CreatePrivateFile(path);
-    Store store(path);
+    try {
+        Store store(path, Content::Fresh);
+    } catch (...) {
+        std::remove(path.c_str());
+        throw;
+    }
 }
 
-void Store::Migrate() {
+// Looks at the first bytes of the file alone: opening a database of another program would already recover or
+// change it.
+Store::Content Store::CheckHeader(const std::string& path) {
+    const auto header = ReadPrivateFile(path, kHeaderSize);
+    if (header.empty()) Fail(SQLITE_NOTADB, path + " is empty; remove it and run 'zebctl init' again");
+    if (header.size() < kHeaderSize || !header.starts_with(kMagic) ||
+        header.substr(kApplicationIdAt, kApplicationIdBytes.size()) != kApplicationIdBytes)
+        Fail(SQLITE_NOTADB, path + " is not a database of this login server");
+    return Content::Existing;
+}
+
+void Store::Migrate(Content content) {
     // Immediate: two programs that open an old database at the same moment must not both bring it up to date.
     Transaction transaction(*this);
     const auto version = Pragma("PRAGMA user_version");
-    const auto application = Pragma("PRAGMA application_id");
-    const bool fresh = version == 0 && Pragma("SELECT count(*) FROM sqlite_schema") == 0;
-    if (!fresh && application != kApplicationId)
-        Fail(SQLITE_NOTADB, path_ + " is no database of this login server.");
+    const bool ours = Pragma("PRAGMA application_id") == kApplicationId;
+    const bool empty = version == 0 && Pragma("SELECT count(*) FROM sqlite_schema") == 0;
+    if (content == Content::Fresh ? !empty : !ours)
+        Fail(SQLITE_NOTADB, path_ + " is not a database of this login server");
     if (version > kSchemaVersion)
-        Fail(SQLITE_SCHEMA, path_ + " was written by a newer version of this login server.");
+        Fail(SQLITE_SCHEMA, path_ + " was written by a newer version of this login server");
     static_assert(kMigrations.size() == static_cast<std::size_t>(kSchemaVersion));
     for (auto step = static_cast<std::size_t>(version); step < kMigrations.size(); ++step) {
         Execute(kMigrations[step]);

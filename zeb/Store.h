@@ -50,7 +50,8 @@ class Query {
 class Store {
  public:
     // Opens the database and brings its schema up to date. ":memory:" is one of its own. Raises for a file
-    // that is missing, no database of this server or written by a newer version.
+    // that is missing, not private (see PrivateFiles.h), not a database of this server or written by a newer
+    // version; such a file is left as it is.
     explicit Store(const std::string& path);
     // Makes a new database with mode 0600. Raises when there is a file already.
     static void Create(const std::string& path);
@@ -89,9 +90,12 @@ class Store {
     struct Closer {
         void operator()(sqlite3* db) const;
     };
+    enum class Content { Fresh, Existing };
+    Store(const std::string& path, Content content);
+    static Content CheckHeader(const std::string& path);
     void Execute(const char* sql);
     std::int64_t Pragma(const char* sql);
-    void Migrate();
+    void Migrate(Content content);
 
     std::string path_;
     std::unique_ptr<sqlite3, Closer> db_;

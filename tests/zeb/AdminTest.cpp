@@ -1,5 +1,4 @@
-// The commands of zebctl, and the reading of passwords and keys.
-#include <fstream>
+// The commands of zebctl, and the reading of passwords.
 #include <sstream>
 #include <sys/stat.h>
 

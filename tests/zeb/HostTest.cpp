@@ -142,7 +142,7 @@ TEST_F(ZebHost, NeedsADatabase) {
 
 TEST_F(ZebHost, HasItsDataFolderForItself) {
     const auto host = Start();
-    EXPECT_EQ(WhyNot(), "Another zebd is running with the data in " + config.data + ".");
+    EXPECT_EQ(WhyNot(), "Another zebd is running with the data in " + config.data);
 }
 
 TEST_F(ZebHost, NamesTheAddressThatIsTaken) {

@@ -1,17 +1,17 @@
 // The database file: made once, opened by both programs, and never by mistake.
-#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <kqappsession/Error.h>
-
 #include "zeb/Accounts.h"
+#include "zeb/ExpectError.h"
 #include "zeb/Passwords.h"
+#include "zeb/PrivateFiles.h"
 #include "zeb/TemporaryFolder.h"
 
 namespace kq::zeb {
@@ -35,12 +35,16 @@ TEST(StoreFile, IsMadeForItsOwnerAlone) {
 TEST(StoreFile, IsNeverMadeOverAnother) {
     const TemporaryFolder folder;
     Store::Create(folder.Path("zeb.db"));
-    EXPECT_THROW(Store::Create(folder.Path("zeb.db")), Error);
+    const auto path = folder.Path("zeb.db");
+    ExpectError([&] { Store::Create(path); }, EEXIST, "zebd",
+                "The file " + path + " cannot be made: File exists");
 }
 
 TEST(StoreFile, MustBeThereToBeOpened) {
     const TemporaryFolder folder;
-    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+    const auto path = folder.Path("zeb.db");
+    ExpectError([&] { Store store(path); }, ENOENT, "zebd",
+                "The file " + path + " cannot be opened: No such file or directory");
 }
 
 TEST(StoreFile, CarriesTheVersionOfItsSchema) {
@@ -61,25 +65,64 @@ TEST(StoreFile, KeepsItsContent) {
     EXPECT_TRUE(Accounts(store).Find("ana"));
 }
 
-TEST(StoreFile, OfANewerVersionIsRefused) {
+// A file that zebd must not take for its database, and what is in the folder before and after.
+class RefusedStoreFile : public testing::Test {
+ protected:
+    void ExpectRefused(int code, const std::string& why) {
+        const auto before = Contents();
+        ExpectError([this] { Store store(path); }, code, std::string(kStoreSource), path + " " + why);
+        EXPECT_EQ(Contents(), before);
+    }
+    std::map<std::string, std::string> Contents() const {
+        std::map<std::string, std::string> contents;
+        for (const auto& file : std::filesystem::directory_iterator(folder.Path(""))) {
+            std::ifstream in(file.path(), std::ios::binary);
+            contents[file.path().filename()] = {std::istreambuf_iterator<char>(in), {}};
+        }
+        return contents;
+    }
+    void Write(const std::string& bytes) {
+        CreatePrivateFile(path);
+        std::ofstream(path) << bytes;
+    }
+
     const TemporaryFolder folder;
-    Store::Create(folder.Path("zeb.db"));
-    RunSql(folder.Path("zeb.db"), "PRAGMA user_version = 1000");
-    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+    const std::string path = folder.Path("zeb.db");
+};
+
+TEST_F(RefusedStoreFile, OfANewerVersion) {
+    Store::Create(path);
+    RunSql(path, "PRAGMA user_version = 1000");
+    ExpectRefused(SQLITE_SCHEMA, "was written by a newer version of this login server");
 }
 
-TEST(StoreFile, OfAnotherProgramIsRefusedAndLeftAlone) {
-    const TemporaryFolder folder;
-    RunSql(folder.Path("zeb.db"), "CREATE TABLE theirs (x)");
-    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
-    RunSql(folder.Path("zeb.db"), "INSERT INTO theirs VALUES (1)");
-    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+TEST_F(RefusedStoreFile, OfAnotherProgram) {
+    CreatePrivateFile(path);
+    RunSql(path, "CREATE TABLE theirs (x); PRAGMA application_id = 17; PRAGMA user_version = 1");
+    ExpectRefused(SQLITE_NOTADB, "is not a database of this login server");
 }
 
-TEST(StoreFile, ThatIsNoDatabaseIsRefused) {
+TEST_F(RefusedStoreFile, WithoutContent) {
+    Write("");
+    ExpectRefused(SQLITE_NOTADB, "is empty; remove it and run 'zebctl init' again");
+}
+
+TEST_F(RefusedStoreFile, ThatIsShort) {
+    Write("SQLite format 3");
+    ExpectRefused(SQLITE_NOTADB, "is not a database of this login server");
+}
+
+TEST_F(RefusedStoreFile, ThatIsNoDatabase) {
+    Write(std::string(68, 'x') + "ZEBD" + std::string(5000, 'x'));
+    ExpectRefused(SQLITE_NOTADB, "is not a database of this login server");
+}
+
+TEST(StoreFile, SaysWhoseItIsFromItsFirstCommitOn) {
     const TemporaryFolder folder;
-    std::ofstream(folder.Path("zeb.db")) << std::string(5000, 'x');
-    EXPECT_THROW(Store(folder.Path("zeb.db")), Error);
+    const auto path = folder.Path("zeb.db");
+    Store::Create(path);
+    const Store open(path);  // with a write-ahead log that is not written back yet
+    EXPECT_EQ(ReadPrivateFile(path, 72).substr(68), "ZEBD");
 }
 
 TEST(StoreFile, CanBeUsedByTwoProgramsAtOnce) {
