@@ -29,10 +29,6 @@ void DirectPeer::Answer(const XMLMessage& answer) {
     }
 }
 
-std::string DirectPeer::Name() const {
-    return client_->RemoteAddress() + ":" + std::to_string(client_->RemotePort());
-}
-
 RelayedPeer::RelayedPeer(const XMLMessage& request, std::function<void(const XMLMessage&)> send_on_bus)
     : reply_{request.Field(kReturnMsgType), request.Field(kReturnSubType)},
       trans_id_(request.Field(kTransID)),

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <kqappsession/APClient.h>
 #include <kqappsession/XMLMessage.h>
@@ -30,16 +31,19 @@ using PeerPtr = std::shared_ptr<Peer>;
 
 class DirectPeer final : public Peer {
  public:
-    explicit DirectPeer(std::shared_ptr<APClient> client) : client_(std::move(client)) {}
+    // `name`: the client's address, which a connection that has ended no longer knows.
+    DirectPeer(std::shared_ptr<APClient> client, std::string name)
+        : client_(std::move(client)), name_(std::move(name)) {}
     void Answer(const XMLMessage& answer) override;
     void Admit() override { client_->Admit(); }
     bool Relayed() const override { return false; }
     std::string LocalAddress() const override { return client_->LocalAddress(); }
     std::int32_t LocalPort() const override { return client_->LocalPort(); }
-    std::string Name() const override;
+    std::string Name() const override { return name_; }
 
  private:
     std::shared_ptr<APClient> client_;
+    std::string name_;
 };
 
 // Answers go back with the request's "TransID" to the reply address that the application server put in.

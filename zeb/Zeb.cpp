@@ -3,6 +3,8 @@
 
 #include <kqappsession/Error.h>
 
+#include "zeb/Addresses.h"
+
 namespace kq::zeb {
 namespace {
 
@@ -68,12 +70,17 @@ void Zeb::ListenForClients() {
     listener_->SetLimits(limits);
     listener_->SetMaxClients(settings_.max_connections);
     listener_->SetKeepAlive(true);
+    listener_->Accepted.Connect(owner_, [this](const auto& client) {
+        names_[client->Identifier()] = AddressAndPort(client->RemoteAddress(), client->RemotePort());
+    });
+    listener_->Disconnected.Connect(owner_,
+                                    [this](const auto& client) { names_.erase(client->Identifier()); });
     listener_->Receive.Connect(owner_,
                                [this](const auto& client, const Block& block) { OnBlock(client, block); });
-    listener_->ClientError.Connect(
-        owner_, [this](const auto& client, std::int32_t number, const std::string& text) {
-            log_->info("Connection from {}: {} {}", client->RemoteAddress(), number, text);
-        });
+    listener_->ClientError.Connect(owner_,
+                                   [this](const auto& client, std::int32_t number, const std::string& text) {
+                                       log_->info("Connection from {}: {} {}", NameOf(*client), number, text);
+                                   });
     listener_->Error.Connect(owner_, [this](std::int32_t number, const std::string& text) {
         log_->error("Listening failed: {} {}", number, text);
     });
@@ -96,8 +103,14 @@ void Zeb::JoinBus() {
     server_messages_.AskForAnnouncements();
 }
 
+// A connection over the limit is refused without having been accepted.
+std::string Zeb::NameOf(const APClient& client) const {
+    const auto name = names_.find(client.Identifier());
+    return name == names_.end() ? "a client that was not accepted" : name->second;
+}
+
 void Zeb::OnBlock(const Listener::ClientPtr& client, const Block& block) {
-    const auto peer = std::make_shared<DirectPeer>(client);
+    const auto peer = std::make_shared<DirectPeer>(client, NameOf(*client));
     XMLMessage message;
     try {
         if (block.data_type != DataType::XML) throw Error(XMLMessage::kNotAMessage, "zebd", "not XML");

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include <kqappsession/Listener.h>
 #include <kqappsession/Platform.h>
@@ -48,6 +49,7 @@ class Zeb {
  private:
     void ListenForClients();
     void JoinBus();
+    std::string NameOf(const APClient& client) const;
     void OnBlock(const Listener::ClientPtr& client, const Block& block);
     void OnBusMessage(const XMLMessage& message, bool& handled);
     void OnTick();
@@ -67,6 +69,8 @@ class Zeb {
     Services services_;
     ClientRequests client_requests_;
     ServerMessages server_messages_;
+    // Address and port of each client that is connected, by the connection's identifier.
+    std::unordered_map<std::string, std::string> names_;
     Timer timer_;
     std::int64_t ticks_ = 0;
     Owner owner_;

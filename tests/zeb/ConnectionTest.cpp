@@ -1,4 +1,6 @@
 // Direct connections: what is not a request, what is too much, and what must never be written down.
+#include <gmock/gmock.h>
+
 #include <kqappsession/Error.h>
 
 #include "zeb/ZebTesting.h"
@@ -78,6 +80,56 @@ TEST_F(Connection, ADownloadIsRefusedAsThereIsNothingToDownload) {
     const auto reply = Ask(ASDownloadClientRequest().Build());
     EXPECT_EQ(reply.Type(), "ASDownloadClientResponse");
     EXPECT_EQ(reply.Field("ErrorNumber"), "7607");
+}
+
+// The client whose address and port these are.
+std::string NameOf(const APClient& client) {
+    return client.LocalAddress() + ":" + std::to_string(client.LocalPort());
+}
+
+TEST_F(Connection, WhoClosesItDuringTheCheckIsLoggedByAddress) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    executor.hold = true;
+    const auto client = NewClient();
+    const auto name = NameOf(*client);
+    client->Send(LoginRequest("ana").Build());
+    machine.loop->RunReady();
+    client->Disconnect();
+    Pass(std::chrono::seconds(2));
+    executor.RunHeld();
+    machine.loop->RunReady();
+    EXPECT_THAT(Log(), testing::HasSubstr("Login of ana to Demo from " + name));
+}
+
+TEST_F(Connection, WhoClosesItRightAfterARefusedRequestIsLoggedByAddress) {
+    StartZeb();
+    const auto client = NewClient();
+    const auto name = NameOf(*client);
+    client->Send(ASDownloadClientRequest().Build());
+    client->Disconnect();
+    Pass(std::chrono::seconds(2));
+    EXPECT_THAT(Log(), testing::HasSubstr("ASDownloadClientResponse to " + name + " for"));
+}
+
+TEST_F(Connection, ThatFailsIsLoggedByAddress) {
+    StartZeb();
+    const auto client = NewClient();
+    const auto name = NameOf(*client);
+    machine.network->CutAll();
+    machine.loop->RunReady();
+    EXPECT_THAT(Log(), testing::HasSubstr("Connection from " + name + ": 10054 "));
+}
+
+TEST_F(Connection, OneTooManyIsLoggedWithoutAnAddress) {
+    ZebSettings settings;
+    settings.max_connections = 1;
+    StartZeb(settings);
+    const auto first = NewClient();
+    const auto second = NewClient();
+    EXPECT_TRUE(Ended(second));
+    EXPECT_THAT(Log(), testing::HasSubstr("Connection from a client that was not accepted: 10024 "));
 }
 
 TEST_F(Connection, NoPasswordGetsIntoTheLog) {
