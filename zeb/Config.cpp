@@ -5,8 +5,12 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <fstream>
-#include <sstream>
+#include <functional>
+#include <numeric>
+#include <utility>
+#include <vector>
 
 #include <toml++/toml.h>
 
@@ -40,6 +44,8 @@ constexpr std::array<Setting, 14> kSettings = {{
     {"password_memory", "argon2id memory of new hashes in MiB", Number{&Config::password_memory, 1, 1'024}},
 }};
 
+constexpr std::string_view kVariablePrefix = "ZEBD_";
+
 [[noreturn]] void Fail(const std::string& where, const std::string& what) {
     throw Error(NumberOf(RuntimeError::InvalidProcedureCall), "zebd", where + ": " + what);
 }
@@ -49,7 +55,10 @@ struct Setter {
     const std::string& text;
     Config& config;
 
-    void operator()(const Text& value) const { config.*value.member = text; }
+    void operator()(const Text& value) const {
+        if (text.find('\0') != std::string::npos) Fail(where, "must not contain a zero character");
+        config.*value.member = text;
+    }
 
     void operator()(const Number& value) const {
         std::int32_t number = 0;
@@ -79,6 +88,34 @@ const Setting* FindSetting(std::string_view name) {
     return found == kSettings.end() ? nullptr : &*found;
 }
 
+// How many characters have to be inserted, removed or replaced to make one text the other.
+std::size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t corner = std::exchange(row[0], i);
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t replaced = corner + (a[i - 1] == b[j - 1] ? 0 : 1);
+            corner = std::exchange(row[j], std::min({replaced, row[j] + 1, row[j - 1] + 1}));
+        }
+    }
+    return row.back();
+}
+
+// The setting that was probably meant, as `shown` writes it; empty when none is similar.
+std::string DidYouMean(std::string_view name, const std::function<std::string(std::string_view)>& shown) {
+    constexpr std::size_t kSimilar = 2;
+    const auto distance = [wanted = UpperCase(name)](const Setting& setting) {
+        return Distance(UpperCase(setting.name), wanted);
+    };
+    const auto nearest = std::ranges::min_element(kSettings, {}, distance);
+    return distance(*nearest) > kSimilar ? "" : "; did you mean " + shown(nearest->name) + "?";
+}
+
+std::string Quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
 }  // namespace
 
 std::span<const Setting> ConfigSettings() {
@@ -87,9 +124,12 @@ std::span<const Setting> ConfigSettings() {
 
 void ApplyFile(const std::string& path, Config& config) {
     std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) Fail(path, "cannot be read");
-    ApplyFileText(text.str(), path, config);
+    std::string text;
+    std::array<char, 4096> part{};
+    while (file.read(part.data(), part.size()) || file.gcount() > 0)
+        text.append(part.data(), static_cast<std::size_t>(file.gcount()));
+    if (!file.eof()) Fail(path, std::string("cannot be read: ") + std::strerror(errno));
+    ApplyFileText(text, path, config);
 }
 
 void ApplyFileText(std::string_view text, const std::string& path, Config& config) {
@@ -105,23 +145,30 @@ void ApplyFileText(std::string_view text, const std::string& path, Config& confi
     for (const auto& [key, node] : table) {
         const auto where = place(key.source());
         const Setting* setting = FindSetting(key.str());
-        if (!setting) Fail(where, "unknown key \"" + std::string(key.str()) + "\"");
+        if (!setting) Fail(where, "unknown key " + Quoted(key.str()) + DidYouMean(key.str(), Quoted));
         std::string value;
         if (const auto* string = node.as_string()) {
             value = string->get();
         } else if (const auto* number = node.as_integer()) {
             value = std::to_string(number->get());
         } else {
-            Fail(where, "\"" + std::string(key.str()) + "\" must be a text or a whole number");
+            Fail(where, Quoted(key.str()) + " must be a text or a whole number");
         }
-        Set(*setting, where + ": \"" + std::string(key.str()) + "\"", value, config);
+        Set(*setting, where + ": " + Quoted(key.str()), value, config);
     }
 }
 
-void ApplyEnvironment(const std::function<const char*(const char*)>& read, Config& config) {
-    for (const auto& setting : kSettings) {
-        const auto variable = VariableOf(setting.name);
-        if (const char* value = read(variable.c_str())) Set(setting, variable, value, config);
+void ApplyEnvironment(const char* const* environment, Config& config) {
+    for (; *environment; ++environment) {
+        const std::string_view entry = *environment;
+        const std::string variable(entry.substr(0, entry.find('=')));
+        if (!variable.starts_with(kVariablePrefix) || variable == kFileVariable) continue;
+        const std::string_view name = std::string_view(variable).substr(kVariablePrefix.size());
+        const auto setting = std::ranges::find(kSettings, variable,
+                                               [](const Setting& known) { return VariableOf(known.name); });
+        if (setting == kSettings.end()) Fail(variable, "unknown variable" + DidYouMean(name, VariableOf));
+        const auto value = entry.substr(std::min(entry.size(), variable.size() + 1));
+        if (!value.empty()) Set(*setting, variable, std::string(value), config);
     }
 }
 
@@ -140,7 +187,7 @@ std::string FlagOf(std::string_view setting) {
 }
 
 std::string VariableOf(std::string_view setting) {
-    return "ZEBD_" + UpperCase(setting);
+    return std::string(kVariablePrefix) + UpperCase(setting);
 }
 
 }  // namespace kq::zeb

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <span>
 #include <string>
@@ -54,8 +53,11 @@ std::span<const Setting> ConfigSettings();
 // "zebd.toml:3: unknown key \"colour\"", "ZEBD_PORT: must be a whole number from 0 to 65535", "--port: ...".
 void ApplyFile(const std::string& path, Config& config);
 void ApplyFileText(std::string_view text, const std::string& path, Config& config);
-// `read` gives a variable of the environment, null when it is not set.
-void ApplyEnvironment(const std::function<const char*(const char*)>& read, Config& config);
+// `environment`: "NAME=value" each, null at the end, as `environ`. A variable that is set to nothing counts
+// as not set. One that begins with ZEBD_ and is neither a setting's nor kFileVariable is a mistake.
+void ApplyEnvironment(const char* const* environment, Config& config);
+// Names the configuration file; whoever reads the file looks at it.
+inline constexpr std::string_view kFileVariable = "ZEBD_CONFIG";
 // By setting name.
 void ApplyFlags(const std::map<std::string, std::string>& flags, Config& config);
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <map>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <spdlog/sinks/stdout_color_sinks.h>
@@ -40,10 +41,10 @@ constexpr const char* kFooter =
 
 Config ReadConfig(std::string file, const std::map<std::string, std::string>& flags) {
     Config config;
-    const char* variable = std::getenv("ZEBD_CONFIG");
+    const char* variable = std::getenv(kFileVariable.data());
     if (file.empty() && variable) file = variable;
     if (!file.empty()) ApplyFile(file, config);
-    ApplyEnvironment([](const char* name) { return std::getenv(name); }, config);
+    ApplyEnvironment(environ, config);
     ApplyFlags(flags, config);
     if (config.data.empty())
         throw Error(NumberOf(RuntimeError::InvalidProcedureCall), "zebd",

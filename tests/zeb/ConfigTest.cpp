@@ -1,22 +1,35 @@
 // The three sources of the configuration and the sentences about mistakes in them.
+#include <fstream>
+#include <functional>
+#include <vector>
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <kqappsession/Error.h>
-
 #include "zeb/Config.h"
+#include "zeb/ExpectError.h"
 #include "zeb/TemporaryFolder.h"
 
 namespace kq::zeb {
 namespace {
 
-std::string WhyNot(std::string_view text) {
+void ExpectMistake(const std::function<void()>& apply, const std::string& description) {
+    ExpectError(apply, NumberOf(RuntimeError::InvalidProcedureCall), "zebd", description);
+}
+
+void ExpectMistakeInFile(std::string_view text, const std::string& description) {
     Config config;
-    try {
-        ApplyFileText(text, "zebd.toml", config);
-    } catch (const Error& error) {
-        return error.Description();
-    }
-    return {};
+    ExpectMistake([&] { ApplyFileText(text, "zebd.toml", config); }, description);
+}
+
+void Apply(std::vector<const char*> environment, Config& config) {
+    environment.push_back(nullptr);
+    ApplyEnvironment(environment.data(), config);
+}
+
+void ExpectMistakeInEnvironment(const char* entry, const std::string& description) {
+    Config config;
+    ExpectMistake([&] { Apply({entry}, config); }, description);
 }
 
 TEST(ZebConfig, AFileSetsTextsAndNumbers) {
@@ -28,57 +41,120 @@ TEST(ZebConfig, AFileSetsTextsAndNumbers) {
     EXPECT_EQ(config.bus_port, Config().bus_port);
 }
 
+TEST(ZebConfig, AFileMayBeEmpty) {
+    const TemporaryFolder folder;
+    std::ofstream(folder.Path("zebd.toml"));
+    Config config;
+    EXPECT_NO_THROW(ApplyFile(folder.Path("zebd.toml"), config));
+}
+
 TEST(ZebConfig, AnUnknownKeyIsNamedWithFileAndLine) {
-    EXPECT_EQ(WhyNot("port = 1\n\ncolour = 'red'\n"), "zebd.toml:3: unknown key \"colour\"");
+    ExpectMistakeInFile("port = 1\n\ncolour = 'red'\n", "zebd.toml:3: unknown key \"colour\"");
+}
+
+TEST(ZebConfig, AnUnknownKeyThatIsSimilarToOneIsExplained) {
+    ExpectMistakeInFile("bus_prot = 1", "zebd.toml:1: unknown key \"bus_prot\"; did you mean \"bus_port\"?");
+    ExpectMistakeInFile("bus-port = 1", "zebd.toml:1: unknown key \"bus-port\"; did you mean \"bus_port\"?");
+    ExpectMistakeInFile("lissten = ''", "zebd.toml:1: unknown key \"lissten\"; did you mean \"listen\"?");
 }
 
 TEST(ZebConfig, AnUnknownTableIsNamedWithFileAndLine) {
-    EXPECT_EQ(WhyNot("\n[bus]\nport = 1\n"), "zebd.toml:2: unknown key \"bus\"");
+    ExpectMistakeInFile("\n[tables]\nport = 1\n", "zebd.toml:2: unknown key \"tables\"");
 }
 
 TEST(ZebConfig, AWrongValueIsNamedWithFileAndLine) {
-    EXPECT_EQ(WhyNot("port = 70000"), "zebd.toml:1: \"port\": must be a whole number from 0 to 65535");
-    EXPECT_EQ(WhyNot("\nport = true"), "zebd.toml:2: \"port\" must be a text or a whole number");
-    EXPECT_EQ(WhyNot("log_level = 'loud'"),
-              "zebd.toml:1: \"log_level\": must be one of trace|debug|info|warn|error|off");
+    ExpectMistakeInFile("port = 70000", "zebd.toml:1: \"port\": must be a whole number from 0 to 65535");
+    ExpectMistakeInFile("port = ''", "zebd.toml:1: \"port\": must be a whole number from 0 to 65535");
+    ExpectMistakeInFile("\nport = true", "zebd.toml:2: \"port\" must be a text or a whole number");
+    ExpectMistakeInFile("port = 1.5", "zebd.toml:1: \"port\" must be a text or a whole number");
+    ExpectMistakeInFile("log_level = 'loud'",
+                        "zebd.toml:1: \"log_level\": must be one of trace|debug|info|warn|error|off");
+    ExpectMistakeInFile("data = \"a\\u0000b\"", "zebd.toml:1: \"data\": must not contain a zero character");
+}
+
+TEST(ZebConfig, AKeyThatIsThereTwiceIsNamedWithFileAndLine) {
+    Config config;
+    try {
+        ApplyFileText("port = 1\nport = 2\n", "zebd.toml", config);
+        ADD_FAILURE() << "nothing was raised";
+    } catch (const Error& error) {
+        EXPECT_THAT(error.Description(), testing::StartsWith("zebd.toml:2: "));
+    }
 }
 
 TEST(ZebConfig, AMistakeInTheSyntaxIsNamedWithFileAndLine) {
-    EXPECT_EQ(WhyNot("port = 1\nbus port = 2\n").rfind("zebd.toml:2: ", 0), 0U);
+    Config config;
+    try {
+        ApplyFileText("port = 1\nbus port = 2\n", "zebd.toml", config);
+        ADD_FAILURE() << "nothing was raised";
+    } catch (const Error& error) {
+        EXPECT_THAT(error.Description(), testing::StartsWith("zebd.toml:2: "));
+    }
 }
 
-TEST(ZebConfig, AFileThatIsNotThereIsNamed) {
+TEST(ZebConfig, AFileThatCannotBeReadIsNamedWithTheReason) {
     const TemporaryFolder folder;
     Config config;
-    EXPECT_THROW(ApplyFile(folder.Path("none.toml"), config), Error);
+    ExpectMistake([&] { ApplyFile(folder.Path("none.toml"), config); },
+                  folder.Path("none.toml") + ": cannot be read: No such file or directory");
+    ExpectMistake([&] { ApplyFile(folder.Path(""), config); },
+                  folder.Path("") + ": cannot be read: Is a directory");
 }
 
 TEST(ZebConfig, TheEnvironmentSetsWhatItNames) {
     Config config;
-    ApplyEnvironment([](const char* name) { return std::string(name) == "ZEBD_BUS_PORT" ? "7" : nullptr; },
-                     config);
+    Apply({"ZEBD_BUS_PORT=7", "HOME=/root", "ZEBD_DATA=a=b"}, config);
     EXPECT_EQ(config.bus_port, 7);
+    EXPECT_EQ(config.data, "a=b");
     EXPECT_EQ(config.port, Config().port);
 }
 
-TEST(ZebConfig, AMistakeInTheEnvironmentNamesTheVariable) {
+TEST(ZebConfig, AnEmptyVariableCountsAsNotSet) {
     Config config;
-    try {
-        ApplyEnvironment([](const char* name) { return std::string(name) == "ZEBD_PORT" ? "x" : nullptr; },
-                         config);
-        FAIL();
-    } catch (const Error& error) {
-        EXPECT_EQ(error.Description(), "ZEBD_PORT: must be a whole number from 0 to 65535");
-    }
+    Apply({"ZEBD_LISTEN=", "ZEBD_PORT=", "ZEBD_LOG_LEVEL="}, config);
+    EXPECT_EQ(config.listen, "127.0.0.1");
+    EXPECT_EQ(config.port, Config().port);
+    EXPECT_EQ(config.log_level, "info");
+}
+
+TEST(ZebConfig, AMistakeInTheEnvironmentNamesTheVariable) {
+    ExpectMistakeInEnvironment("ZEBD_PORT=x", "ZEBD_PORT: must be a whole number from 0 to 65535");
+}
+
+TEST(ZebConfig, AnUnknownVariableIsNamed) {
+    ExpectMistakeInEnvironment("ZEBD_COLOUR=red", "ZEBD_COLOUR: unknown variable");
+    ExpectMistakeInEnvironment("ZEBD_PROT=1", "ZEBD_PROT: unknown variable; did you mean ZEBD_PORT?");
+    ExpectMistakeInEnvironment("ZEBD_port=1", "ZEBD_port: unknown variable; did you mean ZEBD_PORT?");
+    ExpectMistakeInEnvironment("ZEBD_BUSPORT=",
+                               "ZEBD_BUSPORT: unknown variable; did you mean ZEBD_BUS_PORT?");
+}
+
+TEST(ZebConfig, TheVariableThatNamesTheFileAndThoseOfOthersAreNoMistake) {
+    Config config;
+    EXPECT_NO_THROW(Apply({"ZEBD_CONFIG=/etc/zebd.toml", "ZEBDATA=x", "XZEBD_PROT=1"}, config));
 }
 
 TEST(ZebConfig, AMistakeOnTheCommandLineNamesTheFlag) {
     Config config;
-    try {
-        ApplyFlags({{"bus_port", "-1"}}, config);
-        FAIL();
-    } catch (const Error& error) {
-        EXPECT_EQ(error.Description(), "--bus-port: must be a whole number from 0 to 65535");
+    ExpectMistake(
+        [&] {
+            ApplyFlags({{"bus_port", "-1"}}, config);
+        },
+        "--bus-port: must be a whole number from 0 to 65535");
+}
+
+TEST(ZebConfig, EveryNumberHasARange) {
+    for (const auto& setting : ConfigSettings()) {
+        const auto* number = std::get_if<Setting::Number>(&setting.value);
+        if (!number) continue;
+        const std::string name(setting.name);
+        const auto mistake = FlagOf(name) + ": must be a whole number from " + std::to_string(number->least) +
+                             " to " + std::to_string(number->most);
+        Config config;
+        for (const auto value : {std::int64_t{number->least} - 1, std::int64_t{number->most} + 1})
+            ExpectMistake([&] { ApplyFlags({{name, std::to_string(value)}}, config); }, mistake);
+        for (const char* value : {"", " 8", "8x", "99999999999", "0x8"})
+            ExpectMistake([&] { ApplyFlags({{name, value}}, config); }, mistake);
     }
 }
 
