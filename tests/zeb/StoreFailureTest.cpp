@@ -1,4 +1,7 @@
 // What users see when the store fails, and that nothing is half done then.
+#include <gmock/gmock.h>
+
+#include "zeb/TemporaryFolder.h"
 #include "zeb/ZebTesting.h"
 
 namespace kq::zeb {
@@ -6,6 +9,7 @@ namespace {
 
 class StoreFailure : public ZebTest {
  protected:
+    using ZebTest::ZebTest;
     void SetUp() override {
         StartZeb();
         uid = AddUser("ana");
@@ -77,6 +81,61 @@ TEST_F(StoreFailure, AChangeThatCannotBeStoredKeepsTheOldPasswordAndForgetsNoFai
     Mend();
     ExpectRefused(Login("ana", "battery staple"), Refusal::UnknownUser);
     ExpectRefused(Login("ana"), Refusal::TooManyAttempts);
+}
+
+TEST_F(StoreFailure, ALoginWhoseDataCannotBeReadLeavesNoSession) {
+    Run("ALTER TABLE profiles RENAME TO lost");
+    ExpectRefused(Login("ana"), Refusal::Failed);
+    EXPECT_EQ(SessionsInStore(), 0);
+}
+
+TEST_F(StoreFailure, AnUploadThatDoesNotFitOnTheDiskKeepsTheEarlierProfiles) {
+    ASProfilesUpdate request;
+    request.AppID = kApp;
+    request.LoginID = "ana";
+    request.UserUID = std::to_string(uid);
+    request.SessionID = Login("ana").SessionID;
+    request.Profiles = "<Profiles lastUsed='small'/>";
+    EXPECT_EQ(Ask(request.Build()).Field("ErrorNumber"), "0");
+    const auto before = UserData(store).Profiles(uid, kApp);
+    Run("PRAGMA max_page_count = 1");  // no page more than there are
+    request.Profiles = "<Profiles lastUsed='" + std::string(100'000, 'x') + "'/>";
+    ExpectRefused(ASProfilesUpdateResponse::Read(Ask(request.Build())), Refusal::Failed);
+    EXPECT_EQ(UserData(store).Profiles(uid, kApp), before);
+}
+
+struct DatabaseFile {
+    DatabaseFile() { Store::Create(path); }
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("zeb.db");
+};
+
+class LockedStore : private DatabaseFile, public StoreFailure {
+ protected:
+    LockedStore() : StoreFailure(path) {
+        Run("PRAGMA busy_timeout = 0");  // no waiting in a test
+    }
+    // Another program changes the database from now until the result is destroyed.
+    std::unique_ptr<Store::Transaction> Lock() { return std::make_unique<Store::Transaction>(other); }
+
+    Store other{path};
+};
+
+TEST_F(LockedStore, RefusesALoginThatChangesThePasswordAndKeepsTheOldOne) {
+    auto lock = Lock();
+    ExpectRefused(Login("ana", kPassword, "battery staple"), Refusal::Failed);
+    EXPECT_THAT(Log(), testing::HasSubstr("database is locked"));
+    lock.reset();
+    EXPECT_EQ(SessionsInStore(), 0);
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
+TEST_F(LockedStore, RefusesAPasswordChangeAndKeepsTheOldOne) {
+    const auto session = Login("ana").SessionID;
+    auto lock = Lock();
+    ExpectRefused(Change(session, "battery staple"), Refusal::Failed);
+    lock.reset();
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
 }
 
 }  // namespace

@@ -104,6 +104,7 @@ class TestAppServer {
 
 class ZebTest : public testing::Test {
  protected:
+    explicit ZebTest(const std::string& database = ":memory:") : store(database) {}
     void StartZeb(const ZebSettings& settings = {});
     std::int32_t AddUser(const std::string& login, const std::string& password = kPassword,
                          const Account& details = {});
@@ -137,7 +138,7 @@ class ZebTest : public testing::Test {
     std::string Log() const { return log_text.str(); }
 
     FakePlatform machine{FakePlatform::Face::None};
-    Store store{":memory:"};
+    Store store;
     CountingHasher hasher;
     TestExecutor executor;
     LocalBus bus{machine.platform};
