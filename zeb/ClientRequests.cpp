@@ -1,6 +1,7 @@
 // Which request goes where, and what the handlers have in common.
 #include "zeb/ClientRequests.h"
 
+#include <algorithm>
 #include <array>
 
 #include <kqappsession/Error.h>
@@ -12,6 +13,36 @@
 namespace kq::zeb {
 namespace {
 
+struct FieldLimit {
+    std::string_view name;
+    std::size_t bytes;
+};
+
+// What a request may hold at most, whatever its type. Login ids and passwords are shortened instead, so that
+// nobody learns more about them than that they are wrong; profiles have a limit of their own.
+constexpr std::array<FieldLimit, 11> kFieldLimits = {{
+    {"AppID", 128},
+    {"InterfaceVersion", 64},
+    {"ClientVersion", 64},
+    {"RestrictIP", 256},  // a host name has at most 253 characters
+    {"RestrictPort", 16},
+    {"SessionID", 64},
+    {"UserUID", 16},
+    {"Request", 64},
+    {kReturnMsgType, 1024},
+    {kReturnSubType, 1024},
+    {kTransID, 1024},
+}};
+
+// The first one; empty when there is none.
+std::string_view FieldThatIsTooLong(const XMLMessage& message) {
+    const auto too_long = [&](const FieldLimit& limit) {
+        return message.Field(limit.name).size() > limit.bytes;
+    };
+    const auto found = std::ranges::find_if(kFieldLimits, too_long);
+    return found == kFieldLimits.end() ? std::string_view() : found->name;
+}
+
 bool IsLoopback(const std::string& address) {
     return address.rfind("127.", 0) == 0 || address == "::1";
 }
@@ -20,27 +51,37 @@ bool IsLoopback(const std::string& address) {
 
 bool ClientRequests::Handle(const XMLMessage& message, const PeerPtr& peer) {
     using Handler = void (ClientRequests::*)(const XMLMessage&, const PeerPtr&);
+    using Refuser = void (ClientRequests::*)(const PeerPtr&, Refusal, const std::string&);
     struct Row {
         std::string_view type;
         Handler handler;
+        Refuser refuse;
     };
     static constexpr std::array<Row, 5> kRows = {{
-        {ASValidateClientRequest::kType, &ClientRequests::ValidateClient},
-        {ASLoginRequest::kType, &ClientRequests::Login},
-        {ASPasswordChangeRequest::kType, &ClientRequests::ChangePassword},
-        {ASProfilesUpdate::kType, &ClientRequests::UpdateProfiles},
-        {ASDownloadClientRequest::kType, &ClientRequests::DownloadClient},
+        {ASValidateClientRequest::kType, &ClientRequests::ValidateClient,
+         &ClientRequests::Refuse<ASValidateClientResponse>},
+        {ASLoginRequest::kType, &ClientRequests::Login, &ClientRequests::Refuse<ASLoginResponse>},
+        {ASPasswordChangeRequest::kType, &ClientRequests::ChangePassword,
+         &ClientRequests::Refuse<ASPasswordChangeResponse>},
+        {ASProfilesUpdate::kType, &ClientRequests::UpdateProfiles,
+         &ClientRequests::Refuse<ASProfilesUpdateResponse>},
+        {ASDownloadClientRequest::kType, &ClientRequests::DownloadClient,
+         &ClientRequests::Refuse<ASDownloadClientResponse>},
     }};
     for (const auto& row : kRows) {
         if (row.type != message.Type()) continue;
-        (this->*row.handler)(message, peer);
+        if (const auto field = FieldThatIsTooLong(message); !field.empty()) {
+            (this->*row.refuse)(peer, Refusal::FieldTooLong, std::string(field));
+        } else {
+            (this->*row.handler)(message, peer);
+        }
         return true;
     }
     return false;
 }
 
 void ClientRequests::DownloadClient(const XMLMessage&, const PeerPtr& peer) {
-    Refuse<ASDownloadClientResponse>(peer, Refusal::NoClientPackage);
+    Refuse<ASDownloadClientResponse>(peer, Refusal::NoClientPackage, {});
 }
 
 void ShortenLogin(std::string& login) {

@@ -74,9 +74,9 @@ class ClientRequests {
     // Runs a step of a handler; whatever it raises becomes the refusal Failed.
     template <class Response>
     void Guard(const PeerPtr& peer, const std::function<void()>& step);
-    // `login`: whom it is about, if anybody.
+    // `subject`: the login id or the field that it is about, if any.
     template <class Response>
-    void Refuse(const PeerPtr& peer, Refusal refusal, const std::string& login = {});
+    void Refuse(const PeerPtr& peer, Refusal refusal, const std::string& subject);
 
     Services& services_;
     HostNames host_names_;
@@ -90,20 +90,21 @@ void ShortenPassword(Secret& password);
 
 // The fields that say how a request ended, in any response.
 template <class Response>
-void SetOutcome(Response& response, Refusal refusal, const std::string& login = {}) {
+void SetOutcome(Response& response, Refusal refusal, const std::string& subject = {}) {
     response.ErrorNumber = std::to_string(NumberOf(refusal));
     response.ErrorDesc = SentenceOf(refusal);
     if constexpr (requires { response.ErrorParam; }) {
-        response.ErrorParam = refusal == Refusal::TooManySessions ? login : std::string(CodeOf(refusal));
+        const bool names_subject = refusal == Refusal::TooManySessions || refusal == Refusal::FieldTooLong;
+        response.ErrorParam = names_subject ? subject : std::string(CodeOf(refusal));
     }
 }
 
 template <class Response>
-void ClientRequests::Refuse(const PeerPtr& peer, Refusal refusal, const std::string& login) {
-    services_.log.info("{} to {} for \"{}\": {} {}", Response::kType, peer->Name(), ForLog(login),
+void ClientRequests::Refuse(const PeerPtr& peer, Refusal refusal, const std::string& subject) {
+    services_.log.info("{} to {} for \"{}\": {} {}", Response::kType, peer->Name(), ForLog(subject),
                        NumberOf(refusal), SentenceOf(refusal));
     Response response;
-    SetOutcome(response, refusal, login);
+    SetOutcome(response, refusal, subject);
     peer->Answer(response.Build());
 }
 
@@ -113,7 +114,7 @@ void ClientRequests::Guard(const PeerPtr& peer, const std::function<void()>& ste
         step();
     } catch (const std::exception& error) {
         services_.log.error("{} to {} failed: {}", Response::kType, peer->Name(), ForLog(error.what()));
-        Refuse<Response>(peer, Refusal::Failed);
+        Refuse<Response>(peer, Refusal::Failed, {});
     }
 }
 

@@ -30,7 +30,8 @@ namespace kq::zeb {
     X(NoClientPackage, 7607, "", "No client is available for download.")                          \
     X(UnknownMessage, 7608, "", "The login server does not know this message.")                   \
     X(Failed, 7609, "", "The login server could not answer this request.")                        \
-    X(ProfilesTooLarge, 7610, "", "The user's profiles are too large.")
+    X(ProfilesTooLarge, 7610, "", "The user's profiles are too large.")                           \
+    X(FieldTooLong, 7611, "", "A field of the request is too long.")
 
 enum class Refusal : std::int32_t {
     None = 0,
