@@ -141,11 +141,12 @@ void ClientRequests::CheckPassword(const std::string& login, const Secret& passw
                                    const std::function<void(const Checked&)>& then) {
     // An id that no account can have is answered like a wrong one, but there is nothing to remember about it.
     const bool possible = Accounts::WhyNoLogin(login).empty();
+    // Before the attempt begins: a store that fails must not cost the user one.
+    const auto account = possible ? services_.accounts.Find(login) : std::nullopt;
     if (possible && !services_.attempts.Begin(login)) {
         then({Refusal::TooManyAttempts, {}, {}});
         return;
     }
-    const auto account = possible ? services_.accounts.Find(login) : std::nullopt;
     PasswordQuestion question;
     question.login = login;
     question.password = password;

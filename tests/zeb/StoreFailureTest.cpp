@@ -72,6 +72,16 @@ TEST_F(StoreFailure, ALoginThatFailsForgetsNoFailedAttempts) {
     ExpectRefused(Login("ana"), Refusal::TooManyAttempts);
 }
 
+TEST_F(StoreFailure, ALoginWhoseUserCannotBeReadIsNoAttempt) {
+    for (int i = 0; i < 5; ++i)
+        ExpectRefused(Login("ana", "a guess"), Refusal::UnknownUser);
+    Pass(std::chrono::seconds(1));  // the next attempt may be made, one at a time
+    Run("ALTER TABLE users RENAME TO lost");
+    ExpectRefused(Login("ana"), Refusal::Failed);
+    Run("ALTER TABLE lost RENAME TO users");
+    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+}
+
 TEST_F(StoreFailure, AChangeThatCannotBeStoredKeepsTheOldPasswordAndForgetsNoFailedAttempts) {
     const auto session = Login("ana").SessionID;
     for (int i = 0; i < 4; ++i)
