@@ -70,14 +70,35 @@ bool IsTiny(std::string_view number) {
     return place < 0;
 }
 
-// `number` is what NumberLength found. What is too small becomes 0.
-double ValueOf(std::string_view number) {
+// `number` is what NumberLength found. What is too small becomes 0, what is too large infinite.
+double ValueOrInfinity(std::string_view number) {
     if (number[0] == '+') number.remove_prefix(1);
     double value = 0;
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
     if (error == std::errc() && std::isfinite(value)) return value;
-    if (!IsTiny(number)) Raise(RuntimeError::Overflow);
-    return 0;
+    if (IsTiny(number)) return 0;
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    return number[0] == '-' ? -kInfinity : kInfinity;
+}
+
+double ValueOf(std::string_view number) {
+    const double value = ValueOrInfinity(number);
+    if (!std::isfinite(value)) Raise(RuntimeError::Overflow);
+    return value;
+}
+
+// Halves to the even neighbour. Not std::nearbyint: a host may have changed the rounding mode.
+double RoundToWhole(double value) {
+    double whole = std::floor(value);
+    const double rest = value - whole;
+    if (rest > 0.5 || (rest == 0.5 && std::fmod(whole, 2) != 0)) whole += 1;
+    return whole;
+}
+
+bool FitsLong(double whole) {
+    constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+    constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
+    return whole >= kLowest && whole <= kHighest;
 }
 
 std::string_view TrimForNumber(std::string_view text) {
@@ -104,6 +125,17 @@ std::int32_t ValLong(std::string_view text) {
     return RoundToLong(Val(text));
 }
 
+double ReceivedVal(std::string_view text) {
+    text = TrimForNumber(text);
+    const std::size_t length = NumberLength(text);
+    return length == 0 ? 0 : ValueOrInfinity(text.substr(0, length));
+}
+
+std::int32_t ReceivedValLong(std::string_view text) {
+    const double whole = RoundToWhole(ReceivedVal(text));
+    return FitsLong(whole) ? static_cast<std::int32_t>(whole) : 0;
+}
+
 double TextToDouble(std::string_view text) {
     text = TrimForNumber(text);
     const std::size_t length = NumberLength(text);
@@ -123,13 +155,8 @@ bool TextToBoolean(std::string_view text) {
 }
 
 std::int32_t RoundToLong(double value) {
-    // Not std::nearbyint: a host may have changed the rounding mode.
-    double whole = std::floor(value);
-    const double rest = value - whole;
-    if (rest > 0.5 || (rest == 0.5 && std::fmod(whole, 2) != 0)) whole += 1;
-    constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
-    constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
-    if (!(whole >= kLowest && whole <= kHighest)) Raise(RuntimeError::Overflow);
+    const double whole = RoundToWhole(value);
+    if (!FitsLong(whole)) Raise(RuntimeError::Overflow);
     return static_cast<std::int32_t>(whole);
 }
 

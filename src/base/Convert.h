@@ -16,6 +16,11 @@ double Val(std::string_view text);
 // Val rounded to a whole number, halves to the even neighbour. Overflow outside 32 bits.
 std::int32_t ValLong(std::string_view text);
 
+// The same two for a text that another program sent: nothing is raised. Beyond every double ReceivedVal is
+// infinite; outside 32 bits ReceivedValLong is 0, as for a text that is not a number.
+double ReceivedVal(std::string_view text);
+std::int32_t ReceivedValLong(std::string_view text);
+
 // The whole trimmed text must be a number (sign, digits, point, exponent), else TypeMismatch; an empty text
 // is none. TextToLong rounds halves to even and overflows outside 32 bits.
 double TextToDouble(std::string_view text);

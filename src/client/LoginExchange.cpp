@@ -1,9 +1,6 @@
 // A block that is no message is told apart from a message of another type: texts 500 and 501.
 #include "client/LoginExchange.h"
 
-#include <cmath>
-#include <limits>
-
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"
@@ -56,10 +53,7 @@ Reply Exchange(ClientState& state, APClient& client, const XMLMessage& request, 
 
 ReplyError ReadReplyError(const std::string& error_number) {
     if (error_number.empty() || error_number == "0") return {};
-    const double value = std::nearbyint(Val(error_number));
-    const bool fits = value >= std::numeric_limits<std::int32_t>::min() &&
-                      value <= std::numeric_limits<std::int32_t>::max();
-    return {true, fits ? static_cast<std::int32_t>(value) : 0};
+    return {true, ReceivedValLong(error_number)};
 }
 
 std::string ZEBFailureText(const modASMsg& texts, const std::string& error_desc,

@@ -99,7 +99,7 @@ LoginStates ServerLogin::AttemptRegister() {
     state_.Pause(kLoginPause);
     const Reply reply = TakeReply(*connection_, ASRegisterResponse::kType, state_.app_server_time_out);
     if (!reply.received) return NoReply();
-    if (reply.improper != 0 || Val(reply.message->Field("ErrorNum")) != 0) return Refused(reply);
+    if (reply.improper != 0 || ReceivedVal(reply.message->Field("ErrorNum")) != 0) return Refused(reply);
     return lsFinish;
 }
 

@@ -183,7 +183,7 @@ LoginStates SystemLogin::CheckClientDownload() {
 }
 
 LoginStates SystemLogin::CheckValidZEBInterface() {
-    if (Val(validation_->Version()) == 1.0) return lsCheckValidInterface;
+    if (ReceivedVal(validation_->Version()) == 1.0) return lsCheckValidInterface;
     return Meet(ClientAvailable() ? LoginFailure::ClientTooOldNewOne : LoginFailure::ClientTooOld);
 }
 
@@ -222,8 +222,8 @@ LoginStates SystemLogin::RefusedLogin(const ReplyError& error) {
             return Meet(LoginFailure::MustChangePassword);
         case kPasswordExpires: {
             const std::string days = reply_->Field("DaysToExpirePassword");
-            return Val(days) > 0 ? Meet(LoginFailure::PasswordExpires, {days})
-                                 : Meet(LoginFailure::MustChangePassword);
+            return ReceivedVal(days) > 0 ? Meet(LoginFailure::PasswordExpires, {days})
+                                         : Meet(LoginFailure::MustChangePassword);
         }
         case kTooManyUsers:
             return Meet(LoginFailure::TooManyUsers,

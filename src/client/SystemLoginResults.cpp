@@ -80,7 +80,7 @@ std::shared_ptr<Profile> SystemLogin::NamedProfile(const Profiles& profiles) con
 
 void SystemLogin::Finish() {
     attendant_->HideWait();
-    state_.app_server_port = ValLong(reply_->Field("Port"));
+    state_.app_server_port = ReceivedValLong(reply_->Field("Port"));
     state_.app_server_address = details_.address;
     state_.app_server_time_out = arguments_.TimeOut;
     state_.use_as_server_for_login = details_.use_as_server_for_login;

@@ -126,13 +126,7 @@ class DownloadWindow : public Window {
         const auto message = modASMsg::ParseASData(xml).Message();
         if (!message) return FailUnknown();
         const auto refusal = ASDownloadClientResponse::Read(*message);
-        std::int32_t number = kNoNumber;
-        try {
-            number = ValLong(refusal.ErrorNumber);
-        } catch (const Error&) {
-            // A number beyond 32 bits is none.
-        }
-        Fail(number, refusal.ErrorDesc);
+        Fail(ReceivedValLong(refusal.ErrorNumber), refusal.ErrorDesc);
     }
 
     void Save(const std::string& bytes) {

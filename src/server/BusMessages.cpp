@@ -59,7 +59,7 @@ void KQAppSessServer::Impl::OnASRegistrationResponse(const MessagePtr& message, 
         client->Disconnect();
     }
     handled = true;
-    Raise(&KQAppSessServer::XMLBusReceive, message, ValLong(answer.ErrorResponse->ErrorCode),
+    Raise(&KQAppSessServer::XMLBusReceive, message, ReceivedValLong(answer.ErrorResponse->ErrorCode),
           answer.ErrorResponse->ErrorDescription);
 }
 

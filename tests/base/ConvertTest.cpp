@@ -69,6 +69,30 @@ TEST(Val, OverflowsWhenNoDoubleCanHoldTheNumber) {
     }
 }
 
+TEST(ReceivedVal, IsInfiniteWhereValOverflows) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const char* text : {"1e999", "0.0001e400", "  9e99999999999999999999x"}) {
+        EXPECT_EQ(ReceivedVal(text), kInfinity) << text;
+    }
+    EXPECT_EQ(ReceivedVal("-1e999"), -kInfinity);
+    EXPECT_EQ(ReceivedVal("-1e-999"), 0);
+}
+
+TEST(ReceivedVal, IsValOtherwise) {
+    for (const char* text : {"", "abc", "12abc", " -7.5", "1e5"}) {
+        EXPECT_EQ(ReceivedVal(text), Val(text)) << text;
+    }
+}
+
+TEST(ReceivedValLong, IsZeroOutsideThirtyTwoBits) {
+    for (const char* text : {"2147483647.5", "-2147483649", "99999999999", "1e999", "-1e999", "x"}) {
+        EXPECT_EQ(ReceivedValLong(text), 0) << text;
+    }
+    EXPECT_EQ(ReceivedValLong("2147483647.4"), std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(ReceivedValLong("-2147483648.5"), std::numeric_limits<std::int32_t>::min());
+    EXPECT_EQ(ReceivedValLong("2.5"), 2);
+}
+
 TEST(Val, TakesATooSmallNumberAsZero) {
     for (const char* text : {"1e-999", "1e-99999999999999999999", "0e999", "0.0e99999999999999999999"}) {
         EXPECT_EQ(Val(text), 0) << text;

@@ -191,11 +191,6 @@ TEST_F(InteractiveLoginTest, AnUnexpectedErrorAsksWithItsDescription) {
     ExpectQuestions();
 }
 
-TEST_F(InteractiveLoginTest, APortBeyondAllNumbersAsksAsAnUnexpectedError) {
-    zeb.Once(FakeZeb::kLogin, zeb.Answer(FakeZeb::LoginWith("Port", "99999999999")));
-    ExpectGivenUpAt("An error occurred while logging in:  Overflow.  Would you like to try again?");
-}
-
 // --- passwords
 
 TEST_F(InteractiveLoginTest, Code7722AsksForANewPasswordAndLogsInWithIt) {

@@ -185,6 +185,13 @@ TEST_F(ServerLoginTest, AnErrorNumberThatReadsAsZeroIsSuccess) {
     }
 }
 
+TEST_F(ServerLoginTest, AnErrorNumberBeyondAllNumbersIsARefusal) {
+    for (const char* number : {"99999999999", "1e999", "-1e999"}) {
+        app.Once(FakeAppServer::kRegister, app.Answer(FakeAppServer::Registration(number, "Not here")));
+        ExpectFailedRegistration(kqaserrLoginRegisterFailed, "Registration failed:  Not here.");
+    }
+}
+
 TEST_F(ServerLoginTest, ALostConnectionTurnsServerLoginIntoSystemLogin) {
     ServerLogin();
     app.DropAll();

@@ -153,7 +153,8 @@ TEST_F(Download, ReturnsTheUsersAnswer) {
 }
 
 TEST_F(Download, ReadsTheNumberOfARefusalAsFarAsItIsOne) {
-    for (const auto& [text, number] : {std::pair{"5x", 5}, {"", 0}, {"x", 0}, {"99999999999", -1}}) {
+    for (const auto& [text, number] :
+         {std::pair{"5x", 5}, {"", 0}, {"x", 0}, {"99999999999", 0}, {"1e999", 0}}) {
         zeb.On(kRequest, FakeZeb::Answer(Refusal(text, "No client")));
         FailsBecauseOf("No client");
         EXPECT_EQ(dialog.LastFailure().number, number) << text;
