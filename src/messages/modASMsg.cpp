@@ -33,15 +33,25 @@ constexpr std::array kZEBErrors = {
     ZEBError{"ZEBError-304", 556}, ZEBError{"ZEBError-305", 557}, ZEBError{"ZEBError-306", 558},
 };
 
-// False when `placeholder` does not occur. What was put in is not searched again.
+// A value without the full stop that ends it.
+std::string_view WithoutFullStop(std::string_view value) {
+    const std::size_t last = value.find_last_not_of(" \t\r\n");
+    return last != std::string_view::npos && value[last] == '.' ? value.substr(0, last) : value;
+}
+
+// False when `placeholder` does not occur. What was put in is not searched again. A value before a full stop
+// loses its own: servers send whole sentences.
 bool ReplaceAll(std::string& text, std::string_view placeholder, std::string_view value) {
     std::size_t found = text.find(placeholder);
     if (found == std::string::npos) return false;
+    const std::string_view stopless = WithoutFullStop(value);
     std::string replaced;
     std::size_t from = 0;
     for (; found != std::string::npos; found = text.find(placeholder, from)) {
-        replaced.append(text, from, found - from).append(value);
+        replaced.append(text, from, found - from);
         from = found + placeholder.size();
+        const bool before_stop = from < text.size() && text[from] == '.';
+        replaced.append(before_stop ? stopless : value);
     }
     text = replaced.append(text, from);
     return true;

@@ -44,7 +44,8 @@ class modASMsg {
 
     // Replaces every %i% by argument i, in increasing order of i, so an argument that holds a later
     // placeholder is substituted in its turn. An argument without a placeholder is appended after a blank; a
-    // placeholder without an argument stays. More than 32,767 arguments overflow.
+    // placeholder without an argument stays. An argument whose placeholder is followed by a full stop loses
+    // its own final full stop. More than 32,767 arguments overflow.
     static std::string FormatText(std::string text, const Args& args);
 
     // The text of an id in the user's language; RuntimeError::ResourceNotFound when there is none.

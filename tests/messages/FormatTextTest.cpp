@@ -48,6 +48,21 @@ TEST(FormatText, ReplacesByAnEmptyArgument) {
     EXPECT_EQ(Format("none", {""}), "none ");
 }
 
+TEST(FormatText, DropsTheFullStopOfAnArgumentBeforeOneOfTheText) {
+    EXPECT_EQ(Format("Login failed: %0%.", {"The account is disabled."}),
+              "Login failed: The account is disabled.");
+    EXPECT_EQ(Format("Login failed: %0%.", {"Try again later. \n"}), "Login failed: Try again later.");
+    EXPECT_EQ(Format("Login failed: %0%.", {"Please wait..."}), "Login failed: Please wait...");
+    EXPECT_EQ(Format("%0%.", {"."}), ".");
+}
+
+TEST(FormatText, KeepsTheFullStopOfAnArgumentElsewhere) {
+    EXPECT_EQ(Format("Validation failed: %0%  Again?", {"Not now."}), "Validation failed: Not now.  Again?");
+    EXPECT_EQ(Format("(%0%). %0%", {"x."}), "(x.). x.");
+    EXPECT_EQ(Format("Failed.", {"x."}), "Failed. x.");
+    EXPECT_EQ(Format("%0%.", {"Who are you? "}), "Who are you? .");
+}
+
 TEST(FormatText, KnowsNoLeadingZeros) {
     EXPECT_EQ(Format("%00%", {"a"}), "%00% a");
 }
