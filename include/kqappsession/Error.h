@@ -1,7 +1,8 @@
 // The one exception type of the library.
 //
-// Every failure that a caller is told about is a kq::Error with three parts: a number (an automation code, so
-// negative when read as a signed 32-bit integer), the source that reports it and a sentence for a person.
+// Every failure that is reported to a caller is a kq::Error with four parts: a number (an automation code, so
+// negative when read as a signed 32-bit integer, or Winsock's positive number of a connection's error), the
+// source that reports it, a description for a person, and its cause.
 // A user's "no" is never an error; it is a result.
 #pragma once
 
@@ -15,18 +16,49 @@ namespace kq {
 // The source of every error that the login and session procedures raise.
 inline constexpr std::string_view kLibrarySource = "KQAppSessionLib";
 
+// What is behind an error. A number does not always say: kqaserrLoginBadLogin is raised for a missing
+// password and for a login server that does not reply. X(name, meaning)
+#define KQ_ERROR_CAUSES(X)                                                                            \
+    X(Other, "none of the following, or not known")                                                   \
+    X(Arguments, "an argument or a stored setting is missing or wrong")                               \
+    X(NoConnection, "the server was not reached, or the connection to it was lost")                   \
+    X(NoReply, "the server was reached, but its reply did not come")                                  \
+    X(ServerFailure, "the server could not do its work, or its reply was not valid; try again later") \
+    X(Credentials, "login id or password are wrong, the account is disabled, too many sessions")      \
+    X(PasswordChange, "the password must be changed first")                                           \
+    X(Version, "the server does not serve this client or this interface version")                     \
+    X(Registration, "the application server refused to register the session")                         \
+    X(SettingsFile, "the settings file could not be written")
+
+enum class ErrorCause : std::int32_t {
+#define KQ_X(name, meaning) name,
+    KQ_ERROR_CAUSES(KQ_X)
+#undef KQ_X
+};
+// The name as it is written here: "NoReply".
+const char* NameOf(ErrorCause cause);
+
+// The cause that an error number alone tells: NoReply for NetError::TimedOut, NoConnection for the numbers of
+// a connection that failed or was lost, else Other.
+ErrorCause CauseOf(std::int32_t number);
+
 class Error : public std::exception {
  public:
+    // The cause is CauseOf(number).
     Error(std::int32_t number, std::string source, std::string description)
-        : number_(number), source_(std::move(source)), description_(std::move(description)) {}
+        : Error(number, std::move(source), std::move(description), CauseOf(number)) {}
+    Error(std::int32_t number, std::string source, std::string description, ErrorCause cause)
+        : number_(number), cause_(cause), source_(std::move(source)), description_(std::move(description)) {}
 
     std::int32_t Number() const { return number_; }
+    ErrorCause Cause() const { return cause_; }
     const std::string& Source() const { return source_; }
     const std::string& Description() const { return description_; }
     const char* what() const noexcept override { return description_.c_str(); }
 
  private:
     std::int32_t number_;
+    ErrorCause cause_;
     std::string source_;
     std::string description_;
 };
@@ -36,6 +68,7 @@ enum class RuntimeError : std::int32_t {
     InvalidProcedureCall = 5,  // "Invalid procedure call or argument"
     Overflow = 6,              // "Overflow"
     TypeMismatch = 13,         // "Type mismatch"
+    PathFileAccess = 75,       // "Path/File access error"
     ObjectNotSet = 91,         // "Object variable or With block variable not set"
     ResourceNotFound = 326,    // "Resource with identifier not found"
     DuplicateKey = 457,        // "This key is already associated with an element of this collection"
@@ -48,7 +81,8 @@ constexpr std::int32_t NumberOf(RuntimeError error) {
 
 // Raises the run-time error with its usual English description, or with `description` when one is given that
 // tells the caller more. The source is kLibrarySource.
-[[noreturn]] void Raise(RuntimeError error, std::string_view description = {});
+[[noreturn]] void Raise(RuntimeError error, std::string_view description = {},
+                        ErrorCause cause = ErrorCause::Other);
 
 // Errors of connections carry Winsock's numbers on every platform.
 enum class NetError : std::int32_t {

@@ -12,6 +12,8 @@ std::string_view SentenceOf(RuntimeError error) {
             return "Overflow";
         case RuntimeError::TypeMismatch:
             return "Type mismatch";
+        case RuntimeError::PathFileAccess:
+            return "Path/File access error";
         case RuntimeError::ObjectNotSet:
             return "Object variable or With block variable not set";
         case RuntimeError::ResourceNotFound:
@@ -58,9 +60,37 @@ constexpr Sentence kNetSentences[] = {
 
 }  // namespace
 
-void Raise(RuntimeError error, std::string_view description) {
+const char* NameOf(ErrorCause cause) {
+    switch (cause) {
+#define KQ_X(name, meaning) \
+    case ErrorCause::name:  \
+        return #name;
+        KQ_ERROR_CAUSES(KQ_X)
+#undef KQ_X
+    }
+    return "";
+}
+
+ErrorCause CauseOf(std::int32_t number) {
+    switch (static_cast<NetError>(number)) {
+        case NetError::TimedOut:
+            return ErrorCause::NoReply;
+        case NetError::NetworkUnreachable:
+        case NetError::ConnectionAborted:
+        case NetError::ConnectionReset:
+        case NetError::NotConnected:
+        case NetError::Refused:
+        case NetError::HostUnreachable:
+        case NetError::HostNotFound:
+            return ErrorCause::NoConnection;
+        default:
+            return ErrorCause::Other;
+    }
+}
+
+void Raise(RuntimeError error, std::string_view description, ErrorCause cause) {
     const std::string_view text = description.empty() ? SentenceOf(error) : description;
-    throw Error(NumberOf(error), std::string(kLibrarySource), std::string(text));
+    throw Error(NumberOf(error), std::string(kLibrarySource), std::string(text), cause);
 }
 
 std::string NetErrorText(std::int32_t number) {

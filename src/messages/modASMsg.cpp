@@ -106,8 +106,8 @@ std::string modASMsg::GetASErrorText(std::int32_t code, const Args& args) const 
     return Text(TextIdOf(code), args);
 }
 
-void modASMsg::RaiseASError(std::int32_t code, const Args& args) const {
-    throw Error(code, std::string(kLibrarySource), GetASErrorText(code, args));
+void modASMsg::RaiseASError(std::int32_t code, const Args& args, ErrorCause cause) const {
+    throw Error(code, std::string(kLibrarySource), GetASErrorText(code, args), cause);
 }
 
 std::string modASMsg::MapZEBError(const std::string& error_text) const {

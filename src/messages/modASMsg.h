@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include <kqappsession/Error.h>
 #include <kqappsession/KQAppSessErrorEnum.h>
 #include <kqappsession/Platform.h>
 #include <kqappsession/WebData.h>
@@ -57,7 +58,8 @@ class modASMsg {
     // The description of a code of KQAppSessErrorEnum. A code far outside the range overflows; one without a
     // text raises RuntimeError::ResourceNotFound instead.
     std::string GetASErrorText(std::int32_t code, const Args& args = {}) const;
-    [[noreturn]] void RaiseASError(std::int32_t code, const Args& args = {}) const;
+    [[noreturn]] void RaiseASError(std::int32_t code, const Args& args = {},
+                                   ErrorCause cause = ErrorCause::Other) const;
 
     // The text of one of the login server's password codes ("ZEBError-132"); anything else comes back
     // unchanged.

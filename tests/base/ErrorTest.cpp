@@ -40,6 +40,22 @@ TEST(NetErrors, CarryWinsocksNumberAndTheGivenSource) {
     }
 }
 
+TEST(ErrorCauses, AreKeptBesideTheNumber) {
+    const Error error(1, "source", "text", ErrorCause::ServerFailure);
+    EXPECT_EQ(error.Cause(), ErrorCause::ServerFailure);
+    EXPECT_STREQ(NameOf(error.Cause()), "ServerFailure");
+    EXPECT_EQ(Error(1, "source", "text").Cause(), ErrorCause::Other);
+}
+
+TEST(ErrorCauses, FollowFromTheNumbersOfConnections) {
+    const auto cause = [](NetError error) { return CauseOf(static_cast<std::int32_t>(error)); };
+    EXPECT_EQ(cause(NetError::TimedOut), ErrorCause::NoReply);
+    EXPECT_EQ(cause(NetError::Refused), ErrorCause::NoConnection);
+    EXPECT_EQ(cause(NetError::HostNotFound), ErrorCause::NoConnection);
+    EXPECT_EQ(cause(NetError::Interrupted), ErrorCause::Other);
+    EXPECT_EQ(CauseOf(NumberOf(RuntimeError::Overflow)), ErrorCause::Other);
+}
+
 TEST(NetErrors, NameTheNumberWhenItHasNoSentence) {
     EXPECT_EQ(NetErrorText(12345), "The network reported error 12345");
 }
