@@ -13,8 +13,9 @@ class Process {
     virtual std::string ComputerName() const = 0;
     // Full path of the running program.
     virtual std::string ExecutablePath() const = 0;
-    // Starts a program with a visible window and does not wait. False when it could not be started.
-    virtual bool Start(const std::string& path) = 0;
+    // Starts a program with a visible window and does not wait. Empty when it was started, else why not: the
+    // system's description, without a full stop.
+    virtual std::string Start(const std::string& path) = 0;
 };
 
 }  // namespace kq

@@ -194,7 +194,7 @@ TEST(PosixProcess, StartsAProgramAndDoesNotWaitForIt) {
     const TemporaryFolder folder;
     const std::string script = folder.Put("program", "#!/bin/sh\nread line\ntouch \"$0.ran\"\n");
     ::chmod(script.c_str(), 0700);
-    EXPECT_TRUE(MakePosixProcess()->Start(script));
+    EXPECT_EQ(MakePosixProcess()->Start(script), "");
     const auto loop = MakeOwnEventLoop();
     std::function<void()> tick = [&] { loop->StartTimer(Milliseconds(5), tick); };
     tick();
@@ -202,7 +202,7 @@ TEST(PosixProcess, StartsAProgramAndDoesNotWaitForIt) {
 }
 
 TEST(PosixProcess, LeavesNothingBehindOfAProgramThatHasEnded) {
-    EXPECT_TRUE(MakePosixProcess()->Start("/bin/true"));
+    EXPECT_EQ(MakePosixProcess()->Start("/bin/true"), "");
     const auto loop = MakeOwnEventLoop();
     std::function<void()> tick = [&] { loop->StartTimer(Milliseconds(5), tick); };
     tick();
@@ -216,10 +216,10 @@ TEST(PosixProcess, LeavesNothingBehindOfAProgramThatHasEnded) {
 TEST(PosixProcess, TellsWhatCouldNotBeStarted) {
     const TemporaryFolder folder;
     const auto process = MakePosixProcess();
-    EXPECT_FALSE(process->Start(folder.File("missing")));
-    EXPECT_FALSE(process->Start(folder.Put("no program", "x")));
-    EXPECT_FALSE(process->Start(""));
-    EXPECT_FALSE(process->Start(std::string("/bin/sh\0x", 9)));
+    EXPECT_EQ(process->Start(folder.File("missing")), "No such file or directory");
+    EXPECT_EQ(process->Start(folder.Put("no program", "x")), "Permission denied");
+    EXPECT_EQ(process->Start(""), "No such file or directory");
+    EXPECT_EQ(process->Start(std::string("/bin/sh\0x", 9)), "Invalid argument");
 }
 
 class Share : public testing::Test {

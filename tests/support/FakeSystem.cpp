@@ -111,9 +111,9 @@ std::optional<std::string> FakeStrings::Load(std::int32_t text_id) const {
     return entry->second;
 }
 
-bool FakeProcess::Start(const std::string& path) {
-    if (can_start) started.push_back(path);
-    return can_start;
+std::string FakeProcess::Start(const std::string& path) {
+    if (start_failure.empty()) started.push_back(path);
+    return start_failure;
 }
 
 std::unique_ptr<VersionBlock> FakeVersionResource::Load(const std::string& path) const {

@@ -93,12 +93,12 @@ class FakeProcess final : public Process {
  public:
     std::string computer_name = "TESTHOST";
     std::string executable_path = "/opt/test/program";
-    bool can_start = true;
+    std::string start_failure;  // why nothing can be started; empty: everything can
     std::vector<std::string> started;
 
     std::string ComputerName() const override { return computer_name; }
     std::string ExecutablePath() const override { return executable_path; }
-    bool Start(const std::string& path) override;
+    std::string Start(const std::string& path) override;
 };
 
 class FakeFileShare final : public FileShare {

@@ -80,7 +80,10 @@ class PosixProcess final : public Process {
         }
     }
 
-    bool Start(const std::string& path) override { return StartDetached({path}, false, Output::Kept); }
+    std::string Start(const std::string& path) override {
+        const int error = StartDetached({path}, false, Output::Kept);
+        return error == 0 ? std::string() : std::generic_category().message(error);
+    }
 };
 
 }  // namespace
@@ -92,21 +95,20 @@ std::string ShortHostName() {
     return std::string(FirstCharacters(name.substr(0, name.find('.')), kShortNameLength));
 }
 
-bool StartDetached(const std::vector<std::string>& arguments, bool search, Output output) {
+int StartDetached(const std::vector<std::string>& arguments, bool search, Output output) {
     std::vector<char*> raw;
     for (const auto& argument : arguments) {
-        if (argument.find('\0') != std::string::npos) return false;
+        if (argument.find('\0') != std::string::npos) return EINVAL;
         raw.push_back(const_cast<char*>(argument.c_str()));
     }
-    if (raw.empty() || arguments.front().empty()) return false;
+    if (raw.empty() || arguments.front().empty()) return ENOENT;
     raw.push_back(nullptr);
     const SpawnSettings settings(output);
     pid_t child = 0;
     const auto spawn = search ? ::posix_spawnp : ::posix_spawn;
-    if (spawn(&child, raw[0], &settings.actions, &settings.attributes, raw.data(), environ) != 0)
-        return false;
-    CollectInBackground(child);
-    return true;
+    const int error = spawn(&child, raw[0], &settings.actions, &settings.attributes, raw.data(), environ);
+    if (error == 0) CollectInBackground(child);
+    return error;
 }
 
 std::shared_ptr<Process> MakePosixProcess() {

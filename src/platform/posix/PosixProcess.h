@@ -13,7 +13,7 @@ enum class Output { Kept, Discarded };
 
 // Starts `arguments[0]` without a shell: a path as it is, a bare name looked up in PATH when `search` is set.
 // The program gets a session of its own, no input and no open files of ours; its end is collected in the
-// background.
-bool StartDetached(const std::vector<std::string>& arguments, bool search, Output output);
+// background. 0, or the system's number for why it could not be started.
+int StartDetached(const std::vector<std::string>& arguments, bool search, Output output);
 
 }  // namespace kq

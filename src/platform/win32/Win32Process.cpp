@@ -5,6 +5,7 @@
 
 #include "platform/Process.h"
 #include "platform/win32/Win32Api.h"
+#include "platform/win32/Win32Error.h"
 #include "platform/win32/Win32Platform.h"
 #include "platform/win32/Win32Text.h"
 
@@ -33,15 +34,15 @@ class Win32Process final : public Process {
     }
 
     // By the shell's call, the one that asks the user when the program wants more rights.
-    bool Start(const std::string& path) override {
-        if (path.empty() || HoldsNul(path)) return false;
+    std::string Start(const std::string& path) override {
+        if (path.empty() || HoldsNul(path)) return SystemErrorText(ERROR_INVALID_NAME);
         const std::wstring file = ToWide(path);
         SHELLEXECUTEINFOW info{};
         info.cbSize = sizeof info;
         info.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;
         info.lpFile = file.c_str();
         info.nShow = SW_SHOWNORMAL;
-        return ShellExecuteExW(&info) != 0;
+        return ShellExecuteExW(&info) != 0 ? std::string() : SystemErrorText(GetLastError());
     }
 };
 
