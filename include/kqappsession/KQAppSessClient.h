@@ -66,6 +66,7 @@ class ClientState;
 
 class KQAppSessClient {
  public:
+    // RuntimeError::ObjectNotSet for null.
     explicit KQAppSessClient(PlatformPtr platform);
     ~KQAppSessClient();  // TerminateClient
     KQAppSessClient(const KQAppSessClient&) = delete;

@@ -33,6 +33,11 @@ std::shared_ptr<Profile> InitialProfile(const Profiles& profiles, const std::str
     return profiles.Exists(name) ? profiles.Item(name) : nullptr;
 }
 
+std::shared_ptr<ClientState> NewState(PlatformPtr platform) {
+    if (!platform) Raise(RuntimeError::ObjectNotSet, "A KQAppSessClient needs a platform");
+    return std::make_shared<ClientState>(std::move(platform));
+}
+
 }  // namespace
 
 const char* NameOf(KQAppSessLoginState state) {
@@ -47,8 +52,7 @@ const char* NameOf(KQAppSessLoginState state) {
     return "";
 }
 
-KQAppSessClient::KQAppSessClient(PlatformPtr platform)
-    : state_(std::make_shared<ClientState>(std::move(platform))) {}
+KQAppSessClient::KQAppSessClient(PlatformPtr platform) : state_(NewState(std::move(platform))) {}
 
 KQAppSessClient::~KQAppSessClient() {
     state_->Terminate();

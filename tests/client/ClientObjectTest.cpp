@@ -33,6 +33,11 @@ TEST_F(ClientObjectTest, AFreshOneIsNotLoggedInAndUsesProfiles) {
     EXPECT_THAT(machine.profile_file->files, IsEmpty());
 }
 
+TEST_F(ClientObjectTest, NeedsAPlatform) {
+    ExpectError(ErrorOf([] { KQAppSessClient(nullptr); }), NumberOf(RuntimeError::ObjectNotSet),
+                "A KQAppSessClient needs a platform");
+}
+
 TEST_F(ClientObjectTest, StoresAnyValueOfItsSimpleProperties) {
     client->SetAppServerPort(-7);
     client->SetAppServerTimeOut(-1);
