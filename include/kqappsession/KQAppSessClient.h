@@ -33,6 +33,7 @@
 #include <kqappsession/KQAppSessionInfo.h>
 #include <kqappsession/Platform.h>
 #include <kqappsession/Secret.h>
+#include <kqappsession/Signal.h>
 #include <kqappsession/WebData.h>
 
 namespace kq {
@@ -72,6 +73,11 @@ class KQAppSessClient {
     KQAppSessClient(const KQAppSessClient&) = delete;
     KQAppSessClient& operator=(const KQAppSessClient&) = delete;
 
+    // LoginState is another one now, the argument: by a procedure of this object, SetSystemLoginState, or the
+    // end of the session connection. Raised on the loop's thread, within the call that changes the state; a
+    // handler that wants to start a procedure posts that to the loop.
+    Signal<KQAppSessLoginState> LoginStateChanged;
+
     // Null before a login has delivered them. Objects are shared with the caller: a profile added to the
     // collection or removed from it outside of a procedure is uploaded at once, as by UpdateProfiles.
     std::shared_ptr<kq::TranslationTable> TranslationTable() const;
@@ -80,6 +86,11 @@ class KQAppSessClient {
     // A profile whose name the collection does not hold is ignored. RuntimeError::ObjectNotSet for null and
     // while there is no collection.
     void SetCurrentProfile(std::shared_ptr<Profile> profile);
+    // The connection to the application server; null before a server login and after TerminateClient. Every
+    // ServerLogin makes a new one and disconnects the old one, so handlers have to be connected again: when
+    // ServerLogin has returned true, or in LoginStateChanged at kqaslsServerLogin. That is before the first
+    // block is delivered. When the connection ends, the object stays and LoginState becomes
+    // kqaslsSystemLogin; nothing reconnects until ServerLogin is called again.
     std::shared_ptr<APClient> SessionClient() const;
     std::shared_ptr<KQAppSessionInfo> SessionInfo() const;  // never null
     bool UseProfiles() const;
@@ -154,6 +165,7 @@ class KQAppSessClient {
 
  private:
     std::shared_ptr<ClientState> state_;  // outlives this object while a procedure runs
+    Owner owner_;
 };
 
 }  // namespace kq

@@ -2,6 +2,7 @@
 #include "client/ClientState.h"
 
 #include <cmath>
+#include <utility>
 
 #include <kqappsession/Error.h>
 
@@ -35,6 +36,12 @@ SessConfig& ClientState::OpenConfig(const std::string& app_id) {
     return *config;
 }
 
+// The handlers may drop the client object.
+void ClientState::SetLoginState(KQAppSessLoginState login_state) {
+    const auto self = shared_from_this();
+    if (std::exchange(login_state_, login_state) != login_state) LoginStateChanged(login_state);
+}
+
 void ClientState::SetProfiles(std::shared_ptr<Profiles> profiles) {
     profiles_owner_.Cancel();
     profiles_ = std::move(profiles);
@@ -56,8 +63,8 @@ std::shared_ptr<APClient> ClientState::NewSessionClient() {
     ReleaseSessionClient();
     session_client_ = NewMessageClient(platform);
     session_client_->Disconnected.Connect(session_owner_, [this] {
-        login_state = kqaslsSystemLogin;
         ending_session_client_.reset();
+        SetLoginState(kqaslsSystemLogin);
     });
     return session_client_;
 }

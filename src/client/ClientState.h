@@ -30,13 +30,17 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     std::shared_ptr<TranslationTable> translation_table;
     std::shared_ptr<Profile> current_profile;
     std::shared_ptr<KQAppSessionInfo> session_info = std::make_shared<KQAppSessionInfo>();
-    KQAppSessLoginState login_state = kqaslsNotLoggedIn;
     std::string app_server_address;
     std::int32_t app_server_port = 0;
     std::int32_t app_server_time_out = 0;  // ms
     std::string restrict_ip;
     std::int32_t restrict_port = 0;
     bool use_as_server_for_login = false;
+
+    KQAppSessLoginState LoginState() const { return login_state_; }
+    // Raises LoginStateChanged when the state is another one.
+    void SetLoginState(KQAppSessLoginState login_state);
+    Signal<KQAppSessLoginState> LoginStateChanged;
 
     // A new settings object for the application.
     SessConfig& OpenConfig(const std::string& app_id);
@@ -69,6 +73,7 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
  private:
     float TimeOfDay() const;
 
+    KQAppSessLoginState login_state_ = kqaslsNotLoggedIn;
     std::shared_ptr<Profiles> profiles_;
     std::shared_ptr<APClient> login_client_;
     std::shared_ptr<APClient> session_client_;

@@ -52,7 +52,10 @@ const char* NameOf(KQAppSessLoginState state) {
     return "";
 }
 
-KQAppSessClient::KQAppSessClient(PlatformPtr platform) : state_(NewState(std::move(platform))) {}
+KQAppSessClient::KQAppSessClient(PlatformPtr platform) : state_(NewState(std::move(platform))) {
+    state_->LoginStateChanged.Connect(owner_,
+                                      [this](KQAppSessLoginState state) { LoginStateChanged(state); });
+}
 
 KQAppSessClient::~KQAppSessClient() {
     state_->Terminate();
@@ -80,7 +83,7 @@ void KQAppSessClient::SetUseProfiles(bool use) {
     state_->use_profiles = use;
 }
 KQAppSessLoginState KQAppSessClient::LoginState() const {
-    return state_->login_state;
+    return state_->LoginState();
 }
 std::string KQAppSessClient::AppServerAddress() const {
     return state_->app_server_address;
@@ -153,7 +156,7 @@ bool KQAppSessClient::Login(const std::string& app_id, const std::string& interf
     for (;;) {
         if (!kq::SystemLogin(*state, true, arguments).Run()) return false;
         const bool registered = kq::ServerLogin(*state, true).Run();
-        if (state->login_state != kqaslsNotLoggedIn) return registered;
+        if (state->LoginState() != kqaslsNotLoggedIn) return registered;
     }
 }
 
@@ -224,7 +227,7 @@ void KQAppSessClient::SetSystemLoginState(const TextOrObject<XMLMessage>& sessio
     state.app_server_port = app_server_port;
     state.app_server_time_out = app_server_time_out;
     if (app_server_time_out == 0) state.app_server_time_out = TextToLong(config.Setting("TimeOut", ""));
-    if (!app_server_address.empty() && app_server_port != 0) state.login_state = kqaslsSystemLogin;
+    if (!app_server_address.empty() && app_server_port != 0) state.SetLoginState(kqaslsSystemLogin);
 }
 
 void KQAppSessClient::SetSystemConnectState(const std::string& system_address, std::int32_t system_port,

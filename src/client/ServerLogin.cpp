@@ -20,10 +20,10 @@ constexpr int kMaxRetries = 5;
 }  // namespace
 
 ServerLogin::ServerLogin(ClientState& state, bool interactive) : state_(state), procedure_(state) {
-    if (state_.login_state == kqaslsNotLoggedIn) state_.texts.RaiseASError(kqaserrLoginNoSystem);
+    if (state_.LoginState() == kqaslsNotLoggedIn) state_.texts.RaiseASError(kqaserrLoginNoSystem);
     attendant_ = MakeAttendant(interactive, state_);
     state_.OpenConfig(state_.session_info->AppID());
-    if (state_.login_state == kqaslsServerLogin) state_.login_state = kqaslsSystemLogin;
+    if (state_.LoginState() == kqaslsServerLogin) state_.SetLoginState(kqaslsSystemLogin);
 }
 
 bool ServerLogin::Run() {
@@ -117,9 +117,9 @@ LoginStates ServerLogin::Refused(const Reply& reply) {
 
 void ServerLogin::Finish() {
     state_.session_info->SetClient(connection_);
-    state_.login_state = kqaslsServerLogin;
     connection_->SetReceiveType(DataType::Any);
     connection_->SetReceiveMode(ReceiveMode::Events);
+    state_.SetLoginState(kqaslsServerLogin);
 }
 
 void ServerLogin::GiveUpLogin() {
@@ -128,7 +128,7 @@ void ServerLogin::GiveUpLogin() {
     state_.ReleaseLoginClient();
     state_.SetProfiles(nullptr);
     state_.current_profile.reset();
-    state_.login_state = kqaslsNotLoggedIn;
+    state_.SetLoginState(kqaslsNotLoggedIn);
 }
 
 }  // namespace kq

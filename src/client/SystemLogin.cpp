@@ -81,7 +81,7 @@ void SystemLogin::Prepare() {
         config.SetSetting("LastDownloadedClient", "");
     }
     state_.ReleaseLoginClient();
-    state_.login_state = kqaslsNotLoggedIn;
+    state_.SetLoginState(kqaslsNotLoggedIn);
 }
 
 LoginStates SystemLogin::Step(LoginStates state) {

@@ -84,7 +84,7 @@ void SystemLogin::Finish() {
     state_.app_server_address = details_.address;
     state_.app_server_time_out = arguments_.TimeOut;
     state_.use_as_server_for_login = details_.use_as_server_for_login;
-    state_.login_state = kqaslsSystemLogin;
+    state_.SetLoginState(kqaslsSystemLogin);
 }
 
 void SystemLogin::Failed() {
@@ -94,7 +94,7 @@ void SystemLogin::Failed() {
     state_.translation_table.reset();
     state_.SetProfiles(nullptr);
     state_.current_profile.reset();
-    state_.login_state = kqaslsNotLoggedIn;
+    state_.SetLoginState(kqaslsNotLoggedIn);
 }
 
 std::string ClientVersionOf(const AppObject* app, const PlatformPtr& platform) {

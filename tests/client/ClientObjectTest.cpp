@@ -79,6 +79,15 @@ TEST_F(ClientObjectTest, SetSystemLoginStateIsAsGoodAsASystemLogin) {
     EXPECT_EQ(client->AppServerTimeOut(), 5000);
 }
 
+TEST_F(ClientObjectTest, SetSystemLoginStateReportsTheState) {
+    std::vector<KQAppSessLoginState> states;
+    Owner owner;
+    client->LoginStateChanged.Connect(owner, [&](KQAppSessLoginState state) { states.push_back(state); });
+    SetState();
+    SetState();
+    EXPECT_THAT(states, ElementsAre(kqaslsSystemLogin));
+}
+
 TEST_F(ClientObjectTest, SetSystemLoginStateKeepsTheObjectsThatItIsGiven) {
     const auto message = std::make_shared<XMLMessage>("SessionInfo", "1");
     const auto collection = std::make_shared<Profiles>();

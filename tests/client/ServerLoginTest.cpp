@@ -85,6 +85,53 @@ TEST_F(ServerLoginTest, WhenRegisteredAlreadyDropsTheStateFirstAndRegistersAgain
     EXPECT_EQ(client->LoginState(), kqaslsServerLogin);
 }
 
+TEST_F(ServerLoginTest, ReportsEveryChangeOfTheState) {
+    std::vector<KQAppSessLoginState> states;
+    Owner owner;
+    client->LoginStateChanged.Connect(owner, [&](KQAppSessLoginState state) {
+        EXPECT_EQ(client->LoginState(), state);
+        states.push_back(state);
+    });
+    ServerLogin();
+    ServerLogin();
+    app.DropAll();
+    machine.loop->RunReady();
+    SystemLogin();
+    EXPECT_THAT(states, ElementsAre(kqaslsServerLogin, kqaslsSystemLogin, kqaslsServerLogin,
+                                    kqaslsSystemLogin, kqaslsNotLoggedIn, kqaslsSystemLogin));
+}
+
+TEST_F(ServerLoginTest, ReportsTheStateBeforeTheNewConnectionDeliversItsFirstBlock) {
+    std::vector<std::string> received;
+    std::shared_ptr<APClient> connection;
+    Owner owner;
+    client->LoginStateChanged.Connect(owner, [&](KQAppSessLoginState state) {
+        if (state != kqaslsServerLogin) return;
+        connection = client->SessionClient();
+        connection->Receive.Connect(owner, [&](const Block& block) { received.push_back(block.data); });
+    });
+    app.On(FakeAppServer::kRegister, [](ScriptedPeer::Link& link, const XMLMessage&) {
+        link.Send(FakeAppServer::Registration());
+        link.SendFrame(0, "early");
+    });
+    ServerLogin();
+    const auto first = connection;
+    ServerLogin();
+    machine.loop->RunReady();
+    EXPECT_NE(connection, first);
+    EXPECT_FALSE(first->Connected());
+    EXPECT_THAT(received, testing::Contains("early"));
+}
+
+TEST_F(ServerLoginTest, MayBeDroppedByAHandlerOfItsState) {
+    Owner owner;
+    client->LoginStateChanged.Connect(owner, [this](KQAppSessLoginState) { client.reset(); });
+    KQAppSessClient& dying = *client;
+    EXPECT_TRUE(dying.ServerLogin(false));
+    machine.loop->Advance(Milliseconds(2000));
+    EXPECT_EQ(app.Open(), 0);
+}
+
 TEST_F(ServerLoginTest, ARefusedConnectionRaisesNoConnectAS) {
     app.StopListening();
     ExpectFailedRegistration(kqaserrLoginNoConnectAS, "Could not connect to the application server.");
