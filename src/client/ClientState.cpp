@@ -121,6 +121,7 @@ Procedure::Procedure(ClientState& state) : state_(state), terminations_(state.Te
     if (state_.busy) {
         Raise(RuntimeError::InvalidProcedureCall, "A login procedure of this client is running already");
     }
+    CheckTermination();
     state_.busy = true;
 }
 
@@ -131,6 +132,9 @@ Procedure::~Procedure() {
 void Procedure::CheckTermination() const {
     if (Terminated()) {
         Raise(NetError::Interrupted, kLibrarySource, "The client was terminated while the procedure ran");
+    }
+    if (state_.platform->loop->Quitting()) {
+        Raise(NetError::Interrupted, kLibrarySource, "The program's event loop was ended");
     }
 }
 

@@ -86,17 +86,20 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
 // One run of a long procedure, as the host started it: sets Busy and keeps a second one out, on every way.
 class Procedure {
  public:
-    // RuntimeError::InvalidProcedureCall when a procedure of this client runs already.
+    // RuntimeError::InvalidProcedureCall when a procedure of this client runs already, NetError::Interrupted
+    // when the loop has been quit.
     explicit Procedure(ClientState& state);
     ~Procedure();
     Procedure(const Procedure&) = delete;
     Procedure& operator=(const Procedure&) = delete;
 
-    // Raises NetError::Interrupted once the client was terminated during the run.
+    // Raises NetError::Interrupted once the client was terminated during the run or the loop has been quit.
     void CheckTermination() const;
-    bool Terminated() const { return state_.Terminations() != terminations_; }
+    bool Ended() const { return Terminated() || state_.platform->loop->Quitting(); }
 
  private:
+    bool Terminated() const { return state_.Terminations() != terminations_; }
+
     ClientState& state_;
     std::uint32_t terminations_;
 };

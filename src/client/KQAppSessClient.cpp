@@ -165,7 +165,9 @@ bool KQAppSessClient::ChangeConfiguration() {
     if (!state->config) state->texts.RaiseASError(kqaserrLoginSessionRequired);
     const Procedure procedure(*state);
     SessConfig config = *state->config;  // the host may open another while its user is asked
-    return kq::ChangeConfiguration(*state, config);
+    const bool confirmed = kq::ChangeConfiguration(*state, config);
+    procedure.CheckTermination();
+    return confirmed;
 }
 
 bool KQAppSessClient::UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port,

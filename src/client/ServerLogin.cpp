@@ -90,7 +90,7 @@ LoginStates ServerLogin::AttemptRegister() {
         connection_->SendText(request.Build().ToXML());
     } catch (const Error& error) {
         const bool not_connected = error.Number() == static_cast<std::int32_t>(NetError::NotConnected);
-        if (not_connected && retries_ < kMaxRetries && !procedure_.Terminated()) {
+        if (not_connected && retries_ < kMaxRetries && !procedure_.Ended()) {
             ++retries_;
             return lsAttemptConnectServer;
         }

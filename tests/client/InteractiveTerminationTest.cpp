@@ -79,7 +79,8 @@ TEST_F(InteractiveTerminationTest, ClosesTheDialogOfAChangedConfiguration) {
         client->TerminateClient();
         EXPECT_FALSE(at.IsOpen());
     });
-    EXPECT_FALSE(client->ChangeConfiguration());
+    EXPECT_EQ(ErrorOf([this] { client->ChangeConfiguration(); }).Number(),
+              static_cast<std::int32_t>(NetError::Interrupted));
     EXPECT_EQ(Settings().Setting("Address", ""), FakeZeb::kAddress);
 }
 

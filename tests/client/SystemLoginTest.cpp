@@ -463,12 +463,6 @@ TEST_F(SystemLoginTest, DroppingTheClientObjectInsideEndsTheLoginAtOnce) {
     EXPECT_LT(time, Milliseconds(250));
 }
 
-TEST_F(SystemLoginTest, QuittingTheLoopEndsTheLogin) {
-    zeb.Once(FakeZeb::kValidate, [this](ScriptedPeer::Link&, const XMLMessage&) { machine.loop->Quit(); });
-    EXPECT_LT(TimeOf([this] { EXPECT_EQ(SystemLoginError().Number(), kqaserrLoginNoValidate); }),
-              Milliseconds(250));
-}
-
 TEST_F(SystemLoginTest, AnInteractiveLoginNeedsAFace) {
     EXPECT_EQ(ErrorOf([this] { client->SystemLogin(true, login); }).Number(),
               NumberOf(RuntimeError::InvalidProcedureCall));
