@@ -151,8 +151,9 @@ class KQAppSessClient {
                              const TextOrObject<kq::Profiles>& profiles,
                              const std::string& current_profile_name, const std::string& app_server_address,
                              std::int32_t app_server_port, std::int32_t app_server_time_out);
-    // Store the login server's settings (port, time-out in ms) in the settings file; with an empty address
-    // nothing is written. kqaserrLoginSessionRequired without a session record.
+    // Store the login server's settings (port, time-out in ms) unchecked in the settings file; with an empty
+    // address nothing is written. Raise kqaserrLoginSessionRequired without a session record, and
+    // RuntimeError::PathFileAccess, with the file's path in the description, when the file cannot be written.
     void SetSystemConnectState(const std::string& system_address, std::int32_t system_port,
                                std::int32_t system_time_out);
     void SetSystemConnectState2(const std::string& system_address, std::int32_t system_port,

@@ -1,7 +1,6 @@
 // Questions and dialogs. What a rule says about a silent procedure's error plays no part here.
 #include "client/InteractiveAttendant.h"
 
-#include "client/LoginPrompts.h"
 #include "client/TerminableDialog.h"
 #include "dialogs/frmDownload.h"
 #include "dialogs/frmPassword.h"
@@ -48,14 +47,14 @@ LoginStates InteractiveAttendant::MeetUnexpected(std::int32_t text, const Error&
 
 bool InteractiveAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments,
                                         bool use_profiles, LoginDetails& details) {
-    if (!AskServerAddress(state_, config, false)) return false;
-    if (!AskLoginDetails(state_, config, use_profiles, arguments.AppIcon, details)) return false;
-    const ServerSettings settings = ReadServerSettings(config, kUsualTimeOut);
-    details.address = settings.address;
-    details.port = settings.port;
-    details.time_out = settings.time_out;
-    details.use_as_server_for_login =
-        arguments.UseASServerForLogin.value_or(settings.use_as_server_for_login);
+    if (!settings_) settings_.emplace(state_, config);
+    if (!AskServerAddress(state_, *settings_, false)) return false;
+    if (!AskLoginDetails(state_, *settings_, use_profiles, arguments.AppIcon, details)) return false;
+    const ServerSettings server = settings_->Read(kUsualTimeOut);
+    details.address = server.address;
+    details.port = server.port;
+    details.time_out = server.time_out;
+    details.use_as_server_for_login = arguments.UseASServerForLogin.value_or(server.use_as_server_for_login);
     return true;
 }
 

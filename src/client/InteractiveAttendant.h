@@ -3,6 +3,7 @@
 
 #include "client/ClientState.h"
 #include "client/LoginAttendant.h"
+#include "client/LoginPrompts.h"
 #include "dialogs/frmWait.h"
 
 namespace kq {
@@ -29,6 +30,7 @@ class InteractiveAttendant : public LoginAttendant {
     ClientState& state_;
     modASMsg texts_;
     frmWait wait_;
+    std::optional<PromptedSettings> settings_;
 };
 
 }  // namespace kq

@@ -38,6 +38,13 @@ std::shared_ptr<ClientState> NewState(PlatformPtr platform) {
     return std::make_shared<ClientState>(std::move(platform));
 }
 
+// The first setting is the address; without one nothing is written.
+void StoreConnectState(ClientState& state, const SettingList& settings) {
+    if (!state.session_info->IsInitialized()) state.texts.RaiseASError(kqaserrLoginSessionRequired);
+    SessConfig& config = state.OpenConfig(state.session_info->AppID());
+    if (!settings.front().second.empty()) StoreSettings(config, settings);
+}
+
 }  // namespace
 
 const char* NameOf(KQAppSessLoginState state) {
@@ -165,7 +172,8 @@ bool KQAppSessClient::ChangeConfiguration() {
     if (!state->config) state->texts.RaiseASError(kqaserrLoginSessionRequired);
     const Procedure procedure(*state);
     SessConfig config = *state->config;  // the host may open another while its user is asked
-    const bool confirmed = kq::ChangeConfiguration(*state, config);
+    PromptedSettings settings(*state, config);
+    const bool confirmed = kq::ChangeConfiguration(*state, settings);
     procedure.CheckTermination();
     return confirmed;
 }
@@ -234,20 +242,17 @@ void KQAppSessClient::SetSystemLoginState(const TextOrObject<XMLMessage>& sessio
 
 void KQAppSessClient::SetSystemConnectState(const std::string& system_address, std::int32_t system_port,
                                             std::int32_t system_time_out) {
-    if (!state_->session_info->IsInitialized()) state_->texts.RaiseASError(kqaserrLoginSessionRequired);
-    SessConfig& config = state_->OpenConfig(state_->session_info->AppID());
-    if (system_address.empty()) return;
-    config.SetSetting("Address", system_address);
-    config.SetSetting("Port", TextOf(system_port));
-    config.SetSetting("TimeOut", TextOf(system_time_out));
+    StoreConnectState(
+        *state_,
+        {{"Address", system_address}, {"Port", TextOf(system_port)}, {"TimeOut", TextOf(system_time_out)}});
 }
 
 void KQAppSessClient::SetSystemConnectState2(const std::string& system_address, std::int32_t system_port,
                                              std::int32_t system_time_out, bool use_as_server_for_login) {
-    SetSystemConnectState(system_address, system_port, system_time_out);
-    if (!system_address.empty()) {
-        state_->config->SetSetting("UseASServerForLogin", use_as_server_for_login ? "1" : "0");
-    }
+    StoreConnectState(*state_, {{"Address", system_address},
+                                {"Port", TextOf(system_port)},
+                                {"TimeOut", TextOf(system_time_out)},
+                                {"UseASServerForLogin", use_as_server_for_login ? "1" : "0"}});
 }
 
 void KQAppSessClient::TerminateClient() {

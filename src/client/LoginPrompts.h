@@ -5,6 +5,9 @@
 // errors.
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "client/ClientState.h"
 #include "client/LoginAttendant.h"
 #include "client/SessConfig.h"
@@ -12,14 +15,32 @@
 
 namespace kq {
 
-// Shows the server dialog with the stored settings and keeps what the user confirms. True when confirmed.
-bool ChangeConfiguration(ClientState& state, SessConfig& config);
+// The login server's settings as a procedure with a user sees them: those of the file or, when it cannot be
+// written, what the user has given. The state and the settings object outlive it.
+class PromptedSettings {
+ public:
+    PromptedSettings(const ClientState& state, SessConfig& config) : state_(state), config_(config) {}
 
-// The same, but only when no address and port are stored or with `force`; else true at once.
-bool AskServerAddress(ClientState& state, SessConfig& config, bool force);
+    SessConfig& Config() const { return config_; }
+    ServerSettings Read(const std::string& default_time_out) const;
+    // The user is warned, once, of a file that cannot be written.
+    void Write(const ServerSettings& settings);
+
+ private:
+    const ClientState& state_;
+    SessConfig& config_;
+    std::optional<ServerSettings> unsaved_;
+    bool warned_ = false;
+};
+
+// Shows the server dialog with the stored settings and keeps what the user confirms. True when confirmed.
+bool ChangeConfiguration(ClientState& state, PromptedSettings& settings);
+
+// The same, but only when no address and port are known or with `force`; else true immediately.
+bool AskServerAddress(ClientState& state, PromptedSettings& settings, bool force);
 
 // The login dialog, which starts with the last login id. True when the user gave id and password.
-bool AskLoginDetails(ClientState& state, SessConfig& config, bool use_profiles, const IconPtr& icon,
+bool AskLoginDetails(ClientState& state, PromptedSettings& settings, bool use_profiles, const IconPtr& icon,
                      LoginDetails& details);
 
 }  // namespace kq

@@ -4,9 +4,24 @@
 
 #include <algorithm>
 
+#include <kqappsession/Error.h>
+
 #include "base/Convert.h"
 
 namespace kq {
+
+namespace {
+
+bool WriteAll(SessConfig& config, const SettingList& settings) {
+    bool kept = true;
+    for (const auto& [key, value] : settings) {
+        config.SetSetting(key, value);
+        kept = kept && config.Kept();
+    }
+    return kept;
+}
+
+}  // namespace
 
 void SessConfig::Initialize(const std::string& app_id) {
     std::string name = app_id;
@@ -32,11 +47,22 @@ ServerSettings ReadServerSettings(const SessConfig& config, const std::string& d
     return settings;
 }
 
-void WriteServerSettings(SessConfig& config, const ServerSettings& settings) {
-    config.SetSetting("Address", settings.address);
-    config.SetSetting("Port", TextOf(settings.port));
-    config.SetSetting("TimeOut", TextOf(settings.time_out));
-    config.SetSetting("UseASServerForLogin", settings.use_as_server_for_login ? "1" : "0");
+bool WriteServerSettings(SessConfig& config, const ServerSettings& settings) {
+    return WriteAll(config, {{"Address", settings.address},
+                             {"Port", TextOf(settings.port)},
+                             {"TimeOut", TextOf(settings.time_out)},
+                             {"UseASServerForLogin", settings.use_as_server_for_login ? "1" : "0"}});
+}
+
+void StoreSettings(SessConfig& config, const SettingList& settings) {
+    if (WriteAll(config, settings)) return;
+    Raise(RuntimeError::PathFileAccess, "The settings could not be stored in " + config.Path(),
+          ErrorCause::SettingsFile);
+}
+
+bool NamesServer(const std::string& address, std::int32_t port, std::int32_t time_out) {
+    constexpr std::int32_t kLastPort = 65'535;
+    return !address.empty() && port > 0 && port <= kLastPort && time_out > 0;
 }
 
 }  // namespace kq

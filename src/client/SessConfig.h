@@ -1,11 +1,14 @@
 // The settings file of one application: "AppSess_" + AppID + ".ini" in the folder "HLXApps" of the user's
 // documents.
 //
-// Values are read from the file at every call and written to it at once; a write that fails is silent.
+// Values are read from the file at every call and written to it immediately; a write that fails is silent,
+// and whoever has to know asks Kept or uses StoreSettings.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <kqappsession/Platform.h>
 
@@ -29,6 +32,9 @@ class SessConfig {
     // The value of a key; `default_value` when it is missing or empty.
     std::string Setting(const std::string& key, const std::string& default_value) const;
     void SetSetting(const std::string& key, const std::string& value);
+    // Whether the last SetSetting reached the file.
+    bool Kept() const { return ini_file_.Kept(); }
+    const std::string& Path() const { return ini_file_.Path(); }
 
  private:
     IniFile ini_file_;
@@ -49,6 +55,15 @@ inline constexpr const char* kUsualTimeOut = "10000";
 // `default_time_out`: the text that a missing time-out reads as; its readers differ. Malformed values raise
 // the errors of their conversions.
 ServerSettings ReadServerSettings(const SessConfig& config, const std::string& default_time_out);
-void WriteServerSettings(SessConfig& config, const ServerSettings& settings);
+// False when the file does not hold them now.
+[[nodiscard]] bool WriteServerSettings(SessConfig& config, const ServerSettings& settings);
+
+// Writes all of them, in order. Raises RuntimeError::PathFileAccess, with the file's path in the description,
+// when one of them could not be written.
+using SettingList = std::vector<std::pair<std::string, std::string>>;  // key, value
+void StoreSettings(SessConfig& config, const SettingList& settings);
+
+// Whether a connection can be made to this: an address, a port from 1 to 65535, a time-out above 0.
+bool NamesServer(const std::string& address, std::int32_t port, std::int32_t time_out);
 
 }  // namespace kq

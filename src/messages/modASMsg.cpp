@@ -116,36 +116,41 @@ std::string modASMsg::MapZEBError(const std::string& error_text) const {
 }
 
 bool modASMsg::AskYesNo(std::int32_t text_id, const Args& args) const {
-    return Box(text_id, LoadText(kCaption), args, BoxStyle::YesNo) == BoxButton::Yes;
+    return Box(Text(text_id, args), LoadText(kCaption), BoxStyle::YesNo) == BoxButton::Yes;
 }
 
 bool modASMsg::AskYesNoTitled(std::int32_t text_id, std::int32_t title_id, const Args& args) const {
-    return Box(text_id, Text(title_id, args), args, BoxStyle::YesNo) == BoxButton::Yes;
+    return Box(Text(text_id, args), Text(title_id, args), BoxStyle::YesNo) == BoxButton::Yes;
 }
 
 BoxButton modASMsg::AskYesNoCancel(std::int32_t text_id, const Args& args) const {
-    return Box(text_id, LoadText(kCaption), args, BoxStyle::YesNoCancel);
+    return Box(Text(text_id, args), LoadText(kCaption), BoxStyle::YesNoCancel);
 }
 
 void modASMsg::ShowError(std::int32_t text_id, const Args& args) const {
-    Box(text_id, LoadText(kCaption), args, BoxStyle::Error);
+    Box(Text(text_id, args), LoadText(kCaption), BoxStyle::Error);
 }
 
 void modASMsg::ShowWarning(std::int32_t text_id, const Args& args) const {
-    Box(text_id, LoadText(kCaption), args, BoxStyle::Warning);
+    Box(Text(text_id, args), LoadText(kCaption), BoxStyle::Warning);
 }
 
 void modASMsg::ShowInfo(std::int32_t text_id, const Args& args) const {
-    Box(text_id, LoadText(kCaption), args, BoxStyle::Information);
+    Box(Text(text_id, args), LoadText(kCaption), BoxStyle::Information);
 }
 
-// This object may have gone when the box closes, so the host is held and nothing is touched afterwards.
-BoxButton modASMsg::Box(std::int32_t text_id, const std::string& caption, const Args& args,
-                        BoxStyle style) const {
+void modASMsg::ShowWarning(const std::string& text) const {
+    Box(text, LoadText(kCaption), BoxStyle::Warning);
+}
+
+// This object may be destroyed when the box closes, so the host is held and nothing is touched afterwards.
+BoxButton modASMsg::Box(const std::string& text, const std::string& caption, BoxStyle style) const {
     const auto dialogs = platform_->dialogs;
-    if (!dialogs)
-        Raise(RuntimeError::InvalidProcedureCall, "There is nobody to ask: the program has no dialogs.");
-    return dialogs->ShowMessageBox(Text(text_id, args), caption, style);
+    if (!dialogs) {
+        Raise(RuntimeError::InvalidProcedureCall,
+              "This program has no dialogs, so the user cannot be asked: " + text);
+    }
+    return dialogs->ShowMessageBox(text, caption, style);
 }
 
 ASData modASMsg::ParseASData(const std::string& text) {

@@ -66,13 +66,16 @@ class modASMsg {
     std::string MapZEBError(const std::string& error_text) const;
 
     // Modal message boxes with caption 400 (AskYesNoTitled: the text of title_id, with the same arguments).
-    // RuntimeError::InvalidProcedureCall in a program without a face.
+    // RuntimeError::InvalidProcedureCall in a program without dialogs; its description ends with the text
+    // that would have been shown.
     bool AskYesNo(std::int32_t text_id, const Args& args = {}) const;
     bool AskYesNoTitled(std::int32_t text_id, std::int32_t title_id, const Args& args = {}) const;
     BoxButton AskYesNoCancel(std::int32_t text_id, const Args& args = {}) const;
     void ShowError(std::int32_t text_id, const Args& args = {}) const;
     void ShowWarning(std::int32_t text_id, const Args& args = {}) const;
     void ShowInfo(std::int32_t text_id, const Args& args = {}) const;
+    // A warning whose text has no id.
+    void ShowWarning(const std::string& text) const;
 
     // Tries message, profile collection, data table, translation table in this order; the first whose loader
     // accepts the text wins. Never raises.
@@ -86,7 +89,7 @@ class modASMsg {
     std::string EnsureShare(const std::string& folder_path, const std::string& share_name) const;
 
  private:
-    BoxButton Box(std::int32_t text_id, const std::string& caption, const Args& args, BoxStyle style) const;
+    BoxButton Box(const std::string& text, const std::string& caption, BoxStyle style) const;
 
     PlatformPtr platform_;
 };

@@ -47,7 +47,7 @@ std::string IniFile::Value(const std::string& prop_name, const std::string& sect
 
 void IniFile::SetValue(const std::string& prop_name, const std::string& section,
                        const std::string& /*default_value*/, const std::string& value) {
-    platform_->profile_file->Write(SectionOf(section), prop_name, value, path_);
+    kept_ = platform_->profile_file->Write(SectionOf(section), prop_name, value, path_);
 }
 
 }  // namespace kq

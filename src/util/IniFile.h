@@ -28,15 +28,18 @@ class IniFile {
     // "Default". Never raises.
     std::string Value(const std::string& prop_name, const std::string& section,
                       const std::string& default_value) const;
-    // `default_value` is ignored. A write that fails is silent.
+    // `default_value` is ignored. A write that fails is silent; Kept tells.
     void SetValue(const std::string& prop_name, const std::string& section, const std::string& default_value,
                   const std::string& value);
+    // Whether the last SetValue reached the file.
+    bool Kept() const { return kept_; }
 
  private:
     void CreateFolders() const;
 
     PlatformPtr platform_;
     std::string path_;
+    bool kept_ = true;
 };
 
 }  // namespace kq

@@ -201,6 +201,19 @@ TEST_F(ClientObjectTest, SetSystemConnectStateStoresThreeSettings) {
     EXPECT_EQ(client->AppServerAddress(), FakeZeb::kAddress);
 }
 
+TEST_F(ClientObjectTest, SetSystemConnectStateRaisesThePathOfAFileThatCannotBeWritten) {
+    SystemLogin();
+    machine.profile_file->read_only = true;
+    const auto expect = [](const Error& error) {
+        ExpectError(error, NumberOf(RuntimeError::PathFileAccess),
+                    "The settings could not be stored in /home/user/Documents/HLXApps/AppSess_Demo.ini");
+        EXPECT_EQ(error.Cause(), ErrorCause::SettingsFile);
+    };
+    expect(ErrorOf([this] { client->SetSystemConnectState("zeb.example", 5000, 30); }));
+    expect(ErrorOf([this] { client->SetSystemConnectState2("zeb.example", 5000, 30, true); }));
+    client->SetSystemConnectState("", 5000, 30);
+}
+
 TEST_F(ClientObjectTest, SetSystemConnectStateWithAnEmptyAddressWritesNothing) {
     SystemLogin();
     const int writes = machine.profile_file->write_count;

@@ -1,0 +1,19 @@
+// Sentences of the client that the string tables have no id for, in the languages of those tables.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "messages/modASMsg.h"
+#include "platform/Locale.h"
+
+namespace kq {
+
+enum class ClientSentence {
+    SettingsNotSaved,  // %0%: the settings file
+    ClientNotStarted,  // %0%: the downloaded program, %1%: why not; ends without a full stop
+};
+
+std::string ClientText(ClientSentence sentence, const Locale& locale, const Args& args);
+
+}  // namespace kq
