@@ -5,6 +5,7 @@
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"
+#include "client/ClientTexts.h"
 #include "messages/ASMessages.h"
 #include "platform/Folders.h"
 #include "platform/Process.h"
@@ -17,6 +18,7 @@ constexpr std::int32_t kUnexpectedError = 406;
 constexpr std::int32_t kWaitConnecting = 300;
 constexpr std::int32_t kWaitLoggingIn = 302;
 constexpr std::int32_t kWaitValidating = 312;
+constexpr const char* kLastDownloadedClient = "LastDownloadedClient";
 
 // Codes of the login server's protocol.
 constexpr std::int32_t kUnknownUserOrPassword = 7721;
@@ -75,13 +77,17 @@ bool SystemLogin::Run() {
 }
 
 void SystemLogin::Prepare() {
-    SessConfig& config = config_.emplace(state_.OpenConfig(arguments_.AppID));
-    if (const std::string old_client = config.Setting("LastDownloadedClient", ""); !old_client.empty()) {
-        state_.platform->folders->DeleteFile(old_client);
-        config.SetSetting("LastDownloadedClient", "");
-    }
+    config_.emplace(state_.OpenConfig(arguments_.AppID));
+    RemoveDownloadedClient();
     state_.ReleaseLoginClient();
     state_.SetLoginState(kqaslsNotLoggedIn);
+}
+
+void SystemLogin::RemoveDownloadedClient() {
+    const std::string old_client = config_->Setting(kLastDownloadedClient, "");
+    if (old_client.empty()) return;
+    state_.platform->folders->DeleteFile(old_client);
+    config_->SetSetting(kLastDownloadedClient, "");
 }
 
 LoginStates SystemLogin::Step(LoginStates state) {
@@ -175,11 +181,22 @@ LoginStates SystemLogin::CheckClientDownload() {
     attendant_->HideWait();
     bool try_again = false;
     if (const auto path = attendant_->DownloadClient(connection_, try_again)) {
-        config_->SetSetting("LastDownloadedClient", *path);
-        state_.platform->process->Start(*path);
+        StartDownloadedClient(*path);
         return lsFailed;
     }
     return try_again ? lsGetLoginInfo : Meet(offer_);
+}
+
+// The next start removes the file, whether or not it could be started.
+void SystemLogin::StartDownloadedClient(const std::string& path) {
+    RemoveDownloadedClient();
+    config_->SetSetting(kLastDownloadedClient, path);
+    procedure_.CheckTermination();
+    const Platform& platform = *state_.platform;
+    if (const std::string reason = platform.process->Start(path); !reason.empty()) {
+        Raise(RuntimeError::InvalidProcedureCall,
+              ClientText(ClientSentence::ClientNotStarted, *platform.locale, {path, reason}));
+    }
 }
 
 LoginStates SystemLogin::CheckValidZEBInterface() {

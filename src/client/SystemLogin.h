@@ -27,6 +27,8 @@ class SystemLogin {
 
  private:
     void Prepare();
+    void RemoveDownloadedClient();
+    void StartDownloadedClient(const std::string& path);
     LoginStates Step(LoginStates state);
 
     LoginStates GetLoginInfo();

@@ -44,6 +44,21 @@ class InteractiveDownloadTest : public InteractiveFixture {
         EXPECT_EQ(client->LoginState(), kqaslsNotLoggedIn);
     }
 
+    // The next offer is taken and the installer comes.
+    void TakesTheOffer() {
+        Offers();
+        LogsIn();
+        IsAsked(kNewClient, BoxButton::Yes);
+        Downloads();
+    }
+    void FailsToStart(BoxButton try_again) {
+        machine.process->start_failure = "Permission denied";
+        IsAsked(
+            "An error occurred while logging in:  The new client /tmp/HLX0001.exe could not be started: "
+            "Permission denied.  Would you like to try again?",
+            try_again);
+    }
+
     static constexpr const char* kDownload = "ASDownloadClientRequest";
     static constexpr const char* kNewClient =
         "A new client version is now available.  Would you like to upgrade?";
@@ -60,6 +75,48 @@ TEST_F(InteractiveDownloadTest, ADownloadedClientIsStartedAndTakesOver) {
     IsAsked(kNewClient, BoxButton::Yes);
     Downloads();
     ExpectTakenOver();
+}
+
+TEST_F(InteractiveDownloadTest, ADownloadedClientThatDoesNotStartIsAskedAboutWithTheReason) {
+    TakesTheOffer();
+    FailsToStart(BoxButton::No);
+    ExpectEnded();
+    EXPECT_EQ(machine.temp_files->files.at("/tmp/HLX0001.exe"), "installer");
+    EXPECT_EQ(Settings().Setting("LastDownloadedClient", ""), "/tmp/HLX0001.exe");
+}
+
+TEST_F(InteractiveDownloadTest, YesAfterAClientThatDidNotStartLeadsBackToTheLoginDialog) {
+    TakesTheOffer();
+    FailsToStart(BoxButton::Yes);
+    LogsIn();
+    EXPECT_TRUE(Login());
+    ExpectQuestions();
+    EXPECT_EQ(Settings().Setting("LastDownloadedClient", ""), "/tmp/HLX0001.exe");
+}
+
+TEST_F(InteractiveDownloadTest, ASecondDownloadRemovesTheFirst) {
+    machine.folders->files.insert("/tmp/HLX0001.exe");
+    TakesTheOffer();
+    FailsToStart(BoxButton::Yes);
+    TakesTheOffer();
+    IsAsked(
+        "An error occurred while logging in:  The new client /tmp/HLX0002.exe could not be started: "
+        "Permission denied.  Would you like to try again?",
+        BoxButton::No);
+    ExpectEnded();
+    EXPECT_FALSE(machine.folders->FileExists("/tmp/HLX0001.exe"));
+    EXPECT_EQ(Settings().Setting("LastDownloadedClient", ""), "/tmp/HLX0002.exe");
+}
+
+TEST_F(InteractiveDownloadTest, SaysInTheUsersLanguageWhatCouldNotBeStarted) {
+    machine.locale->id = 1046;
+    TakesTheOffer();
+    machine.process->start_failure = "x";
+    IsAsked(
+        "An error occurred while logging in:  Não foi possível iniciar o novo cliente /tmp/HLX0001.exe: x.  "
+        "Would you like to try again?",
+        BoxButton::No);
+    ExpectEnded();
 }
 
 TEST_F(InteractiveDownloadTest, ADownloadThatFailsAndIsGivenUpIsOfferedAgain) {
