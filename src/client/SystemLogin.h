@@ -48,6 +48,8 @@ class SystemLogin {
     LoginStates Meet(LoginFailure failure, const Args& question = {}, const Args& error = {});
     // The state after a login reply with this error code.
     LoginStates RefusedLogin(const ReplyError& error);
+    // The login is granted already, so a failure is only reported as a stray exception.
+    void UploadChangedProfiles();
     // The profile that the command line or the last login names; null when there is none.
     std::shared_ptr<Profile> NamedProfile(const Profiles& profiles) const;
     bool ClientAvailable() const;

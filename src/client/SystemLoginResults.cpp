@@ -1,5 +1,8 @@
 // What a login's reply delivers: translation table, session record, profiles; and both ends of the procedure.
+#include <exception>
+
 #include <kqappsession/Error.h>
+#include <kqappsession/Signal.h>
 
 #include "base/Convert.h"
 #include "client/ProfilesOnClient.h"
@@ -64,11 +67,18 @@ LoginStates SystemLogin::GetProfile() {
             changed = true;
         }
     }
-    if (changed) {
-        UploadTarget target{details_.address, details_.port, details_.time_out};
-        UploadProfiles(state_, procedure_, *attendant_, target);
-    }
+    if (changed) UploadChangedProfiles();
     return lsFinish;
+}
+
+void SystemLogin::UploadChangedProfiles() {
+    UploadTarget target{details_.address, details_.port, details_.time_out};
+    try {
+        UploadProfiles(state_, procedure_, *attendant_, target);
+    } catch (const Error&) {
+        procedure_.CheckTermination();
+        ReportStrayException(std::current_exception());
+    }
 }
 
 std::shared_ptr<Profile> SystemLogin::NamedProfile(const Profiles& profiles) const {

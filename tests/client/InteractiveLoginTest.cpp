@@ -1,5 +1,6 @@
 // The logins with a user at the dialogs: every question, and where each answer leads.
 #include "client/InteractiveFixture.h"
+#include "support/StrayErrors.h"
 
 namespace kq {
 namespace {
@@ -143,6 +144,19 @@ TEST_F(InteractiveLoginTest, ADeclinedNewClientLetsTheLoginGoOn) {
     LogsIn();
     IsAsked("A new client version is now available.  Would you like to upgrade?", BoxButton::No);
     EXPECT_TRUE(Login());
+    ExpectQuestions();
+}
+
+TEST_F(InteractiveLoginTest, ALoginRequestThatCannotBeSentHasNoReply) {
+    zeb.Once(FakeZeb::kValidate, zeb.Answer(FakeZeb::ValidationWith("ClientAvailable", "True")));
+    LogsIn();
+    questions_.push_back("A new client version is now available.  Would you like to upgrade?");
+    user.Answer(BoxButton::No, [this] {
+        zeb.DropAll();
+        machine.loop->RunReady();
+    });
+    IsAsked("Did not receive a reply from the login server.  Would you like to try again?", BoxButton::No);
+    EXPECT_LT(TimeOf([this] { EXPECT_FALSE(Login()); }), Milliseconds(300));
     ExpectQuestions();
 }
 
@@ -310,6 +324,43 @@ TEST_F(InteractiveLoginTest, LoginEndsWhenTheUserGivesUp) {
 }
 
 // --- profiles that are uploaded
+
+// A login that finds one profile, which is not the last used: the choice is uploaded.
+class InteractiveUploadTest : public InteractiveFixture {
+ protected:
+    InteractiveUploadTest() {
+        Profiles one;
+        one.Add(std::make_shared<Profile>("A"));
+        zeb.Once(FakeZeb::kLogin, [this, one = FakeZeb::LoginWithProfiles(one)](auto& link, const auto&) {
+            before_answer();
+            link.Send(one);
+        });
+        LogsIn();
+        user.Expect("frmProfiles", [](FakeUser& at) {
+            at.Selects("lvProfiles", "A");
+            at.Clicks("cmdChoose");
+        });
+    }
+    std::function<void()> before_answer = [] {};
+    StrayErrors stray;
+};
+
+TEST_F(InteractiveUploadTest, NoAfterAnUploadThatCannotConnectLetsTheLoginGoOn) {
+    before_answer = [this] { zeb.StopListening(); };
+    IsAsked("Could not connect to login server.  Would you like to try again?", BoxButton::No);
+    EXPECT_TRUE(Login());
+    ExpectQuestions();
+    EXPECT_EQ(client->LoginState(), kqaslsSystemLogin);
+    EXPECT_THAT(stray.Numbers(), IsEmpty());
+}
+
+TEST_F(InteractiveUploadTest, AnUnexpectedErrorOfTheUploadIsReportedAndLetsTheLoginGoOn) {
+    zeb.Once(FakeZeb::kUpload, zeb.Silence());
+    EXPECT_TRUE(Login());
+    ExpectQuestions();
+    EXPECT_EQ(client->CurrentProfile()->Name(), "A");
+    EXPECT_THAT(stray.Numbers(), ElementsAre(static_cast<std::int32_t>(NetError::TimedOut)));
+}
 
 TEST_F(InteractiveLoginTest, AnUploadThatCannotConnectAsksUntilTheUserGivesUp) {
     LogsIn();

@@ -1,5 +1,7 @@
 // How a silent system login chooses the profile, and when it uploads the profiles.
 #include "client/LoginFixture.h"
+#include "support/StrayErrors.h"
+
 namespace kq {
 namespace {
 
@@ -75,15 +77,30 @@ TEST_F(SystemLoginProfilesTest, AnUnknownProfileOfTheCommandLineIsIgnored) {
     EXPECT_EQ(client->CurrentProfile()->Name(), "B");
 }
 
-TEST_F(SystemLoginProfilesTest, AnUploadThatCannotConnectFailsTheLogin) {
+TEST_F(SystemLoginProfilesTest, AnUploadThatCannotConnectIsReportedAndDoesNotCostTheLogin) {
+    const StrayErrors stray;
     zeb.Once(FakeZeb::kLogin, [this](ScriptedPeer::Link& link, const XMLMessage&) {
         zeb.StopListening();
         Profiles one;
         one.Add(std::make_shared<Profile>("A"));
         link.Send(FakeZeb::LoginWithProfiles(one));
     });
-    ExpectFailedLogin(kqaserrLoginNoConnect,
-                      "Could not connect to login server: " + NetErrorText(10061) + ".");
+    EXPECT_TRUE(SystemLogin());
+    EXPECT_EQ(client->LoginState(), kqaslsSystemLogin);
+    EXPECT_EQ(client->CurrentProfile()->Name(), "A");
+    EXPECT_THAT(stray.Numbers(), ElementsAre(kqaserrLoginNoConnect));
+}
+
+TEST_F(SystemLoginProfilesTest, AnUploadWithoutAnAnswerDoesNotCostTheLoginEither) {
+    const StrayErrors stray;
+    Delivers({"A"}, "");
+    zeb.Once(FakeZeb::kUpload, zeb.Silence());
+    Delivers({"A"}, "");
+    zeb.Once(FakeZeb::kUpload, zeb.Text("not a message"));
+    EXPECT_TRUE(SystemLogin());
+    EXPECT_TRUE(SystemLogin());
+    EXPECT_THAT(stray.Numbers(),
+                ElementsAre(static_cast<std::int32_t>(NetError::TimedOut), XMLMessage::kNotAMessage));
 }
 
 TEST_F(SystemLoginProfilesTest, TerminateClientInsideTheUploadEndsTheLogin) {
