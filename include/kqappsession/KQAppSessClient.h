@@ -57,9 +57,11 @@ struct SystemLoginArguments {
     std::string CommandStr;               // the program's command line; "/Profile NAME" chooses a profile
     std::string LoginID;                  // silent only
     Secret Password;                      // silent only
-    std::string Address;       // the login server; empty: from the settings file, with the next two
-    std::int32_t Port = 0;     // 1 to 65535
-    std::int32_t TimeOut = 0;  // ms, above 0
+    // Silent only: the login server. An empty address: all three are read from the settings file. A port
+    // outside of 1 to 65535 and a time-out of 0 or less raise kqaserrLoginBadAddr.
+    std::string Address;
+    std::int32_t Port = 0;
+    std::int32_t TimeOut = 0;                   // ms
     std::optional<bool> UseASServerForLogin{};  // given: replaces the stored setting
 };
 

@@ -10,7 +10,8 @@ namespace kq {
 namespace {
 
 constexpr auto kRules = std::to_array<FailureRule>({
-#define KQ_X(name, text, question, error, yes, no, cancel) {text, Question::question, error, yes, no, cancel},
+#define KQ_X(name, text, question, error, cause, yes, no, cancel) \
+    {text, Question::question, error, ErrorCause::cause, yes, no, cancel},
     KQ_LOGIN_FAILURES(KQ_X)
 #undef KQ_X
 });

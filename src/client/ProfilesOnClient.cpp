@@ -72,9 +72,10 @@ bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttenda
                     UploadTarget& target) {
     procedure.CheckTermination();
     if (state.config) FillFromSettings(*state.config, target);
-    if (target.time_out == 0 || target.port == 0 || target.address.empty()) {
+    if (!NamesServer(target.address, target.port, target.time_out)) {
         state.texts.RaiseASError(kqaserrLoginBadAddr,
-                                 {target.address, TextOf(target.port), TextOf(target.time_out)});
+                                 {target.address, TextOf(target.port), TextOf(target.time_out)},
+                                 ErrorCause::Arguments);
     }
     const ASProfilesUpdate request = UploadRequest(*state.session_info);
     for (;;) {

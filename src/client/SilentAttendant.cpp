@@ -6,9 +6,31 @@
 
 namespace kq {
 
+namespace {
+
+// A setting that an argument replaces is not read: what is wrong with it does not matter.
+void ReadServer(const SessConfig& config, const SystemLoginArguments& arguments, LoginDetails& details) {
+    try {
+        details.use_as_server_for_login = arguments.UseASServerForLogin.has_value()
+                                              ? *arguments.UseASServerForLogin
+                                              : TextToBoolean(config.Setting("UseASServerForLogin", "1"));
+        details.address = arguments.Address;
+        details.port = arguments.Port;
+        details.time_out = arguments.TimeOut;
+        if (!details.address.empty()) return;
+        details.address = config.Setting("Address", "");
+        details.port = ValLong(config.Setting("Port", ""));
+        details.time_out = ValLong(config.Setting("TimeOut", kUsualTimeOut));
+    } catch (const Error& error) {
+        throw Error(error.Number(), error.Source(), error.Description(), ErrorCause::Arguments);
+    }
+}
+
+}  // namespace
+
 LoginStates SilentAttendant::Meet(LoginFailure failure, const Args&, const Args& error) {
     const FailureRule& rule = RuleOf(failure);
-    if (rule.error != 0) texts_.RaiseASError(rule.error, error);
+    if (rule.error != 0) texts_.RaiseASError(rule.error, error, rule.cause);
     return rule.no;
 }
 
@@ -18,33 +40,22 @@ LoginStates SilentAttendant::MeetUnexpected(std::int32_t, const Error&) {
 
 bool SilentAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments, bool,
                                    LoginDetails& details) {
-    // A setting that an argument replaces is not read: what is wrong with it does not matter.
-    details.use_as_server_for_login = arguments.UseASServerForLogin.has_value()
-                                          ? *arguments.UseASServerForLogin
-                                          : TextToBoolean(config.Setting("UseASServerForLogin", "1"));
-    if (arguments.Address.empty()) {
-        details.address = config.Setting("Address", "");
-        details.port = ValLong(config.Setting("Port", ""));
-        details.time_out = ValLong(config.Setting("TimeOut", kUsualTimeOut));
-    } else {
-        details.address = arguments.Address;
-        details.port = arguments.Port;
-        details.time_out = arguments.TimeOut;
-    }
-    if (details.address.empty() || details.port == 0 || details.time_out == 0) {
+    ReadServer(config, arguments, details);
+    if (!NamesServer(details.address, details.port, details.time_out)) {
         texts_.RaiseASError(kqaserrLoginBadAddr,
-                            {details.address, TextOf(details.port), TextOf(details.time_out)});
+                            {details.address, TextOf(details.port), TextOf(details.time_out)},
+                            ErrorCause::Arguments);
     }
     details.login_id = arguments.LoginID;
     details.password = arguments.Password;
     if (details.login_id.empty() || details.password.Empty()) {
-        texts_.RaiseASError(kqaserrLoginBadLogin, {details.login_id, details.password.Reveal()});
+        texts_.RaiseASError(kqaserrLoginBadLogin, {details.login_id, details.password.Reveal()},
+                            ErrorCause::Arguments);
     }
     return true;
 }
-
 std::optional<Secret> SilentAttendant::GetNewPassword(const SystemLoginArguments&) {
-    texts_.RaiseASError(kqaserrLoginBadPassword);
+    texts_.RaiseASError(kqaserrLoginBadPassword, {}, ErrorCause::PasswordChange);
 }
 
 bool SilentAttendant::ChooseProfile(const std::shared_ptr<Profiles>& profiles, const SystemLoginArguments&,
@@ -60,7 +71,7 @@ std::optional<std::string> SilentAttendant::DownloadClient(const std::shared_ptr
 }
 
 bool SilentAttendant::RetryUpload(const std::string& description) {
-    texts_.RaiseASError(kqaserrLoginNoConnect, {description});
+    texts_.RaiseASError(kqaserrLoginNoConnect, {description}, ErrorCause::NoConnection);
 }
 
 }  // namespace kq

@@ -25,7 +25,17 @@ constexpr std::int32_t kUnknownUserOrPassword = 7721;
 constexpr std::int32_t kPasswordMustChange = 7722;
 constexpr std::int32_t kPasswordExpires = 7724;
 constexpr std::int32_t kTooManyUsers = 7790;
+constexpr std::int32_t kTooManyAttempts = 7602;
+constexpr std::int32_t kServerBusy = 7603;
+constexpr std::int32_t kNoApplicationServer = 7604;
+constexpr std::int32_t kServerFailed = 7609;
 constexpr const char* kUnknownUserCode = "ZEBError-132";
+
+// The login server cannot do now what may succeed later, whatever the user typed.
+bool IsServerFailure(std::int32_t code) {
+    return code == kTooManyAttempts || code == kServerBusy || code == kNoApplicationServer ||
+           code == kServerFailed;
+}
 
 // Without a restriction of the client's own, a login by way of the application server is restricted to where
 // it is made; otherwise each value counts on its own.
@@ -161,13 +171,15 @@ LoginStates SystemLogin::ValidateClient() {
     if (!reply.received) return Meet(LoginFailure::NoValidateReply, {}, {reply.failure});
     if (reply.improper != 0) {
         const std::string text = state_.texts.Text(reply.improper);
-        return Meet(LoginFailure::ValidationFailed, {text}, {text});
+        return Meet(LoginFailure::ValidationServerFailed, {text}, {text});
     }
     validation_ = reply.message;
     const auto response = ASValidateClientResponse::Read(*validation_);
-    if (ReadReplyError(response.ErrorNumber).failed) {
+    if (const ReplyError error = ReadReplyError(response.ErrorNumber); error.failed) {
         const std::string text = ZEBFailureText(state_.texts, response.ErrorDesc, response.ErrorParam);
-        return Meet(LoginFailure::ValidationFailed, {text}, {text});
+        return Meet(IsServerFailure(error.code) ? LoginFailure::ValidationServerFailed
+                                                : LoginFailure::ValidationFailed,
+                    {text}, {text});
     }
     return ClientAvailable() ? Meet(LoginFailure::NewClient) : lsCheckValidZEBInterface;
 }
@@ -222,7 +234,7 @@ LoginStates SystemLogin::AttemptLogin() {
     if (!reply.received) return Meet(LoginFailure::NoLoginReply, {}, {details_.login_id, ""});
     if (reply.improper != 0) {
         const std::string text = state_.texts.Text(reply.improper);
-        return Meet(LoginFailure::LoginFailed, {text}, {text});
+        return Meet(LoginFailure::LoginServerFailed, {text}, {text});
     }
     reply_ = reply.message;
     const ReplyError error = ReadReplyError(reply_->Field("ErrorNumber"));
@@ -247,7 +259,9 @@ LoginStates SystemLogin::RefusedLogin(const ReplyError& error) {
                         {state_.texts.GetASErrorText(kqaserrLoginTooManyUsers, {param})}, {param});
         default: {
             const std::string text = ZEBFailureText(state_.texts, desc, param);
-            return Meet(LoginFailure::LoginFailed, {text}, {text});
+            return Meet(
+                IsServerFailure(error.code) ? LoginFailure::LoginServerFailed : LoginFailure::LoginFailed,
+                {text}, {text});
         }
     }
 }

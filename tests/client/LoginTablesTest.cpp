@@ -40,13 +40,14 @@ TEST(LoginFailures, HaveTextsThatTheTablesHold) {
     const FakePlatform machine;
     const auto texts = MakePosixStringTable(*machine.locale);
     const FailureRule rules[] = {
-#define KQ_X(name, text, question, error, yes, no, cancel) RuleOf(LoginFailure::name),
+#define KQ_X(name, text, question, error, cause, yes, no, cancel) RuleOf(LoginFailure::name),
         KQ_LOGIN_FAILURES(KQ_X)
 #undef KQ_X
     };
     for (const auto& rule : rules) {
         EXPECT_TRUE(rule.text == 0 || texts->Load(rule.text)) << rule.text;
         EXPECT_EQ(rule.text == 0, rule.question == Question::None);
+        EXPECT_EQ(rule.error == 0, rule.cause == ErrorCause::Other);
         EXPECT_TRUE(rule.error == 0 ||
                     texts->Load(rule.error - static_cast<std::int32_t>(0x80040A00U) + 1000))
             << rule.error;

@@ -163,9 +163,9 @@ TEST_F(ServerLoginTest, ASilentServerRaisesNoRegisterAfterTheTimeOut) {
     EXPECT_EQ(time, Milliseconds(10'500));
 }
 
-TEST_F(ServerLoginTest, ADroppedRegistrationRaisesNoRegisterAtOnce) {
-    for (const auto& end :
-         {ScriptedPeer::Drop(), ScriptedPeer::Reset(), ScriptedPeer::HalfOf(FakeAppServer::Registration())}) {
+TEST_F(ServerLoginTest, ADroppedOrEmptyRegistrationRaisesNoRegisterAtOnce) {
+    for (const auto& end : {ScriptedPeer::Drop(), ScriptedPeer::Reset(), ScriptedPeer::Text(""),
+                            ScriptedPeer::HalfOf(FakeAppServer::Registration())}) {
         app.Once(FakeAppServer::kRegister, end);
         ExpectFailedRegistration(kqaserrLoginNoRegister, "Could not register with the application server.");
     }
@@ -205,6 +205,15 @@ TEST_F(ServerLoginTest, ASixthLossBeforeSendingRaisesNoRegister) {
     ADroppingServer drops(machine, app, 6);
     ExpectFailedRegistration(kqaserrLoginNoRegister, "Could not register with the application server.");
     EXPECT_EQ(app.Accepted(), 6);
+}
+
+TEST_F(ServerLoginTest, TellsTheCausesOfItsErrors) {
+    app.Once(FakeAppServer::kRegister, app.Silence());
+    EXPECT_EQ(ServerLoginError().Cause(), ErrorCause::NoReply);
+    app.Once(FakeAppServer::kRegister, app.Answer(FakeAppServer::Registration("1", "No")));
+    EXPECT_EQ(ServerLoginError().Cause(), ErrorCause::Registration);
+    app.StopListening();
+    EXPECT_EQ(ServerLoginError().Cause(), ErrorCause::NoConnection);
 }
 
 TEST_F(ServerLoginTest, ARefusalRaisesRegisterFailedWithItsText) {

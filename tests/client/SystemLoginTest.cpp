@@ -157,6 +157,22 @@ TEST_F(SystemLoginTest, WithAnAddressButNoPortOrTimeOutRaisesBadAddr) {
                       "Invalid address (192.0.2.1), port (7710), or timeout value (0) was specified.");
 }
 
+TEST_F(SystemLoginTest, WithAPortOrTimeOutThatNoConnectionHasRaisesBadAddr) {
+    for (const std::int32_t port : {-1, 65'536, 99'999}) {
+        login.Port = port;
+        ExpectFailedLogin(kqaserrLoginBadAddr, "Invalid address (192.0.2.1), port (" + std::to_string(port) +
+                                                   "), or timeout value (10000) was specified.");
+    }
+    login.Port = FakeZeb::kPort;
+    login.TimeOut = -5;
+    ExpectFailedLogin(kqaserrLoginBadAddr,
+                      "Invalid address (192.0.2.1), port (7710), or timeout value (-5) was specified.");
+    EXPECT_EQ(zeb.Accepted(), 0);
+    login.TimeOut = 1;
+    login.Port = 65'535;
+    EXPECT_EQ(SystemLoginError().Number(), kqaserrLoginNoConnect);
+}
+
 TEST_F(SystemLoginTest, ReadsAddressPortAndTimeOutFromTheSettings) {
     Settings().SetSetting("Address", FakeZeb::kAddress);
     Settings().SetSetting("Port", "7710abc");
