@@ -81,7 +81,9 @@ class KQAppSessClient {
     Signal<KQAppSessLoginState> LoginStateChanged;
 
     // Null before a login has delivered them. Objects are shared with the caller: a profile added to the
-    // collection or removed from it outside of a procedure is uploaded at once, as by UpdateProfiles.
+    // collection or removed from it outside of a procedure is uploaded immediately, as by UpdateProfiles.
+    // What that upload raises is reported to the stray exception handler (see Signal.h); the next upload
+    // sends the whole collection, so it makes up for a failed one.
     std::shared_ptr<kq::TranslationTable> TranslationTable() const;
     std::shared_ptr<kq::Profiles> Profiles() const;
     std::shared_ptr<Profile> CurrentProfile() const;

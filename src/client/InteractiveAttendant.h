@@ -1,4 +1,7 @@
 // The attendant of a procedure with a user: every failure becomes a question, details come from dialogs.
+//
+// In a program without dialogs it shows nothing and goes on; a question that would have to be asked raises
+// RuntimeError::InvalidProcedureCall, with the question as its description.
 #pragma once
 
 #include "client/ClientState.h"
@@ -15,7 +18,9 @@ class InteractiveAttendant : public LoginAttendant {
 
     LoginStates Meet(LoginFailure failure, const Args& question, const Args& error) override;
     LoginStates MeetUnexpected(std::int32_t text, const Error& error) override;
-    void ShowWait(std::int32_t caption) override { wait_.ShowWait(caption); }
+    void ShowWait(std::int32_t caption) override {
+        if (state_.platform->dialogs) wait_.ShowWait(caption);
+    }
     void HideWait() override { wait_.HideWait(); }
     bool GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments, bool use_profiles,
                       LoginDetails& details) override;

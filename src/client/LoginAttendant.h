@@ -62,8 +62,7 @@ class LoginAttendant {
     virtual bool RetryUpload(const std::string& description) = 0;
 };
 
-// The attendant of a procedure. An interactive one needs a platform with dialogs; without it
-// RuntimeError::InvalidProcedureCall is raised.
+// The attendant of a procedure.
 std::unique_ptr<LoginAttendant> MakeAttendant(bool interactive, ClientState& state);
 
 }  // namespace kq

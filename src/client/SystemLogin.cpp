@@ -57,7 +57,12 @@ SystemLogin::SystemLogin(ClientState& state, bool interactive, SystemLoginArgume
     : state_(state),
       procedure_(state),
       attendant_(MakeAttendant(interactive, state)),
-      arguments_(std::move(arguments)) {}
+      arguments_(std::move(arguments)) {
+    if (interactive && !state.platform->dialogs) {
+        Raise(RuntimeError::InvalidProcedureCall,
+              "An interactive login asks its user through dialogs, and this program has none");
+    }
+}
 
 bool SystemLogin::Run() {
     try {

@@ -19,6 +19,7 @@ namespace kq {
 
 class SystemLogin {
  public:
+    // RuntimeError::InvalidProcedureCall for an interactive one in a program without dialogs.
     SystemLogin(ClientState& state, bool interactive, SystemLoginArguments arguments);
 
     // True when the user is logged in. Every failure of a silent login, and what no step expects, is raised

@@ -479,10 +479,11 @@ TEST_F(SystemLoginTest, DroppingTheClientObjectInsideEndsTheLoginAtOnce) {
     EXPECT_LT(time, Milliseconds(250));
 }
 
-TEST_F(SystemLoginTest, AnInteractiveLoginNeedsAFace) {
+TEST_F(SystemLoginTest, AnInteractiveLoginNeedsDialogsAndLeavesAnEarlierLoginWithoutThem) {
+    EXPECT_TRUE(SystemLogin());
     EXPECT_EQ(ErrorOf([this] { client->SystemLogin(true, login); }).Number(),
               NumberOf(RuntimeError::InvalidProcedureCall));
-    EXPECT_TRUE(SystemLogin());
+    EXPECT_EQ(client->LoginState(), kqaslsSystemLogin);
 }
 
 }  // namespace

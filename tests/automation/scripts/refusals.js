@@ -3,6 +3,7 @@
 var client = new ActiveXObject("KQAppSessionLib.KQAppSessClient");
 var listener = new ActiveXObject("KQAppProtocolLib.Listener");
 var answers = {};
+var uploads = 0;
 
 function message(type, fields) {
     var made = new ActiveXObject("KQXMLMessageLib.XMLMessage");
@@ -18,6 +19,7 @@ function play() {
         Receive: function (from, data) {
             var request = new ActiveXObject("KQXMLMessageLib.XMLMessage");
             request.LoadXML(data);
+            if (request.Type === "ASProfilesUpdate") uploads++;
             var answer = answers[request.Type];
             if (answer) from.Send(answer);
         }
@@ -124,10 +126,32 @@ function whatIsGrantedIsSeen() {
     expect("no connection", client.SessionClient, null);
 }
 
+// A host without dialogs: interactive members show nothing and go on, until they would have to ask.
+function nobodyIsAsked() {
+    var unasked = "This program has no dialogs, so the user cannot be asked: ";
+    servers();
+    systemLogin();
+    client.SetSystemConnectState("127.0.0.1", listener.Port, 2000);
+    expect("registered", client.ServerLogin(true), true);
+    uploads = 0;
+    client.Profiles.Add(client.Profiles.Item("Home").Copy("Elsewhere"));
+    expect("uploaded by an event", uploads, 1);
+    client.UpdateProfiles();
+    expect("uploaded", uploads, 2);
+    client.SetSystemConnectState("127.0.0.1", 1, 2000);
+    expectError("no login server", function () { client.UpdateProfiles(); }, "800A0005",
+        unasked + "Could not connect to login server.  Would you like to try again?");
+    servers("ASRegisterRequest", message("ASRegisterResponse", { ErrorNum: "5", ErrorDesc: "full." }));
+    expectError("a refused registration", function () { client.ServerLogin(true); }, "800A0005",
+        unasked + "Registration failed:  full.  Would you like to login again?");
+    client.TerminateClient();
+}
+
 run(play);
 run(validationIsRefused);
 run(loginIsRefused);
 run(registrationIsRefused);
 run(whatIsGrantedIsSeen);
+run(nobodyIsAsked);
 relay.Disconnect(listener);
 finish();
