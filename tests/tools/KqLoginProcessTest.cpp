@@ -75,6 +75,27 @@ TEST(KqLogin, TellsAWrongPasswordByItsExitCode) {
     EXPECT_EQ(login->Errors().size() - 1, login->Errors().find('\n'));
 }
 
+TEST(KqLogin, TellsALoginServerThatRefusesForNowFromAWrongPasswordByItsExitCode) {
+    Site site;
+    int code = 5;
+    for (int attempt = 0; attempt < 10 && code == 5; ++attempt) {
+        const auto login = site.LogIn({}, "Wr0ng-pas5word");
+        code = login->ExitCode();
+    }
+    EXPECT_EQ(11, code);
+}
+
+TEST(KqLogin, TellsASettingsFileThatCannotBeWrittenByItsExitCode) {
+    Site site;
+    std::filesystem::create_directories(site.Zeb().Folder() + "/config");
+    std::ofstream(site.Zeb().Folder() + "/config/HLXApps") << "a file in place of the folder";
+    const auto login = site.LogIn({"--save-settings"});
+    EXPECT_EQ(12, login->ExitCode());
+    EXPECT_EQ("kqlogin: 0x800A004B The settings could not be stored in " + site.Zeb().Folder() +
+                  "/config/HLXApps/AppSess_Demo.ini\n",
+              login->Errors());
+}
+
 TEST(KqLogin, TellsAnInterfaceThatNoServerHasByItsExitCode) {
     Site site;
     const auto login = site.LogIn({"--interface", "9.9"});

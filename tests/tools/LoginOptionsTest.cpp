@@ -142,6 +142,10 @@ TEST(LoginOptions, TheHelpListsTheExitCodes) {
     EXPECT_NE(std::string::npos, parsed.output.find("    3  no connection"));
 }
 
+TEST(LoginOptions, TheHelpSaysWhereTheSettingsFileIs) {
+    EXPECT_NE(std::string::npos, Parse({"--help"}).output.find("/HLXApps/AppSess_APP.ini"));
+}
+
 TEST(LoginOptions, TheVersionIsOneLine) {
     const auto parsed = Parse({"--version"});
     EXPECT_EQ(0, parsed.exit_code);

@@ -70,7 +70,8 @@ TEST_F(LoginReportTest, WritesAFailureAsJsonAndAsALineOfErrors) {
     Report(true).Failed(client_,
                         Error(static_cast<std::int32_t>(0x80040A06U), "KQAppSessionLib", "No: \"x\"\n."));
     EXPECT_EQ(R"({"result":"error","LoginState":"kqaslsNotLoggedIn","Error":{"Number":"0x80040A06",)"
-              R"("Source":"KQAppSessionLib","Description":"No: \"x\"\u000a."}})"
+              R"("Source":"KQAppSessionLib","Description":"No: \"x\"\u000a.",)"
+              R"("Cause":"Other"}})"
               "\n",
               Output());
     EXPECT_EQ("kqlogin: 0x80040A06 No: \"x\"\\u000a.\n", Errors());

@@ -1,58 +1,32 @@
-// Exit codes by error number. A lost login reply is reported by the library as kqaserrLoginBadLogin, so it
-// counts as refused.
+// Exit codes by the cause of an error: numbers do not tell a wrong password from a login server that is busy.
 #include "tools/kqlogin/ExitCodes.h"
 
-#include <kqappsession/Error.h>
-#include <kqappsession/KQAppSessErrorEnum.h>
-
 namespace kq {
-namespace {
 
-ExitCode ExitCodeOfNet(NetError error) {
-    switch (error) {
-        case NetError::TimedOut:
-            return ExitCode::NoReply;
-        case NetError::NetworkUnreachable:
-        case NetError::ConnectionAborted:
-        case NetError::ConnectionReset:
-        case NetError::NotConnected:
-        case NetError::Refused:
-        case NetError::HostUnreachable:
-        case NetError::HostNotFound:
-            return ExitCode::NoConnection;
-        default:
-            return ExitCode::Other;
-    }
-}
-
-}  // namespace
-
-ExitCode ExitCodeOf(std::int32_t error_number) {
-    switch (error_number) {
-        case kqaserrLoginBadAddr:
+ExitCode ExitCodeOf(const Error& error) {
+    switch (error.Cause()) {
+        case ErrorCause::Arguments:
             return ExitCode::Usage;
-        case kqaserrLoginNoConnect:
-        case kqaserrLoginNoConnectAS:
+        case ErrorCause::NoConnection:
             return ExitCode::NoConnection;
-        case kqaserrLoginNoValidate:
-        case kqaserrLoginNoLogin:
+        case ErrorCause::NoReply:
             return ExitCode::NoReply;
-        case kqaserrLoginBadLogin:
-        case kqaserrLoginLoginFailed:
-        case kqaserrLoginTooManyUsers:
+        case ErrorCause::Credentials:
             return ExitCode::Refused;
-        case kqaserrLoginBadPassword:
+        case ErrorCause::PasswordChange:
             return ExitCode::PasswordChange;
-        case kqaserrLoginValidationFailed:
-        case kqaserrLoginInvalidLoginVersion:
-        case kqaserrLoginInvalidIntfVersion:
+        case ErrorCause::Version:
             return ExitCode::Version;
-        case kqaserrLoginNoRegister:
-        case kqaserrLoginRegisterFailed:
+        case ErrorCause::Registration:
             return ExitCode::Registration;
-        default:
-            return ExitCodeOfNet(static_cast<NetError>(error_number));
+        case ErrorCause::ServerFailure:
+            return ExitCode::ServerFailure;
+        case ErrorCause::SettingsFile:
+            return ExitCode::SettingsFile;
+        case ErrorCause::Other:
+            break;
     }
+    return ExitCode::Other;
 }
 
 std::string ExitCodeHelp() {

@@ -1,23 +1,26 @@
 // What kqlogin's exit code says: one code for each kind of failure that a script would treat in its own way.
 #pragma once
 
-#include <cstdint>
 #include <string>
+
+#include <kqappsession/Error.h>
 
 namespace kq {
 
 // X(name, code, meaning): the rows of --help. Codes are never used again for something else.
-#define KQ_EXIT_CODES(X)                                                               \
-    X(Ok, 0, "done")                                                                   \
-    X(Usage, 2, "the command line, the settings file or the password's line is wrong") \
-    X(NoConnection, 3, "no connection to the login or application server")             \
-    X(NoReply, 4, "no reply within the time-out")                                      \
-    X(Refused, 5, "login refused: login id, password or too many sessions")            \
-    X(PasswordChange, 6, "the password must be changed first")                         \
-    X(Version, 7, "client or interface version not supported, client not valid")       \
-    X(Registration, 8, "the application server did not register the session")          \
-    X(Other, 9, "any other failure")                                                   \
-    X(GivenUp, 10, "the user gave up (--tty)")                                         \
+#define KQ_EXIT_CODES(X)                                                             \
+    X(Ok, 0, "done")                                                                 \
+    X(Usage, 2, "invalid command line, settings file or password line")              \
+    X(NoConnection, 3, "no connection to the login or application server")           \
+    X(NoReply, 4, "no reply: time-out or lost connection")                           \
+    X(Refused, 5, "login refused: login id, password, account or too many sessions") \
+    X(PasswordChange, 6, "the password must be changed first")                       \
+    X(Version, 7, "client or interface version not supported, client not valid")     \
+    X(Registration, 8, "the application server refused to register the session")     \
+    X(Other, 9, "any other failure")                                                 \
+    X(GivenUp, 10, "the user gave up (--tty)")                                       \
+    X(ServerFailure, 11, "server busy, failed or invalid reply; try again later")    \
+    X(SettingsFile, 12, "the settings file could not be written (--save-settings)")  \
     X(Signal, 128, "plus the signal's number: ended by a signal before the end")
 
 enum class ExitCode : int {
@@ -26,8 +29,7 @@ enum class ExitCode : int {
 #undef KQ_X
 };
 
-// The kind of failure of an Error's number.
-ExitCode ExitCodeOf(std::int32_t error_number);
+ExitCode ExitCodeOf(const Error& error);
 // One line for each code, for --help.
 std::string ExitCodeHelp();
 

@@ -40,7 +40,8 @@ void AddOptions(CLI::App& app, LoginOptions& options) {
         ->check(CLI::Range(1, kLargest))
         ->capture_default_str()
         ->excludes(tty);
-    app.add_flag("--settings", options.settings, "Take address, port and time-out from the settings file")
+    app.add_flag("--settings", options.settings,
+                 "Take address, port and time-out from the settings file (see below)")
         ->excludes(tty);
     app.add_flag("--save-settings", options.save_settings,
                  "Store address, port and time-out in the settings file after the login")
@@ -78,7 +79,10 @@ std::optional<LoginOptions> ParseLoginOptions(int argc, const char* const* argv,
         "one line. With --tty the user is asked for everything, as in the dialogs of a program with windows; "
         "questions go to standard error, the result to standard output.",
         "kqlogin");
-    app.footer(ExitCodeHelp());
+    app.footer(
+        "Settings file: $XDG_CONFIG_HOME/HLXApps/AppSess_APP.ini (default: ~/.config/HLXApps/), where APP is "
+        "the application identifier\n\n" +
+        ExitCodeHelp());
     app.set_version_flag("--version", "kqlogin " KQ_VERSION);
     AddOptions(app, options);
     try {

@@ -97,6 +97,7 @@ void LoginReport::Failed(const KQAppSessClient& client, const Error& error) {
         details.Add("Number", ErrorNumberText(error.Number()));
         details.Add("Source", error.Source());
         details.Add("Description", error.Description());
+        details.Add("Cause", NameOf(error.Cause()));
         output_ << ResultJson("error", client).Add("Error", details).Text() << '\n' << std::flush;
     }
     errors_ << "kqlogin: " << ErrorLine(error) << '\n' << std::flush;

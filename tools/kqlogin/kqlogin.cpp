@@ -105,7 +105,7 @@ int Run(const LoginOptions& options, StopSignals& signals) {
         code = ExitCode::GivenUp;
     } catch (const Error& error) {
         report.Failed(client, error);
-        code = ExitCodeOf(error.Number());
+        code = ExitCodeOf(error);
     }
     if (signals.Received() != 0) return static_cast<int>(ExitCode::Signal) + signals.Received();
     if (code == ExitCode::GivenUp) report.GivenUp(client);
