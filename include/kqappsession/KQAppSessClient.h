@@ -9,15 +9,28 @@
 //   client.ServerLogin(false);
 //   client.SessionClient()->Send(message);
 //
-// A silent procedure (Interactive false) raises every failure as an Error with a number of
-// KQAppSessErrorEnum, leaves nothing half done and takes no longer than its time-outs and pauses. An
-// interactive one asks the user and needs a platform with dialogs (RuntimeError::InvalidProcedureCall
-// without).
+// A silent procedure (Interactive false) reports every failure as an Error, usually with a number of
+// KQAppSessErrorEnum, which lists who raises what. The others: RuntimeError::TypeMismatch and
+// RuntimeError::Overflow for stored settings that are not what they should be, RuntimeError::PathFileAccess
+// for a settings file that cannot be written, NetError::Interrupted (below), and what is not expected,
+// unchanged. Error::Cause tells what is behind a number that several failures share. A silent procedure
+// leaves nothing half done and never runs longer than its time-outs and pauses.
 //
-// One thread. The procedures run the event loop while they wait, so events arrive and other code runs
-// meanwhile; starting a procedure inside another one of the same object raises
-// RuntimeError::InvalidProcedureCall. Dropping the object or TerminateClient inside a procedure ends the
-// procedure's wait at once and closes its dialog; it raises NetError::Interrupted.
+// An interactive procedure asks the user. In a program without dialogs (Platform::dialogs is null) it shows
+// nothing and goes on, and raises RuntimeError::InvalidProcedureCall where it would have to ask. SystemLogin
+// and Login always ask, so they raise it before they do anything.
+//
+// One thread. The procedures run the event loop while they wait, so events arrive and other code runs in the
+// meantime; starting a procedure inside another one of the same object raises
+// RuntimeError::InvalidProcedureCall. Destroying the object, TerminateClient and EventLoop::Quit inside a
+// procedure end its wait immediately and close its dialog; it raises NetError::Interrupted. So does every
+// procedure that is started after Quit.
+//
+// The settings file keeps the login server's address, port and time-out, and what the dialogs remember, for
+// each AppID: $XDG_CONFIG_HOME/HLXApps/AppSess_<AppID>.ini, with ~/.config in place of an unset
+// XDG_CONFIG_HOME; on Windows HLXApps\AppSess_<AppID>.ini in the user's documents folder. A path separator in
+// the AppID becomes "_". When it cannot be written, an interactive login goes on with what its user has
+// entered and warns of it once.
 #pragma once
 
 #include <cstdint>
@@ -87,8 +100,8 @@ class KQAppSessClient {
     std::shared_ptr<kq::TranslationTable> TranslationTable() const;
     std::shared_ptr<kq::Profiles> Profiles() const;
     std::shared_ptr<Profile> CurrentProfile() const;
-    // A profile whose name the collection does not hold is ignored. RuntimeError::ObjectNotSet for null and
-    // while there is no collection.
+    // Ignored unless the collection has a profile of that name. RuntimeError::ObjectNotSet for null and while
+    // there is no collection.
     void SetCurrentProfile(std::shared_ptr<Profile> profile);
     // The connection to the application server; null before a server login and after TerminateClient. Every
     // ServerLogin makes a new one and disconnects the old one, so handlers have to be connected again: when
@@ -101,7 +114,7 @@ class KQAppSessClient {
     void SetUseProfiles(bool use);
     KQAppSessLoginState LoginState() const;
 
-    // Stored as given, without any check.
+    // Stored as given, without any check. A ServerLogin to a port outside of 1 to 65535 cannot connect.
     std::string AppServerAddress() const;
     void SetAppServerAddress(const std::string& address);
     std::int32_t AppServerPort() const;
@@ -115,29 +128,36 @@ class KQAppSessClient {
     bool UseASServerForLogin() const;
     void SetUseASServerForLogin(bool use);
 
-    // Logs in with the login server. True when the user is logged in; false only when an interactive user
-    // gave up.
+    // Logs in with the login server; the state is kqaslsSystemLogin afterwards. False only when an
+    // interactive user gave up or chose to be replaced by a newer client. After false or an error nothing of
+    // a login is left and the state is kqaslsNotLoggedIn. Profiles that could not be uploaded at the end of a
+    // login do not fail it: the error is reported to the stray exception handler (see Signal.h).
     bool SystemLogin(bool interactive, const SystemLoginArguments& arguments);
     // The same; arguments.UseASServerForLogin counts (SystemLogin ignores it).
     bool SystemLogin2(bool interactive, const SystemLoginArguments& arguments);
-    // Connects to the application server and registers the session. kqaserrLoginNoSystem before a system
-    // login.
+    // Connects to the application server and registers the session. True when it is registered
+    // (kqaslsServerLogin). False only when an interactive user gave up: LoginState tells whether for now
+    // (kqaslsSystemLogin, and ServerLogin may be called again) or in favour of a new login
+    // (kqaslsNotLoggedIn: session record, profiles and connections are released). Raises
+    // kqaserrLoginNoSystem before a system login; silent: kqaserrLoginNoConnectAS, kqaserrLoginNoRegister,
+    // kqaserrLoginRegisterFailed, each with the connection released and the state kqaslsSystemLogin.
     bool ServerLogin(bool interactive);
 
     // Both, with a user at the dialogs, until the user is registered or gives up (false).
     bool Login(const std::string& app_id, const std::string& interface_version,
                std::shared_ptr<AppObject> app_obj, const std::string& command_str = {},
                std::shared_ptr<const Icon> app_icon = nullptr);
-    // Shows the server dialog with the stored settings of the login server and keeps what the user confirms.
+    // Shows the server dialog with the stored settings of the login server and stores what the user confirms.
     // False when cancelled. kqaserrLoginSessionRequired before a login or a SetSystem... call has opened the
-    // settings.
+    // settings, RuntimeError::TypeMismatch or Overflow when they are malformed.
     bool ChangeConfiguration();
 
     // Sends the profiles to the login server. Empty or 0 arguments are filled from the settings file, and the
     // caller sees what was filled in. True when they were sent, false when an interactive user gave up.
-    // kqaserrLoginBadAddr, kqaserrLoginNoConnect, RuntimeError::TypeMismatch for a stored time-out that is
-    // none, RuntimeError::ObjectNotSet without a session record, the errors of APClient::Request when no
-    // answer comes.
+    // Raises kqaserrLoginBadAddr when the address is empty, the port outside of 1 to 65535 or the time-out 0
+    // or less, kqaserrLoginNoConnect (silent), RuntimeError::TypeMismatch if the stored time-out is missing
+    // or not a number, RuntimeError::ObjectNotSet without a session record, the errors of APClient::Request
+    // when no answer comes.
     bool UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port, std::int32_t& time_out);
     void UpdateProfiles();  // interactive, login server from the settings file
     // Adds the profile in place of one of its name, then uploads all; the ASP variant never asks.
@@ -147,9 +167,13 @@ class KQAppSessClient {
     // What SetSystemLoginState takes: nothing, a text form, or the object itself (not null).
     template <class T>
     using TextOrObject = std::variant<std::monostate, std::string, std::shared_ptr<T>>;
-    // Puts the client into the state that a system login would have left. A translation table given as text
-    // is checked and then dropped: the field keeps its value. Fields set before a failing step keep their new
-    // values.
+    // Puts the client into the state that a system login would have left: kqaslsSystemLogin, but only with an
+    // address and a port that is not 0. A translation table given as text is checked and then dropped: the
+    // field keeps its value. A time-out of 0 is read from the settings file. Raises XMLMessage::kNotAMessage
+    // for a session text that is not a message, kNotWebData for one of the other texts that does not load,
+    // RuntimeError::ObjectNotSet when the session or the profiles are nothing, RuntimeError::TypeMismatch (or
+    // Overflow) when the time-out is 0 and none is stored or the stored one is not a number. Fields set
+    // before a failing step keep their new values.
     void SetSystemLoginState(const TextOrObject<XMLMessage>& session_msg,
                              const TextOrObject<kq::TranslationTable>& translation_table,
                              const TextOrObject<kq::Profiles>& profiles,

@@ -1,4 +1,8 @@
 // The error codes of the login and session procedures. The text id of a code is code - 0x80040A00 + 1000.
+//
+// A code is raised by the silent form of the procedures that its row names; %0% and so on are what its text
+// holds. Interactive procedures ask their user instead. Several failures share a code: Error::Cause tells
+// them apart.
 #pragma once
 
 #include <cstdint>
@@ -6,29 +10,52 @@
 namespace kq {
 
 // X(name, code): one row for each code; numbers are never used again for something else.
-#define KQ_APPSESS_ERRORS(X)                                                                         \
-    X(kqaserrNotInitialized, 0x80040A01U)           /* an object is used before Initialize */        \
-    X(kqaserrAlreadyConnected, 0x80040A02U)         /* Listen while listening; %0% the port */       \
-    X(kqaserrInvalidInterfaces, 0x80040A03U)        /* interface versions of no known form */        \
-    X(kqaserrLoginBadAddr, 0x80040A04U)             /* %0% address, %1% port, %2% time-out */        \
-    X(kqaserrLoginBadLogin, 0x80040A05U)            /* %0% login id, %1% password */                 \
-    X(kqaserrLoginNoConnect, 0x80040A06U)           /* no connection to the login server; %0% why */ \
-    X(kqaserrLoginNoValidate, 0x80040A07U)          /* no validation reply; %0% why */               \
-    X(kqaserrLoginValidationFailed, 0x80040A08U)    /* validation refused; %0% why */                \
-    X(kqaserrLoginBadPassword, 0x80040A09U)         /* the password must be changed first */         \
-    X(kqaserrLoginInvalidLoginVersion, 0x80040A0AU) /* the login server wants a newer client */      \
-    X(kqaserrLoginInvalidIntfVersion, 0x80040A0BU)  /* no application server for this interface */   \
-    X(kqaserrLoginNoLogin, 0x80040A0CU)             /* no login reply; %0% why */                    \
-    X(kqaserrLoginLoginFailed, 0x80040A0DU)         /* login refused; %0% why */                     \
-    X(kqaserrLoginNoTranslate, 0x80040A0EU)         /* no translation table in the reply */          \
-    X(kqaserrLoginNoSessionInfo, 0x80040A0FU)       /* no session record in the reply */             \
-    X(kqaserrLoginNoConnectAS, 0x80040A10U)         /* no connection to the application server */    \
-    X(kqaserrLoginNoRegister, 0x80040A11U)          /* no registration reply */                      \
-    X(kqaserrLoginRegisterFailed, 0x80040A12U)      /* registration refused; %0% why */              \
-    X(kqaserrLoginSessionRequired, 0x80040A13U)     /* no session record yet */                      \
-    X(kqaserrLoginTooManyUsers, 0x80040A14U)        /* too many sessions; %0% the user */            \
-    X(kqaserrPasswordChangeFailed, 0x80040A15U)     /* password not changed; %0% why */              \
-    X(kqaserrLoginNoSystem, 0x80040A63U)            /* server login before a system login */
+#define KQ_APPSESS_ERRORS(X)                                                        \
+    /* KQAppSessServer before Initialize */                                         \
+    X(kqaserrNotInitialized, 0x80040A01U)                                           \
+    /* KQAppSessServer::Listen while listening; %0% the port */                     \
+    X(kqaserrAlreadyConnected, 0x80040A02U)                                         \
+    /* KQAppSessServer::Initialize: interface versions of no known form */          \
+    X(kqaserrInvalidInterfaces, 0x80040A03U)                                        \
+    /* SystemLogin, UpdateProfilesEx: %0% address, %1% port, %2% time-out */        \
+    X(kqaserrLoginBadAddr, 0x80040A04U)                                             \
+    /* SystemLogin: %0% login id or %1% password is empty; also no reply to the     \
+       login request (%1% is empty; Cause is NoReply) */                            \
+    X(kqaserrLoginBadLogin, 0x80040A05U)                                            \
+    /* SystemLogin, UpdateProfilesEx: no connection to the login server; %0% why */ \
+    X(kqaserrLoginNoConnect, 0x80040A06U)                                           \
+    /* SystemLogin: no reply to the validation request; %0% why */                  \
+    X(kqaserrLoginNoValidate, 0x80040A07U)                                          \
+    /* SystemLogin: validation refused, or its reply is not valid; %0% why */       \
+    X(kqaserrLoginValidationFailed, 0x80040A08U)                                    \
+    /* SystemLogin: the password must be changed first, or expires */               \
+    X(kqaserrLoginBadPassword, 0x80040A09U)                                         \
+    /* SystemLogin: the login server wants a newer client */                        \
+    X(kqaserrLoginInvalidLoginVersion, 0x80040A0AU)                                 \
+    /* SystemLogin: no application server for this interface */                     \
+    X(kqaserrLoginInvalidIntfVersion, 0x80040A0BU)                                  \
+    /* never raised: see kqaserrLoginBadLogin; a server refuses with it */          \
+    X(kqaserrLoginNoLogin, 0x80040A0CU)                                             \
+    /* SystemLogin: login refused, or its reply is not valid; %0% why */            \
+    X(kqaserrLoginLoginFailed, 0x80040A0DU)                                         \
+    /* SystemLogin: no translation table in the reply */                            \
+    X(kqaserrLoginNoTranslate, 0x80040A0EU)                                         \
+    /* SystemLogin: no session record in the reply */                               \
+    X(kqaserrLoginNoSessionInfo, 0x80040A0FU)                                       \
+    /* ServerLogin: no connection to the application server */                      \
+    X(kqaserrLoginNoConnectAS, 0x80040A10U)                                         \
+    /* ServerLogin: no reply to the registration */                                 \
+    X(kqaserrLoginNoRegister, 0x80040A11U)                                          \
+    /* ServerLogin: registration refused, or its reply is not valid; %0% why */     \
+    X(kqaserrLoginRegisterFailed, 0x80040A12U)                                      \
+    /* SetSystemConnectState, ChangeConfiguration: no session record yet */         \
+    X(kqaserrLoginSessionRequired, 0x80040A13U)                                     \
+    /* SystemLogin: too many sessions; %0% the user */                              \
+    X(kqaserrLoginTooManyUsers, 0x80040A14U)                                        \
+    /* never raised: a failed password change is a question to the user */          \
+    X(kqaserrPasswordChangeFailed, 0x80040A15U)                                     \
+    /* ServerLogin before a system login */                                         \
+    X(kqaserrLoginNoSystem, 0x80040A63U)
 
 enum KQAppSessErrorEnum : std::int32_t {
 #define KQ_X(name, code) name = static_cast<std::int32_t>(code),

@@ -124,6 +124,20 @@ TEST_F(SystemLoginTest, TakesTheClientVersionFromTheApplicationObject) {
     EXPECT_EQ(zeb.Latest(FakeZeb::kValidate).Field("ClientVersion"), "4.1.7");
 }
 
+TEST_F(SystemLoginTest, RaisesAnErrorOfTheApplicationObjectUnchanged) {
+    struct Raising : AppObject {
+        std::optional<std::string> Property(std::string_view) const override {
+            throw Error(77, "the program", "No version today");
+        }
+    };
+    login.AppObj = std::make_shared<Raising>();
+    login.ClientVersion = "";
+    const Error error = SystemLoginError();
+    EXPECT_EQ(error.Number(), 77);
+    EXPECT_EQ(error.Source(), "the program");
+    EXPECT_EQ(client->LoginState(), kqaslsNotLoggedIn);
+}
+
 TEST_F(SystemLoginTest, ElseTakesTheClientVersionFromTheProgramsFile) {
     machine.version_resource->blocks[machine.process->executable_path] = {
         {0x09, 0x04, 0xB0, 0x04}, {{R"(\StringFileInfo\040904B0\FileVersion)", "5.02.3"}}};
