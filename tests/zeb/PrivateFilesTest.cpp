@@ -172,51 +172,5 @@ TEST_F(DataFolder, IsLockedOnceAndAgainAfterwards) {
     EXPECT_NO_THROW(const FolderLock again(data));
 }
 
-class KeyFile : public testing::Test {
- protected:
-    std::string Write(const std::string& text, mode_t mode = 0600) {
-        std::ofstream(path) << text;
-        chmod(path.c_str(), mode);
-        return path;
-    }
-    void ExpectRefused(int number, const std::string& why) {
-        ExpectError([this] { ReadSecretFile(path); }, number, "zebd", "The file " + path + " " + why);
-    }
-
-    const TemporaryFolder folder;
-    const std::string path = folder.Path("key");
-};
-
-TEST_F(KeyFile, GivesItsFirstLine) {
-    EXPECT_EQ(ReadSecretFile(Write("the key\nmore\n")).Reveal(), "the key");
-    EXPECT_EQ(ReadSecretFile(Write("the key\r\n")).Reveal(), "the key");
-    EXPECT_EQ(ReadSecretFile(Write("the key")).Reveal(), "the key");
-}
-
-TEST_F(KeyFile, MayBeALink) {
-    std::filesystem::create_symlink(Write("the key"), folder.Path("link"));
-    EXPECT_EQ(ReadSecretFile(folder.Path("link")).Reveal(), "the key");
-}
-
-TEST_F(KeyFile, MustHaveAKey) {
-    Write("\nthe key\n");
-    ExpectRefused(EINVAL, "has no key in its first line");
-}
-
-TEST_F(KeyFile, HasAtMostFourKilobytes) {
-    EXPECT_EQ(ReadSecretFile(Write(std::string(4096, 'x'))).Reveal().size(), 4096U);
-    Write(std::string(4097, 'x'));
-    ExpectRefused(EFBIG, "is too long for a key (4 KiB)");
-}
-
-TEST_F(KeyFile, MustBeThere) {
-    ExpectRefused(ENOENT, "cannot be opened: No such file or directory");
-}
-
-TEST_F(KeyFile, ThatOthersMayReadIsRefused) {
-    Write("the key", 0644);
-    ExpectRefused(EACCES, "is open to others; only its owner may have access (chmod 600)");
-}
-
 }  // namespace
 }  // namespace kq::zeb
