@@ -23,7 +23,7 @@
 
 namespace kq {
 
-// What a block holds. Any stands only in settings, never on the wire.
+// What a block holds. A peer may give its blocks any type from 0 to 255; this library sends Raw and XML.
 enum class DataType : std::int32_t {
     Raw = 0,    // bytes without meaning to this library
     Any = 64,   // in APClient::ReceiveType: blocks of every type
@@ -39,7 +39,7 @@ enum class ReceiveMode : std::int32_t {
 struct Block {
     DataType data_type = DataType::Raw;
     std::string tag;   // up to 1,024 bytes; returned by a server with its answer
-    std::string data;  // bytes, or UTF-8 text for DataType::XML
+    std::string data;  // UTF-8 text for DataType::XML, else bytes
 };
 
 // What a connection bears. A limit that is passed closes that connection, with an Error event that says
@@ -47,7 +47,7 @@ struct Block {
 struct APLimits {
     std::size_t frame = 64U << 10;           // bytes of a block's data before the peer is admitted
     std::size_t admitted_frame = 16U << 20;  // and afterwards
-    std::size_t raw_frame = 256U << 20;      // of a Raw block on a connection that Connect made
+    std::size_t raw_frame = 256U << 20;      // of a block that is not XML, on a connection that Connect made
     std::size_t unsent = 8U << 20;           // bytes that wait to be written
     Milliseconds first_frame{10'000};  // an accepted peer's time to its first complete block; 0: no limit
 };
@@ -112,7 +112,7 @@ class APClient : public std::enable_shared_from_this<APClient> {
     void SetReceiveMode(kq::ReceiveMode mode);
     DataType SendType() const;  // Raw or XML
     void SetSendType(DataType type);
-    // Which blocks raise the Receive event; the others are dropped without a word.
+    // Which blocks raise the Receive event; the others are silently dropped.
     DataType ReceiveType() const;
     void SetReceiveType(DataType type);
     const APLimits& Limits() const;

@@ -140,10 +140,6 @@ TEST_F(Ending, ComesWithAnotherVersion) {
     EXPECT_EQ(HeardAfter("KQ\x02"), "error:10053 gone");
 }
 
-TEST_F(Ending, ComesWithAnotherDataType) {
-    EXPECT_EQ(HeardAfter("KQ\x01\x40"), "error:10053 gone");
-}
-
 TEST_F(Ending, ComesWithALongTagAndSaysHowLong) {
     EXPECT_EQ(HeardAfter(RawFrame("", std::string(1025, 't'))), "error:10040 gone");
     EXPECT_NE(sentence_.find("1025 bytes"), std::string::npos);

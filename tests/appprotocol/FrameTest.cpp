@@ -130,10 +130,11 @@ TEST(FrameReader, RefusesAnotherVersionNamingIt) {
     EXPECT_EQ(FailureOf(std::string("KQ\x00", 3)), 10053);
 }
 
-TEST(FrameReader, RefusesEveryDataTypeButRawAndXML) {
+TEST(FrameReader, ReadsEveryDataType) {
     for (int type = 0; type < 256; ++type) {
-        const std::string bytes = std::string("KQ\x01") + static_cast<char>(type);
-        EXPECT_EQ(FailureOf(bytes), type == 0 || type == 128 ? 0 : 10053) << type;
+        const auto result = ReadAll(FrameOf(type, "t", "d"));
+        ASSERT_EQ(result.blocks.size(), 1U) << type;
+        EXPECT_EQ(static_cast<int>(result.blocks[0].data_type), type);
     }
 }
 
@@ -147,8 +148,10 @@ TEST(FrameReader, TakesXMLOfTheLimitAndRefusesOneByteMoreBeforeItComes) {
     EXPECT_EQ(FailureOf(Header(128, 0, 101)), 10040);
 }
 
-TEST(FrameReader, HasALimitOfItsOwnForRawBlocks) {
+TEST(FrameReader, HasALimitOfItsOwnForRawBlocksAndOtherTypes) {
     EXPECT_EQ(ReadAll(RawFrame(std::string(200, 'x'))).blocks.size(), 1U);
+    EXPECT_EQ(ReadAll(FrameOf(1, "", std::string(200, 'x'))).blocks.size(), 1U);
+    EXPECT_EQ(FailureOf(Header(1, 0, 201)), 10040);
     EXPECT_EQ(FailureOf(Header(0, 0, 201)), 10040);
     EXPECT_EQ(FailureOf(Header(0, 0, 0xFFFFFFFFU)), 10040);
 }

@@ -28,6 +28,29 @@ TEST_F(Receiving, DropsBlocksOfAnotherTypeThanWanted) {
     EXPECT_EQ(heard_, "xml:=x raw:=r");
 }
 
+TEST_F(Receiving, HandsOnBlocksOfTypesItDoesNotKnow) {
+    Connect();
+    std::vector<int> types;
+    client_->Receive.Connect(owner_,
+                             [&](const Block& block) { types.push_back(static_cast<int>(block.data_type)); });
+    const std::string blocks = FrameOf(1, "", "a") + FrameOf(64, "", "b") + FrameOf(255, "", "c");
+    PeerSends(blocks);
+    EXPECT_EQ(types, (std::vector{1, 64, 255}));
+    client_->SetReceiveType(DataType::Raw);
+    PeerSends(blocks);
+    client_->SetReceiveType(DataType::XML);
+    PeerSends(blocks);
+    EXPECT_EQ(types.size(), 3U);
+}
+
+TEST_F(Receiving, TakerGetsABlockOfATypeThatIsNotKnown) {
+    ConnectTaking();
+    PeerSends(FrameOf(17, "t", "data"));
+    const Block block = client_->TakeBlock(100);
+    EXPECT_EQ(static_cast<int>(block.data_type), 17);
+    EXPECT_EQ(block.tag + block.data, "tdata");
+}
+
 TEST_F(Receiving, ReportsTheProgressOfABlockThatTakesItsTime) {
     NoteProgress();
     Connect();

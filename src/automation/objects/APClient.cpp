@@ -135,7 +135,7 @@ class APClientObject final
 }  // namespace
 
 Variant DataOf(const Block& block) {
-    return block.data_type == DataType::Raw ? VariantOfBytes(block.data) : VariantOf(block.data);
+    return block.data_type == DataType::XML ? VariantOf(block.data) : VariantOfBytes(block.data);
 }
 
 DataType DataTypeOf(::APDataType type) {

@@ -77,11 +77,6 @@ void FrameReader::JudgeHeaderByte(unsigned char byte) {
             }
             break;
         case 4:
-            if (byte != static_cast<unsigned char>(DataType::Raw) &&
-                byte != static_cast<unsigned char>(DataType::XML)) {
-                Fail(NetError::ConnectionAborted,
-                     "A block of the unknown data type " + std::to_string(byte) + " arrived");
-            }
             block_.data_type = static_cast<DataType>(byte);
             break;
         case 6:

@@ -2,8 +2,9 @@
 //
 //   'K' 'Q'   version 1   data type   tag length (2 bytes)   data length (4 bytes)   tag   data
 //
-// Numbers are big endian. The reader believes nothing: every byte of the header is judged when it arrives,
-// and memory is taken for what has arrived, not for what the header promises.
+// Numbers are big endian. A frame may carry any data type. The reader believes nothing else: every byte of
+// the header is judged when it arrives, and memory is taken for what has arrived, not for what the header
+// promises.
 #pragma once
 
 #include <array>
@@ -31,7 +32,7 @@ FrameHeader EncodeHeader(DataType type, std::size_t tag_size, std::size_t data_s
 // The largest data that a peer may send, in bytes.
 struct FrameLimits {
     std::size_t xml = 0;
-    std::size_t raw = 0;
+    std::size_t raw = 0;  // and of every other type
 };
 
 struct FrameError {
