@@ -103,8 +103,11 @@ class APClient : public std::enable_shared_from_this<APClient> {
     // when there is no connection, the reason (10054, 10053) when it ends meanwhile, 10004 when the loop
     // quits.
     Block TakeBlock(std::int32_t time_out);
-    // Sends the message and takes the next block as its reply. Raises XMLMessage::kNotAMessage when that is
-    // none.
+    // Sends the message and takes its reply: the next block that carries `tag`, or with an empty tag simply
+    // the next block. Blocks with another tag are not the reply; they raise Receive, or with ReceiveMode Take
+    // are kept for TakeBlock (of which there are 256 at most, and a reply behind them is not seen). A reply
+    // that comes after the time-out is a block like any other. Raises XMLMessage::kNotAMessage if the reply
+    // is not a message, and the errors of Send and TakeBlock.
     XMLMessage Request(const XMLMessage& message, std::string_view tag = {}, std::int32_t time_out = 0);
 
     // Settings, kept over reconnections. Leaving Take for Events delivers the blocks that wait, as events.

@@ -257,16 +257,78 @@ TEST_F(Requesting, SendsAFrameAndTakesTheAnswer) {
 
 TEST_F(Requesting, RaisesThatTheAnswerIsNoMessage) {
     ConnectTaking();
-    peer_->Send(XMLFrame("<other/>"));
-    EXPECT_EQ(NumberRaisedBy([&] { Ask(); }), XMLMessage::kNotAMessage);
-    peer_->Send(RawFrame(XMLMessage("ASLoginResponse", "1").ToXML()));
-    EXPECT_EQ(NumberRaisedBy([&] { Ask(); }), XMLMessage::kNotAMessage);
+    const std::string message = XMLMessage("ASLoginResponse", "1").ToXML();
+    for (const auto& answer : {XMLFrame("<other/>", "t"), RawFrame(message, "t"), FrameOf(1, "t", message)}) {
+        After(10, [&] { peer_->Send(answer); });
+        EXPECT_EQ(NumberRaisedBy([&] { Ask(); }), XMLMessage::kNotAMessage);
+    }
+}
+
+TEST_F(Requesting, WithoutATagTakesTheNextBlock) {
+    ConnectTaking();
+    const XMLMessage answer("ASLoginResponse", "1");
+    After(10, [&] { peer_->Send(XMLFrame(answer.ToXML(), "any")); });
+    EXPECT_EQ(client_->Request(XMLMessage("ASLoginRequest", "1"), "", 1000), answer);
+}
+
+TEST_F(Requesting, TakesTheBlockWithItsTagAndKeepsTheOthersForTheTaker) {
+    ConnectTaking();
+    const XMLMessage answer("ASLoginResponse", "1");
+    PeerSends(XMLFrame("before", "t"));
+    After(10, [&] { peer_->Send(XMLFrame("a", "u") + XMLFrame("b") + XMLFrame(answer.ToXML(), "t")); });
+    EXPECT_EQ(Ask(), answer);
+    EXPECT_EQ(client_->TakeBlock(100).data, "before");
+    EXPECT_EQ(client_->TakeBlock(100).data, "a");
+    EXPECT_EQ(client_->TakeBlock(100).data, "b");
+    EXPECT_EQ(TakeError(100), 10060);
+}
+
+TEST_F(Requesting, LeavesTheBlocksWithAnotherTagToTheEvents) {
+    Connect();
+    After(10, [&] { peer_->Send(XMLFrame("push", "u")); });
+    After(20, [&] {
+        EXPECT_EQ(heard_, "xml:u=push");
+        peer_->Send(XMLFrame(XMLMessage("ASLoginResponse", "1").ToXML(), "t"));
+    });
+    EXPECT_EQ(TimeOf([&] { Ask(); }), 20);
+    Run();
+    EXPECT_EQ(heard_, "xml:u=push");
+}
+
+TEST_F(Requesting, IsAnsweredByItsTagWhateverTheOrder) {
+    Connect();
+    const auto answer = [](const char* type) { return XMLMessage(type, "1"); };
+    std::string inner;
+    After(10, [&] { inner = client_->Request(answer("B"), "b", 1000).Type(); });
+    After(20, [&] {
+        peer_->Send(XMLFrame(answer("ForT").ToXML(), "t") + XMLFrame(answer("ForB").ToXML(), "b"));
+    });
+    EXPECT_EQ(Ask().Type(), "ForT");
+    EXPECT_EQ(inner, "ForB");
+    EXPECT_EQ(heard_, "");
+}
+
+TEST_F(Requesting, IsNotAnsweredToATakerThatWaitsInsideIt) {
+    ConnectTaking();
+    std::string taken;
+    After(10, [&] { taken = client_->TakeBlock(1000).data; });
+    After(20, [&] { peer_->Send(XMLFrame(XMLMessage("ForT", "1").ToXML(), "t") + XMLFrame("next")); });
+    EXPECT_EQ(Ask().Type(), "ForT");
+    EXPECT_EQ(taken, "next");
+}
+
+TEST_F(Requesting, LeavesAnAnswerThatComesTooLateToTheTaker) {
+    ConnectTaking();
+    After(200, [&] { peer_->Send(XMLFrame("late", "t")); });
+    EXPECT_EQ(NumberRaisedBy([&] { Ask(100); }), 10060);
+    EXPECT_EQ(client_->TakeBlock(1000).data, "late");
 }
 
 TEST_F(Requesting, TimesOutWithoutAnAnswer) {
     ConnectTaking();
     EXPECT_EQ(TimeOf([&] { EXPECT_EQ(NumberRaisedBy([&] { Ask(700); }), 10060); }), 700);
     EXPECT_EQ(TimeOf([&] { EXPECT_EQ(NumberRaisedBy([&] { Ask(0); }), 10060); }), 10'000);
+    EXPECT_EQ(TimeOf([&] { EXPECT_EQ(NumberRaisedBy([&] { Ask(-1); }), 10060); }), 10'000);
 }
 
 TEST_F(Requesting, RaisesThatThereIsNoConnection) {
@@ -274,6 +336,14 @@ TEST_F(Requesting, RaisesThatThereIsNoConnection) {
     ConnectTaking();
     After(10, [&] { peer_.reset(); });
     EXPECT_EQ(NumberRaisedBy([&] { Ask(); }), 10054);
+}
+
+TEST_F(Requesting, LearnsOfAResetInsteadOfTheErrorEvent) {
+    Connect();
+    After(10, [&] { machine_.network->CutAll(); });
+    EXPECT_EQ(NumberRaisedBy([&] { Ask(); }), 10054);
+    Run();
+    EXPECT_EQ(heard_, "gone");
 }
 
 }  // namespace

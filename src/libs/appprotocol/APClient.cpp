@@ -55,7 +55,7 @@ Block APClient::TakeBlock(std::int32_t time_out) {
 XMLMessage APClient::Request(const XMLMessage& message, std::string_view tag, std::int32_t time_out) {
     const auto self = shared_from_this();
     Send(message, tag);
-    const Block reply = impl_->TakeBlock(time_out);
+    const Block reply = tag.empty() ? impl_->TakeBlock(time_out) : impl_->TakeAnswer(tag, time_out);
     if (reply.data_type != DataType::XML) {
         throw kq::Error(XMLMessage::kNotAMessage, std::string(kAppProtocolSource),
                         "The reply is no message but a block of bytes");

@@ -45,6 +45,21 @@ class APClient::Impl::Waiting {
     Impl& impl_;
 };
 
+// A call that waits for the block with its tag.
+class APClient::Impl::WaitingForAnswer {
+ public:
+    WaitingForAnswer(Impl& impl, AnswerWait& wait) : impl_(impl), wait_(wait) {
+        impl_.answer_waits_.push_back(&wait_);
+    }
+    ~WaitingForAnswer() { std::erase(impl_.answer_waits_, &wait_); }
+    WaitingForAnswer(const WaitingForAnswer&) = delete;
+    WaitingForAnswer& operator=(const WaitingForAnswer&) = delete;
+
+ private:
+    Impl& impl_;
+    AnswerWait& wait_;
+};
+
 APClient::Impl::Impl(APClient& face, PlatformPtr platform)
     : face_(face), platform_(std::move(platform)), loop_(*platform_->loop), identifier_(NextIdentifier()) {}
 
@@ -98,16 +113,28 @@ void APClient::Impl::Send(DataType type, std::string_view data, std::string_view
     Raise(ending);
 }
 
-Block APClient::Impl::TakeBlock(std::int32_t time_out) {
+void APClient::Impl::Await(const std::function<bool()>& done, std::int32_t time_out) {
     const auto deadline = loop_.Now() + Milliseconds(time_out > 0 ? time_out : kDefaultTimeOut);
-    const Waiting waiting(*this);
     const bool stood = Connected();
     const auto mine = serial_;
     const auto stands = [&] { return Connected() && serial_ == mine; };
-    loop_.RunUntil([&] { return BlockWaits() || !stands(); }, deadline);
-    if (BlockWaits() && serial_ == mine) return PopBlock();
+    loop_.RunUntil([&] { return done() || !stands(); }, deadline);
+    if (done() && serial_ == mine) return;
     if (!stands()) RaiseNotConnected(stood);
     kq::Raise(loop_.Quitting() ? NetError::Interrupted : NetError::TimedOut, kAppProtocolSource);
+}
+
+Block APClient::Impl::TakeBlock(std::int32_t time_out) {
+    const Waiting waiting(*this);
+    Await([this] { return BlockWaits(); }, time_out);
+    return PopBlock();
+}
+
+Block APClient::Impl::TakeAnswer(std::string_view tag, std::int32_t time_out) {
+    AnswerWait wait{std::string(tag), serial_, std::nullopt};
+    const WaitingForAnswer waiting(*this, wait);
+    Await([&wait] { return wait.answer.has_value(); }, time_out);
+    return std::move(*wait.answer);
 }
 
 // A call that waited learns why the connection ended, and so does the first one after an end that no call has
@@ -122,6 +149,11 @@ void APClient::Impl::RaiseNotConnected(bool waited) {
 }
 
 void APClient::Impl::OnBlock(Block block) {
+    for (auto* const wait : answer_waits_) {
+        if (wait->answer || wait->serial != serial_ || wait->tag != block.tag) continue;
+        wait->answer = std::move(block);
+        return;
+    }
     ++blocks_;
     bytes_ += block.tag.size() + block.data.size();
     inbox_.Push(std::move(block));
@@ -144,13 +176,18 @@ void APClient::Impl::OnRead() {
     if (const auto progress = connection_->TakeProgress()) RaiseProgress(*progress);
 }
 
+bool APClient::Impl::CallWaitsInVain() const {
+    const auto unanswered = [](const AnswerWait* wait) { return !wait->answer; };
+    return waiting_ > blocks_ || connects_waiting_ > 0 || std::ranges::any_of(answer_waits_, unanswered);
+}
+
 void APClient::Impl::OnOver(Ending ending) {
     const auto self = face_.shared_from_this();
     const auto completion = connection_->TakeCompletion();
     // The other side may have stopped sending only; it still gets what waits for it.
     if (!ending.failure) connection_->Leave();
     connection_.reset();
-    NoteEnd(std::move(ending), waiting_ > blocks_ || connects_waiting_ > 0);
+    NoteEnd(std::move(ending), CallWaitsInVain());
     if (completion) RaiseProgress(*completion);
     Deliver();
 }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -44,6 +45,8 @@ class APClient::Impl final : public Connection::Sink {
 
     void Send(DataType type, std::string_view data, std::string_view tag);
     Block TakeBlock(std::int32_t time_out);
+    // Waits for the block with the tag, which must not be empty.
+    Block TakeAnswer(std::string_view tag, std::int32_t time_out);
 
     kq::ReceiveMode Mode() const { return mode_; }
     void SetMode(kq::ReceiveMode mode);
@@ -57,6 +60,12 @@ class APClient::Impl final : public Connection::Sink {
     void SetKeepAlive(bool on);
 
  private:
+    // A call that waits for the block with its tag, which never comes into the inbox.
+    struct AnswerWait {
+        std::string tag;
+        std::uint64_t serial;
+        std::optional<Block> answer;
+    };
     struct End {
         Ending ending;
         bool told;  // a call has learned of it, or asked for it
@@ -75,6 +84,7 @@ class APClient::Impl final : public Connection::Sink {
         Owner owner;
     };
     class Waiting;
+    class WaitingForAnswer;
 
     void OnConnected() override;
     void OnConnectFailed(std::int32_t number) override;
@@ -100,6 +110,9 @@ class APClient::Impl final : public Connection::Sink {
     bool HoldsBlocks() const { return mode_ == kq::ReceiveMode::Take || waiting_ > 0; }
     bool Wanted(DataType type) const { return receive_type_ == DataType::Any || receive_type_ == type; }
     void UpdateReading();
+    // Runs the loop until `done` holds or the connection has ended; raises why it did not.
+    void Await(const std::function<bool()>& done, std::int32_t time_out);
+    bool CallWaitsInVain() const;
     [[noreturn]] void RaiseNotConnected(bool waited);
     FrameLimits CurrentFrameLimits() const;
 
@@ -127,6 +140,7 @@ class APClient::Impl final : public Connection::Sink {
     std::size_t blocks_ = 0;  // in the inbox
     std::size_t bytes_ = 0;
     std::size_t waiting_ = 0;  // calls of TakeBlock
+    std::vector<AnswerWait*> answer_waits_;
     Ending last_ending_;
     bool unlearned_ = false;  // no call has learned of the last ending
     bool deliver_posted_ = false;
