@@ -49,13 +49,21 @@ struct APLimits {
     std::size_t admitted_frame = 16U << 20;  // and afterwards
     std::size_t raw_frame = 256U << 20;      // of a block that is not XML, on a connection that Connect made
     std::size_t unsent = 8U << 20;           // bytes that wait to be written
+    // Bytes that may wait for an accepted peer that is not admitted when one more block is sent to it.
+    std::size_t stranger_unsent = 256U << 10;
+    // When so many bytes wait to be written to an accepted peer, nothing more is read from it, and no block
+    // of it is delivered, until they are written.
+    std::size_t reading_stops = 64U << 10;
     Milliseconds first_frame{10'000};  // an accepted peer's time to its first complete block; 0: no limit
+    // An accepted peer's time until Admit, which SetDeadline changes; 0: no limit.
+    Milliseconds proof{0};
 };
 
 class APClient : public std::enable_shared_from_this<APClient> {
  public:
     static constexpr std::int32_t kDefaultTimeOut = 10'000;  // ms
 
+    // Raises RuntimeError::ObjectNotSet when `platform` is null.
     static std::shared_ptr<APClient> Create(PlatformPtr platform);
     APClient(const APClient&) = delete;
     APClient& operator=(const APClient&) = delete;
@@ -120,9 +128,14 @@ class APClient : public std::enable_shared_from_this<APClient> {
     void SetReceiveType(DataType type);
     const APLimits& Limits() const;
     void SetLimits(const APLimits& limits);
-    // The peer has proven itself: the larger frame limit counts from now on. A made connection starts
-    // admitted.
+    // The peer is trusted from now on: the larger limits apply, its time limits end, and it no longer counts
+    // among the unadmitted connections of its Listener. A connection that Connect made starts admitted.
     void Admit();
+    // Limits the time of a peer that is not admitted: unless Admit or this is called within `time`, the
+    // connection ends with an Error event (10060). 0 or less: no limit. Does nothing when the peer is
+    // admitted or there is no connection. APLimits::proof is the limit that an accepted connection starts
+    // with.
+    void SetDeadline(Milliseconds time);
     void SetKeepAlive(bool on);  // default off; probes after 60 s of silence, then each 15 s: 4 (Windows: 10)
 
     // Names this object in its process, over reconnections too; never used twice, without "|".

@@ -17,6 +17,7 @@ class Listener : public std::enable_shared_from_this<Listener> {
  public:
     using ClientPtr = std::shared_ptr<APClient>;
 
+    // Raises RuntimeError::ObjectNotSet when `platform` is null.
     static std::shared_ptr<Listener> Create(PlatformPtr platform);
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
@@ -26,8 +27,9 @@ class Listener : public std::enable_shared_from_this<Listener> {
     Signal<const ClientPtr&, const Block&> Receive;
     // The client has left the collection already.
     Signal<const ClientPtr&> Disconnected;
-    // A failure of one connection (a limit, a reset); Disconnected follows. Also, with a client that is not
-    // connected and without Disconnected, when there are MaxClients already (10024).
+    // A failure of one connection (a limit, a reset); Disconnected follows. Also raised when MaxClients or
+    // MaxUnadmittedPerAddress is reached (10024); that client was never connected, so no Disconnected
+    // follows.
     Signal<const ClientPtr&, std::int32_t, const std::string&> ClientError;
     // A failure of the listener itself; it goes on listening where it can.
     Signal<std::int32_t, const std::string&> Error;
@@ -59,8 +61,23 @@ class Listener : public std::enable_shared_from_this<Listener> {
     void SetKeepAlive(bool on);
     const APLimits& Limits() const;
     void SetLimits(const APLimits& limits);
-    std::int32_t MaxClients() const;  // further ones are closed at once with a ClientError; default 20,000
+    // Further ones are closed immediately with a ClientError; default 20,000.
+    //
+    // When there are so many, or the machine has no more sockets, and one address has 16 or more connections
+    // that are not admitted, the oldest of those is closed instead (10024), so that one peer cannot keep all
+    // others out.
+    std::int32_t MaxClients() const;
     void SetMaxClients(std::int32_t count);
+    // The most connections of one remote address that are not admitted; further ones are closed immediately
+    // with a ClientError. 0 or less, the default: half of MaxClients, but not less than 64. Of an IPv6
+    // address the first 64 bits count.
+    std::int32_t MaxUnadmittedPerAddress() const;
+    void SetMaxUnadmittedPerAddress(std::int32_t count);
+    // The most bytes that all connections that are not admitted hold together: blocks that are arriving or
+    // wait to be delivered, and what waits to be written. Beyond it the one that holds the most is closed,
+    // with a ClientError (10055). Default 64 MiB.
+    std::size_t MaxUnadmittedBytes() const;
+    void SetMaxUnadmittedBytes(std::size_t bytes);
 
  private:
     class Impl;

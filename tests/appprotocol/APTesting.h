@@ -175,10 +175,16 @@ class ListenerScene : public testing::Test {
         listener_->SetLimits(limits);
         Listen();
     }
-    std::unique_ptr<RawPeer> Call() {
-        auto caller = std::make_unique<RawPeer>(machine_.network->Connect("127.0.0.1", kPort, ""));
+    std::unique_ptr<RawPeer> Call(const std::string& from = {}) {
+        auto caller = std::make_unique<RawPeer>(machine_.network->Connect("127.0.0.1", kPort, from));
         Run();
         return caller;
+    }
+    std::vector<std::unique_ptr<RawPeer>> Call(int count, const std::string& from) {
+        std::vector<std::unique_ptr<RawPeer>> callers;
+        for (int i = 0; i < count; ++i)
+            callers.push_back(Call(from));
+        return callers;
     }
     void Sends(RawPeer& caller, const std::string& bytes) {
         caller.Send(bytes);

@@ -346,5 +346,10 @@ TEST_F(Requesting, LearnsOfAResetInsteadOfTheErrorEvent) {
     EXPECT_EQ(heard_, "gone");
 }
 
+TEST(APClientWithoutAPlatform, IsRefused) {
+    EXPECT_EQ(NumberRaisedBy([] { APClient::Create(nullptr); }), NumberOf(RuntimeError::ObjectNotSet));
+    EXPECT_EQ(NumberRaisedBy([] { Listener::Create(nullptr); }), NumberOf(RuntimeError::ObjectNotSet));
+}
+
 }  // namespace
 }  // namespace kq

@@ -9,6 +9,7 @@
 namespace kq {
 
 std::shared_ptr<APClient> APClient::Create(PlatformPtr platform) {
+    if (!platform) Raise(RuntimeError::ObjectNotSet, "A connection cannot be created without a platform");
     return std::shared_ptr<APClient>(new APClient(std::move(platform)));
 }
 
@@ -99,6 +100,10 @@ void APClient::SetLimits(const APLimits& limits) {
 
 void APClient::Admit() {
     impl_->Admit();
+}
+
+void APClient::SetDeadline(Milliseconds time) {
+    impl_->SetDeadline(time);
 }
 
 void APClient::SetKeepAlive(bool on) {

@@ -68,13 +68,19 @@ APClient::Impl::~Impl() {
     if (Connected()) connection_->Leave();
 }
 
-void APClient::Impl::Adopt(std::unique_ptr<StreamSocket> socket) {
+void APClient::Impl::Adopt(std::unique_ptr<StreamSocket> socket, std::shared_ptr<Strangers> strangers) {
     made_ = false;
     ++serial_;
+    if (!admitted_) {
+        place_ = std::make_unique<Strangers::Place>(
+            std::move(strangers), socket->RemoteAddress(),
+            [this](std::int32_t number, const std::string& sentence) { Cut(number, sentence); });
+    }
     connection_ = std::make_unique<Connection>(loop_, std::move(socket), Connection::State::Open,
                                                CurrentFrameLimits(), *this);
     if (keep_alive_) connection_->Socket().SetKeepAlive(true);
     if (limits_.first_frame.count() > 0) connection_->LimitFirstFrame(limits_.first_frame);
+    SetDeadline(limits_.proof);
 }
 
 void APClient::Impl::Disconnect() {
@@ -102,11 +108,18 @@ void APClient::Impl::Send(DataType type, std::string_view data, std::string_view
     if (data.size() > kMaxSentData) {
         kq::Raise(NetError::MessageTooLong, kAppProtocolSource, "A block may have at most 2 GiB");
     }
-    if (connection_->Send(type, tag, data, limits_.unsent)) return;
-    const Ending ending{static_cast<std::int32_t>(NetError::NoBufferSpace),
-                        "The other side does not read: more than " + std::to_string(limits_.unsent) +
-                            " bytes would wait to be written",
-                        true};
+    // A stranger may be sent one large answer, but not one more while much of the last one waits.
+    const bool deaf_stranger = place_ && connection_->Unsent() > limits_.stranger_unsent;
+    const std::size_t most = deaf_stranger ? limits_.stranger_unsent : limits_.unsent;
+    if (connection_->Send(type, tag, data, most)) {
+        UpdateReading();
+        UpdateHeld();
+        return;
+    }
+    const Ending ending{
+        static_cast<std::int32_t>(NetError::NoBufferSpace),
+        "The other side does not read: more than " + std::to_string(most) + " bytes would wait to be written",
+        true};
     connection_.reset();
     NoteEnd(ending, true);
     PostDeliver();
@@ -172,8 +185,17 @@ void APClient::Impl::OnRead() {
     const auto self = face_.shared_from_this();
     if (const auto completion = connection_->TakeCompletion()) RaiseProgress(*completion);
     Deliver();
+    UpdateHeld();
     if (!Connected() || !face_.Progress.HasHandlers()) return;
     if (const auto progress = connection_->TakeProgress()) RaiseProgress(*progress);
+}
+
+void APClient::Impl::OnWritten() {
+    const auto self = face_.shared_from_this();
+    UpdateHeld();
+    if (!std::exchange(clogged_, false)) return;
+    UpdateReading();
+    Deliver();
 }
 
 bool APClient::Impl::CallWaitsInVain() const {
@@ -195,7 +217,19 @@ void APClient::Impl::OnOver(Ending ending) {
 void APClient::Impl::NoteEnd(Ending ending, bool told) {
     last_ending_ = ending;
     unlearned_ = !told;
+    place_.reset();
+    clogged_ = false;
     inbox_.Push(End{std::move(ending), told});
+}
+
+void APClient::Impl::Cut(std::int32_t number, const std::string& sentence) {
+    connection_.reset();
+    NoteEnd({number, sentence, true}, CallWaitsInVain());
+    PostDeliver();
+}
+
+void APClient::Impl::UpdateHeld() {
+    if (place_) place_->Holds(bytes_ + (connection_ ? connection_->Held() : 0));
 }
 
 void APClient::Impl::DropBlocks() {
@@ -218,6 +252,10 @@ void APClient::Impl::Deliver() {
             face_.Disconnected();
         } else {
             if (HoldsBlocks()) return;
+            if (Clogged()) {
+                clogged_ = true;
+                return;
+            }
             const Block block = PopBlock();
             if (Wanted(block.data_type)) face_.Receive(block);
         }
@@ -239,12 +277,15 @@ void APClient::Impl::RaiseProgress(const BlockProgress& progress) {
                    static_cast<std::int64_t>(progress.total));
 }
 
-// Blocks that only a call will take must not pile up: the rest waits with the peer.
+// Neither blocks that only a call will take nor answers that the peer does not read may pile up: the rest of
+// its blocks waits with the peer.
 void APClient::Impl::UpdateReading() {
     if (!Connected()) return;
     const bool full =
         blocks_ >= kMostBlocks || bytes_ > std::uint64_t{kMostFullFrames} * CurrentFrameLimits().xml;
-    connection_->SetReading(!(HoldsBlocks() && full));
+    const bool clogged = Clogged();
+    clogged_ = clogged_ || clogged;
+    connection_->SetReading(!clogged && !(HoldsBlocks() && full));
 }
 
 void APClient::Impl::SetMode(kq::ReceiveMode mode) {
@@ -282,7 +323,13 @@ void APClient::Impl::SetLimits(const APLimits& limits) {
 
 void APClient::Impl::Admit() {
     admitted_ = true;
+    place_.reset();
+    if (connection_) connection_->CancelTimes();
     SetLimits(limits_);
+}
+
+void APClient::Impl::SetDeadline(Milliseconds time) {
+    if (place_ && connection_) connection_->SetDeadline(time);
 }
 
 void APClient::Impl::SetKeepAlive(bool on) {

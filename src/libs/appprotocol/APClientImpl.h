@@ -21,6 +21,7 @@
 
 #include "libs/appprotocol/Connection.h"
 #include "libs/appprotocol/Fifo.h"
+#include "libs/appprotocol/Strangers.h"
 
 namespace kq {
 
@@ -36,7 +37,7 @@ class APClient::Impl final : public Connection::Sink {
     void BeginConnect(const std::string& address, std::int32_t port, const std::string& local_address,
                       std::int32_t time_out);
     // Takes over an accepted stream; nothing is raised before this returns.
-    void Adopt(std::unique_ptr<StreamSocket> socket);
+    void Adopt(std::unique_ptr<StreamSocket> socket, std::shared_ptr<Strangers> strangers);
     void Disconnect();
     bool Connected() const { return connection_ && connection_->GetState() == Connection::State::Open; }
     // Null when not connected.
@@ -57,6 +58,7 @@ class APClient::Impl final : public Connection::Sink {
     const APLimits& Limits() const { return limits_; }
     void SetLimits(const APLimits& limits);
     void Admit();
+    void SetDeadline(Milliseconds time);
     void SetKeepAlive(bool on);
 
  private:
@@ -90,6 +92,7 @@ class APClient::Impl final : public Connection::Sink {
     void OnConnectFailed(std::int32_t number) override;
     void OnBlock(Block block) override;
     void OnRead() override;
+    void OnWritten() override;
     void OnOver(Ending ending) override;
 
     void TryNextAddress();
@@ -109,7 +112,12 @@ class APClient::Impl final : public Connection::Sink {
     // Blocks wait for calls and not for events.
     bool HoldsBlocks() const { return mode_ == kq::ReceiveMode::Take || waiting_ > 0; }
     bool Wanted(DataType type) const { return receive_type_ == DataType::Any || receive_type_ == type; }
+    // So much waits to be written to the peer that it gets nothing done before it reads.
+    bool Clogged() const { return !made_ && Connected() && connection_->Unsent() >= limits_.reading_stops; }
     void UpdateReading();
+    // Reports what this stranger holds; others, or this one, may be cut.
+    void UpdateHeld();
+    void Cut(std::int32_t number, const std::string& sentence);
     // Runs the loop until `done` holds or the connection has ended; raises why it did not.
     void Await(const std::function<bool()>& done, std::int32_t time_out);
     bool CallWaitsInVain() const;
@@ -128,6 +136,8 @@ class APClient::Impl final : public Connection::Sink {
     bool keep_alive_ = false;
     bool made_ = true;  // by Connect; else accepted
     bool admitted_ = false;
+    std::unique_ptr<Strangers::Place> place_;  // of an accepted connection that is not admitted
+    bool clogged_ = false;                     // blocks or bytes wait for OnWritten
 
     // Of the connection or the attempt; another number says that it has been given up.
     std::uint64_t serial_ = 0;

@@ -34,7 +34,7 @@ Connection::Connection(EventLoop& loop, std::unique_ptr<StreamSocket> socket, St
 }
 
 Connection::~Connection() {
-    CancelFirstFrame();
+    CancelTimes();
 }
 
 void Connection::LimitFirstFrame(Milliseconds time) {
@@ -48,6 +48,20 @@ void Connection::LimitFirstFrame(Milliseconds time) {
 
 void Connection::CancelFirstFrame() {
     if (first_frame_ != 0) loop_.CancelTimer(std::exchange(first_frame_, 0));
+}
+
+void Connection::SetDeadline(Milliseconds time) {
+    if (deadline_ != 0) loop_.CancelTimer(std::exchange(deadline_, 0));
+    if (time.count() <= 0) return;
+    deadline_ = loop_.StartTimer(time, owner_.Bind([this] {
+        deadline_ = 0;
+        sink_.OnOver(Failure(NetError::TimedOut, "The other side has not proven itself in time"));
+    }));
+}
+
+void Connection::CancelTimes() {
+    CancelFirstFrame();
+    SetDeadline(Milliseconds(0));
 }
 
 void Connection::SetReading(bool on) {
@@ -74,7 +88,7 @@ void Connection::OnSocket(SocketEvent event) {
             break;
         case SocketEvent::Writable:
             blocked_ = false;
-            Flush();
+            FlushAndTell();
             break;
     }
 }
@@ -163,8 +177,13 @@ void Connection::PostFlush() {
     flush_posted_ = true;
     loop_.Post(owner_.Bind([this] {
         flush_posted_ = false;
-        Flush();
+        FlushAndTell();
     }));
+}
+
+void Connection::FlushAndTell() {
+    Flush();
+    if (queue_.Empty()) sink_.OnWritten();
 }
 
 void Connection::Flush() {
@@ -192,7 +211,7 @@ void Connection::OnWriteFailed() {
 
 void Connection::Leave() {
     owner_.Cancel();
-    CancelFirstFrame();
+    CancelTimes();
     Linger::Start(loop_, std::move(socket_), std::move(queue_), peer_ended_);
 }
 

@@ -1,8 +1,8 @@
 // One connection from its first byte to its end: bytes to blocks, blocks to bytes, and the limits in between.
 // The object above it (the Sink) keeps the blocks, and decides when the host hears of them.
 //
-// No host code runs while a Connection works. Its calls to OnConnected, OnRead and OnOver may lead to host
-// code that destroys it, so each is the last thing that it does.
+// No host code runs while a Connection works. Its calls to OnConnected, OnRead, OnWritten and OnOver may lead
+// to host code that destroys it, so each is the last thing that it does.
 #pragma once
 
 #include <cstdint>
@@ -43,6 +43,7 @@ class Connection {
         virtual void OnConnectFailed(std::int32_t number) = 0;
         virtual void OnBlock(Block block) = 0;  // keeps it; runs no other code
         virtual void OnRead() = 0;              // a turn of reading is over
+        virtual void OnWritten() = 0;           // nothing waits to be written any more
         virtual void OnOver(Ending ending) = 0;
 
      protected:
@@ -61,11 +62,19 @@ class Connection {
     void SetFrameLimits(FrameLimits limits) { reader_.SetLimits(limits); }
     // The connection is over unless a block is complete within `time` from now.
     void LimitFirstFrame(Milliseconds time);
+    // The connection is over at `time` from now; replaces what was set before. 0 or less: it is not.
+    void SetDeadline(Milliseconds time);
+    void CancelTimes();
     void SetReading(bool on);
 
     // Queues a frame, to be written when the loop runs; what has become large is written at once. False when
     // more than `most` bytes would wait: the frame is lost, and with it the sense of the connection.
     bool Send(DataType type, std::string_view tag, std::string_view data, std::size_t most);
+    std::size_t Unsent() const { return queue_.Size(); }
+    // Bytes of the block that is arriving, and those that wait to be written.
+    std::size_t Held() const {
+        return reader_.Arriving().tag.size() + reader_.Arriving().data.size() + Unsent();
+    }
     // Gives the socket up in peace: what waits is written in the background. The Connection is empty
     // afterwards.
     void Leave();
@@ -85,6 +94,7 @@ class Connection {
     void CancelFirstFrame();
 
     void Flush();
+    void FlushAndTell();
     void PostFlush();
     void NoteWriteState(WriteQueue::State state, std::int32_t error);
     void OnWriteFailed();
@@ -99,6 +109,7 @@ class Connection {
     std::optional<BlockProgress> completion_;
     std::size_t told_ = 0;  // bytes of the arriving block that TakeProgress has told
     EventLoop::TimerId first_frame_ = 0;
+    EventLoop::TimerId deadline_ = 0;
     bool reading_ = true;
     bool peer_ended_ = false;
     bool blocked_ = false;  // until Writable

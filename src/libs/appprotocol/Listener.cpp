@@ -19,6 +19,7 @@ constexpr int kAcceptsPerTurn = 64;
 constexpr std::int32_t kTooManyConnections = 10024;
 constexpr std::int32_t kLastPort = 65535;
 constexpr std::int32_t kDefaultMaxClients = 20'000;
+constexpr std::int32_t kLeastShare = 64;  // of the places, for one address
 
 }  // namespace
 
@@ -44,10 +45,18 @@ class Listener::Impl {
     bool keep_alive = false;
     APLimits limits;
     std::int32_t max_clients = kDefaultMaxClients;
+    std::int32_t max_unadmitted = 0;  // of one address; 0 or less: a share of the places
+    const std::shared_ptr<Strangers> strangers = std::make_shared<Strangers>();
+
+    std::int32_t MaxUnadmitted() const {
+        return max_unadmitted > 0 ? max_unadmitted : std::max(max_clients / 2, kLeastShare);
+    }
 
  private:
     void OnWaiting();
     void Welcome(std::unique_ptr<StreamSocket> stream);
+    // Why there is no place for a connection; empty when there is one.
+    std::string NoPlace(const StreamSocket& stream);
     void Forward(APClient& client);
     void OnDisconnected(const ClientPtr& client);
 
@@ -88,6 +97,7 @@ void Listener::Impl::OnWaiting() {
         std::int32_t error = 0;
         auto stream = socket->Accept(&error);
         if (error != 0) {
+            strangers->MakeRoom();
             face_.Error(error, NetErrorText(error));
             return;
         }
@@ -99,10 +109,9 @@ void Listener::Impl::OnWaiting() {
 
 void Listener::Impl::Welcome(std::unique_ptr<StreamSocket> stream) {
     const auto client = APClient::Create(platform_);
-    if (Count() >= max_clients) {
+    if (const std::string why_not = NoPlace(*stream); !why_not.empty()) {
         stream.reset();
-        face_.ClientError(client, kTooManyConnections,
-                          "The limit of " + std::to_string(max_clients) + " connections has been reached");
+        face_.ClientError(client, kTooManyConnections, why_not);
         return;
     }
     client->SetReceiveType(receive_type);
@@ -111,8 +120,20 @@ void Listener::Impl::Welcome(std::unique_ptr<StreamSocket> stream) {
     Forward(*client);
     const auto place = clients_.insert(clients_.end(), client);
     by_identifier_.emplace(client->Identifier(), place);
-    client->impl_->Adopt(std::move(stream));
+    client->impl_->Adopt(std::move(stream), strangers);
     face_.Accepted(client);
+}
+
+std::string Listener::Impl::NoPlace(const StreamSocket& stream) {
+    const auto limit_of = [](std::int32_t limit, const std::string& what) {
+        return "The limit of " + std::to_string(limit) + " connections " + what + "has been reached";
+    };
+    const std::string address = stream.RemoteAddress();
+    if (std::cmp_greater_equal(strangers->CountOf(address), MaxUnadmitted())) {
+        return limit_of(MaxUnadmitted(), "of " + address + " that are not admitted ");
+    }
+    if (Count() >= max_clients && !strangers->MakeRoom()) return limit_of(max_clients, "");
+    return {};
 }
 
 void Listener::Impl::Forward(APClient& client) {
@@ -138,6 +159,7 @@ void Listener::Impl::OnDisconnected(const ClientPtr& client) {
 }
 
 std::shared_ptr<Listener> Listener::Create(PlatformPtr platform) {
+    if (!platform) Raise(RuntimeError::ObjectNotSet, "A listener cannot be created without a platform");
     return std::shared_ptr<Listener>(new Listener(std::move(platform)));
 }
 
@@ -215,6 +237,22 @@ std::int32_t Listener::MaxClients() const {
 
 void Listener::SetMaxClients(std::int32_t count) {
     impl_->max_clients = count;
+}
+
+std::int32_t Listener::MaxUnadmittedPerAddress() const {
+    return impl_->MaxUnadmitted();
+}
+
+void Listener::SetMaxUnadmittedPerAddress(std::int32_t count) {
+    impl_->max_unadmitted = count;
+}
+
+std::size_t Listener::MaxUnadmittedBytes() const {
+    return impl_->strangers->most_bytes;
+}
+
+void Listener::SetMaxUnadmittedBytes(std::size_t bytes) {
+    impl_->strangers->most_bytes = bytes;
 }
 
 }  // namespace kq

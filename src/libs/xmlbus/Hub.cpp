@@ -57,6 +57,8 @@ void Hub::Listen(const std::string& address, std::int32_t port, const std::strin
     limits.frame = limits_.greeting_frame;
     limits.admitted_frame = XMLBusClient::kMaxMessage;
     limits.unsent = limits_.unsent;
+    limits.reading_stops =
+        limits_.unsent;  // what waits for a peer are the messages of others, not its answers
     limits.first_frame = Milliseconds(0);  // the hub has a deadline of its own, and says so when it passes
     listener->SetLimits(limits);
     listener->SetMaxClients(limits_.peers + limits_.greeting_peers + kOnTheirWayOut);
