@@ -23,7 +23,7 @@ std::string ForLog(std::string_view text) {
 
 void DirectPeer::Answer(const XMLMessage& answer) {
     try {
-        client_->Send(answer);
+        client_->Send(answer, tag_);
     } catch (const Error&) {
         // Gone, or it reads nothing and was closed for that.
     }
@@ -32,11 +32,13 @@ void DirectPeer::Answer(const XMLMessage& answer) {
 RelayedPeer::RelayedPeer(const XMLMessage& request, std::function<void(const XMLMessage&)> send_on_bus)
     : reply_{request.Field(kReturnMsgType), request.Field(kReturnSubType)},
       trans_id_(request.Field(kTransID)),
+      tag_(request.Field(kReturnTag)),
       send_on_bus_(std::move(send_on_bus)) {}
 
 void RelayedPeer::Answer(const XMLMessage& answer) {
     auto message = answer.ToBusMessage(kZEBSchemas);
     message.SetField(kTransID, trans_id_);
+    if (!tag_.empty()) message.SetField(kReturnTag, tag_);
     message.SetDestination(reply_);
     send_on_bus_(message);
 }

@@ -31,9 +31,10 @@ using PeerPtr = std::shared_ptr<Peer>;
 
 class DirectPeer final : public Peer {
  public:
-    // `name`: the client's address, which a connection that has ended no longer knows.
-    DirectPeer(std::shared_ptr<APClient> client, std::string name)
-        : client_(std::move(client)), name_(std::move(name)) {}
+    // `name`: the client's address, which a connection that has ended no longer knows. `tag`: of the request,
+    // returned with every answer to it.
+    DirectPeer(std::shared_ptr<APClient> client, std::string name, std::string tag)
+        : client_(std::move(client)), name_(std::move(name)), tag_(std::move(tag)) {}
     void Answer(const XMLMessage& answer) override;
     void Admit() override { client_->Admit(); }
     bool Relayed() const override { return false; }
@@ -44,9 +45,11 @@ class DirectPeer final : public Peer {
  private:
     std::shared_ptr<APClient> client_;
     std::string name_;
+    std::string tag_;
 };
 
-// Answers go back with the request's "TransID" to the reply address that the application server put in.
+// Answers go back with the request's "TransID" and "ReturnTag" to the reply address that the application
+// server put in.
 class RelayedPeer final : public Peer {
  public:
     RelayedPeer(const XMLMessage& request, std::function<void(const XMLMessage&)> send_on_bus);
@@ -57,6 +60,7 @@ class RelayedPeer final : public Peer {
  private:
     BusAddress reply_;
     std::string trans_id_;
+    std::string tag_;
     std::function<void(const XMLMessage&)> send_on_bus_;
 };
 

@@ -13,6 +13,7 @@ void ServerMessages::Register(const XMLMessage& message) {
     }
     ASRegistrationResponse response;
     response.TransID = request.TransID;
+    response.ReturnTag = request.ReturnTag;
     SessionInfo info;
     auto refusal = Refusal::Failed;
     try {

@@ -110,7 +110,7 @@ std::string Zeb::NameOf(const APClient& client) const {
 }
 
 void Zeb::OnBlock(const Listener::ClientPtr& client, const Block& block) {
-    const auto peer = std::make_shared<DirectPeer>(client, NameOf(*client));
+    const auto peer = std::make_shared<DirectPeer>(client, NameOf(*client), block.tag);
     XMLMessage message;
     try {
         if (block.data_type != DataType::XML) throw Error(XMLMessage::kNotAMessage, "zebd", "not XML");

@@ -118,11 +118,13 @@
         FIELD(Text, ReturnSubType, "the subtype of the application server's reply address")                  \
         FIELD(Text, TransID, "the session's and the connection's identifier, separated by |")                \
         FIELD(Text, AppID, "the application's identifier")                                                   \
-        FIELD(Text, SessionID, "the session's identifier"))                                                  \
+        FIELD(Text, SessionID, "the session's identifier")                                                   \
+        FIELD(Optional, ReturnTag, "the tag of the client's request, to be returned"))                       \
     MESSAGE(Bus, ASRegistrationResponse, "the answer to RequestASRegistration",                              \
         FIELD(Text, TransID, "as in the request")                                                            \
         FIELD(Element<kq::SessionInfo>, SessionInfo, "the session's record; only when it is confirmed")      \
-        FIELD(Element<kq::ErrorResponse>, ErrorResponse, "why it is refused; only when it is"))              \
+        FIELD(Element<kq::ErrorResponse>, ErrorResponse, "why it is refused; only when it is")               \
+        FIELD(Optional, ReturnTag, "as in the request"))                                                     \
     MESSAGE(Bus, ASLogoutUser, "orders application servers to end sessions",                                 \
         FIELD(SessionIDList, SessionIDs, "the sessions"))
 // clang-format on

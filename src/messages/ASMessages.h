@@ -35,6 +35,8 @@ inline constexpr std::string_view kZEBSchemas = "ZEBSchemas";
 inline constexpr std::string_view kReturnMsgType = "ReturnMsgType";
 inline constexpr std::string_view kReturnSubType = "ReturnSubType";
 inline constexpr std::string_view kTransID = "TransID";
+// Likewise, the tag of the client's request; left out when it has none.
+inline constexpr std::string_view kReturnTag = "ReturnTag";
 
 // Whether a Boolean field says yes: exactly "True", nothing else.
 bool IsTrue(std::string_view text);

@@ -39,6 +39,15 @@ TEST_F(Registration, AGoodSessionIsConfirmedWithItsRecord) {
     EXPECT_EQ(reply.Root().TextOf("SessionInfo/FirstName"), "Ana");
 }
 
+TEST_F(Registration, IsAnsweredWithTheTagOfTheClientsRequest) {
+    server->AskToRegister(Login("ana").SessionID, "12", "7");
+    EXPECT_EQ(server->Heard().Field("ReturnTag"), "7");
+    server->AskToRegister("unknown", "12", "8");
+    EXPECT_EQ(server->Heard().Field("ReturnTag"), "8");
+    server->AskToRegister("unknown", "12");
+    EXPECT_FALSE(server->Heard().HasField("ReturnTag"));
+}
+
 TEST_F(Registration, AnUnknownSessionIsRefusedWithNumberAndText) {
     const auto response = Ask("unknown");
     EXPECT_FALSE(response.SessionInfo);

@@ -120,6 +120,15 @@ TEST_F(ValidateClient, ARelayedRequestIsAnsweredToTheServerThatRelayedIt) {
     EXPECT_EQ(reply.Field("ClientAvailable"), "False");
 }
 
+TEST_F(ValidateClient, ARelayedRequestIsAnsweredWithTheTagOfTheClientsRequest) {
+    StartZeb();
+    const auto server = RunningServer();
+    server->Relay(Request().Build(), "17", "7");
+    EXPECT_EQ(server->Heard().Field("ReturnTag"), "7");
+    server->Relay(Request().Build(), "17");
+    EXPECT_FALSE(server->Heard().HasField("ReturnTag"));
+}
+
 TEST_F(ValidateClient, ARelayedRestrictionNamesTheServerThatRelayed) {
     StartZeb();
     const auto server = RunningServer(7000);

@@ -40,21 +40,24 @@ void TestAppServer::Say(const ASBroadcastInfo& info) {
     Send(info.Build(), {"ZEB", "Broadcast"});
 }
 
-void TestAppServer::AskToRegister(const std::string& session_id, const std::string& connection) {
+void TestAppServer::AskToRegister(const std::string& session_id, const std::string& connection,
+                                  const std::string& tag) {
     RequestASRegistration request;
     request.ReturnMsgType = bus_client->ReplyType();
     request.ReturnSubType = bus_client->ReplySubType();
     request.TransID = session_id + "|" + connection;
     request.AppID = app_id_;
     request.SessionID = session_id;
+    request.ReturnTag = tag;
     Send(request.Build(), {"ZEB", ""});
 }
 
-void TestAppServer::Relay(const XMLMessage& request, const std::string& connection) {
+void TestAppServer::Relay(const XMLMessage& request, const std::string& connection, const std::string& tag) {
     auto message = request.ToBusMessage(kZEBSchemas);
     message.SetField(kReturnMsgType, bus_client->ReplyType());
     message.SetField(kReturnSubType, bus_client->ReplySubType());
     message.SetField(kTransID, connection);
+    if (!tag.empty()) message.SetField(kReturnTag, tag);
     if (!message.Field("RestrictIP").empty()) message.SetField("RestrictIP", address);
     Send(std::move(message), {"ZEB", ""});
 }

@@ -78,9 +78,10 @@ class TestAppServer {
     void Announce(std::vector<std::string> sessions = {}) { Say(Info("C", std::move(sessions))); }
     void Say(const ASBroadcastInfo& info);
     // Asks whether a session is good, as for the client connection of that name.
-    void AskToRegister(const std::string& session_id, const std::string& connection = "1");
+    void AskToRegister(const std::string& session_id, const std::string& connection = "1",
+                       const std::string& tag = {});
     // A client's request, relayed.
-    void Relay(const XMLMessage& request, const std::string& connection = "1");
+    void Relay(const XMLMessage& request, const std::string& connection = "1", const std::string& tag = {});
     // What was heard, oldest first, apart from requests for an announcement.
     std::vector<XMLMessage> heard;
     std::vector<XMLMessage> announcement_requests;
