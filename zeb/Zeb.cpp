@@ -13,7 +13,10 @@ constexpr std::int32_t kTick = 5'000;  // ms
 // heard.
 constexpr std::int64_t kTicksToAskAfterStart = 6;
 constexpr std::int64_t kTicksToAsk = ServerRegistry::kAskInterval.count() / kTick;
-constexpr std::size_t kMaxElements = 100'000;  // of one request
+// A client's time from its connection to a request, and from one request to the next until it has logged in:
+// its user may have to be asked in between.
+constexpr Milliseconds kTimeToAsk{10'000};
+constexpr Milliseconds kTimeToAskAgain{300'000};
 
 // What a client was given it must be able to send back over a connection that has not logged in, with the
 // request around it.
@@ -67,6 +70,7 @@ void Zeb::Stop() {
 void Zeb::ListenForClients() {
     APLimits limits;
     limits.frame = settings_.max_request;
+    limits.proof = kTimeToAsk;
     listener_->SetLimits(limits);
     listener_->SetMaxClients(settings_.max_connections);
     listener_->SetKeepAlive(true);
@@ -114,20 +118,25 @@ void Zeb::OnBlock(const Listener::ClientPtr& client, const Block& block) {
     XMLMessage message;
     try {
         if (block.data_type != DataType::XML) throw Error(XMLMessage::kNotAMessage, "zebd", "not XML");
-        XMLMessage::Limits limits;
-        limits.elements = kMaxElements;
-        message.LoadXML(block.data, limits);
+        message.LoadXML(block.data, kClientMessageLimits);
     } catch (const Error&) {
         log_->info("{} sent no message and is disconnected", peer->Name());
-        client->Disconnect();
+        RefuseUnknown(client, *peer);
         return;
     }
-    if (client_requests_.Handle(message, peer)) return;
+    if (client_requests_.Handle(message, peer)) {
+        client->SetDeadline(kTimeToAskAgain);
+        return;
+    }
     log_->info("{} sent an unknown {} and is disconnected", peer->Name(), ForLog(message.Type()));
+    RefuseUnknown(client, *peer);
+}
+
+void Zeb::RefuseUnknown(const Listener::ClientPtr& client, Peer& peer) {
     ASUnknownResponse response;
     response.ErrorNum = std::to_string(NumberOf(Refusal::UnknownMessage));
     response.ErrorDesc = SentenceOf(Refusal::UnknownMessage);
-    peer->Answer(response.Build());
+    peer.Answer(response.Build());
     client->Disconnect();
 }
 

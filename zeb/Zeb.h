@@ -51,6 +51,7 @@ class Zeb {
     void JoinBus();
     std::string NameOf(const APClient& client) const;
     void OnBlock(const Listener::ClientPtr& client, const Block& block);
+    void RefuseUnknown(const Listener::ClientPtr& client, Peer& peer);
     void OnBusMessage(const XMLMessage& message, bool& handled);
     void OnTick();
     void SendOnBus(const XMLMessage& message);

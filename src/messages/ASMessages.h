@@ -38,6 +38,10 @@ inline constexpr std::string_view kTransID = "TransID";
 // Likewise, the tag of the client's request; left out when it has none.
 inline constexpr std::string_view kReturnTag = "ReturnTag";
 
+// What the message of a client may hold, whichever way it comes. A million small elements would take seconds
+// and hundreds of megabytes.
+inline constexpr XMLMessage::Limits kClientMessageLimits{.elements = 100'000};
+
 // Whether a Boolean field says yes: exactly "True", nothing else.
 bool IsTrue(std::string_view text);
 

@@ -41,18 +41,97 @@ TEST_F(Connection, MessagesOfTheBusAreUnknownHere) {
     EXPECT_EQ(Login("ana").ErrorNumber, "0");
 }
 
-TEST_F(Connection, TextThatIsNoMessageEndsIt) {
-    StartZeb();
-    const auto client = NewClient();
-    client->SendText("hello");
+// The refusal of what is no message, after which the connection has ended.
+void ExpectRefused(const std::shared_ptr<APClient>& client, const std::string& tag) {
+    const Block block = client->TakeBlock(0);
+    XMLMessage reply;
+    reply.LoadXML(block.data);
+    EXPECT_EQ(reply.Type(), "ASUnknownResponse");
+    EXPECT_EQ(reply.Field("ErrorNum"), "7608");
+    EXPECT_EQ(block.tag, tag);
     EXPECT_TRUE(Ended(client));
 }
 
-TEST_F(Connection, RawBytesEndIt) {
+TEST_F(Connection, TextThatIsNoMessageIsAnsweredAndTheConnectionClosed) {
     StartZeb();
     const auto client = NewClient();
-    client->SendBytes("bytes");
-    EXPECT_TRUE(Ended(client));
+    client->SendText("hello", "7");
+    ExpectRefused(client, "7");
+}
+
+TEST_F(Connection, RawBytesAreAnsweredAndTheConnectionClosed) {
+    StartZeb();
+    const auto client = NewClient();
+    client->SendBytes("bytes", "7");
+    ExpectRefused(client, "7");
+}
+
+TEST_F(Connection, AMessageOfMoreThanAHundredThousandElementsIsRefused) {
+    StartZeb();
+    std::string text = "<ASMessage type=\"ASLoginRequest\" version=\"1\">";
+    for (int i = 0; i < 100'000; ++i)
+        text += "<a/>";
+    const auto client = NewClient();
+    client->SendText(text + "</ASMessage>");
+    ExpectRefused(client, "");
+}
+
+TEST_F(Connection, TheTagOfARequestComesBackWithItsAnswer) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    const auto client = NewClient();
+    const std::vector<XMLMessage> requests = {
+        ASValidateClientRequest().Build(), LoginRequest("ana").Build(), LoginRequest("nobody").Build(),
+        ASPasswordChangeRequest().Build(), ASProfilesUpdate().Build(),  ASDownloadClientRequest().Build()};
+    for (const auto& request : requests) {
+        client->Send(request, request.Type());
+        EXPECT_EQ(client->TakeBlock(0).tag, request.Type());
+    }
+}
+
+TEST_F(Connection, EndsAfterTenSecondsWithoutARequest) {
+    StartZeb();
+    const auto client = NewClient();
+    Pass(std::chrono::milliseconds(9'900));
+    EXPECT_TRUE(client->Connected());
+    Pass(std::chrono::milliseconds(100));
+    EXPECT_FALSE(client->Connected());
+}
+
+TEST_F(Connection, EndsFiveMinutesAfterTheLastRequestOfAClientThatHasNotLoggedIn) {
+    StartZeb();
+    const auto client = NewClient();
+    for (int i = 0; i < 3; ++i) {
+        client->Request(ASValidateClientRequest().Build());
+        Pass(std::chrono::seconds(299));
+    }
+    EXPECT_TRUE(client->Connected());
+    Pass(std::chrono::seconds(1));
+    EXPECT_FALSE(client->Connected());
+}
+
+TEST_F(Connection, HasNoTimeLimitOnceTheUserHasLoggedIn) {
+    StartZeb();
+    AddUser("ana");
+    const auto server = RunningServer();
+    const auto client = NewClient();
+    EXPECT_EQ(client->Request(LoginRequest("ana").Build()).Field("ErrorNumber"), "0");
+    client->Request(ASValidateClientRequest().Build());
+    Pass(std::chrono::hours(10));
+    EXPECT_TRUE(client->Connected());
+}
+
+TEST_F(Connection, OfOneAddressMayTakeHalfOfThePlacesBeforeTheLogin) {
+    ZebSettings settings;
+    settings.max_connections = 200;
+    StartZeb(settings);
+    std::vector<std::shared_ptr<APClient>> crowd;
+    for (int i = 0; i < 101; ++i)
+        crowd.push_back(NewClient());
+    machine.loop->RunReady();
+    EXPECT_TRUE(crowd[99]->Connected());
+    EXPECT_FALSE(crowd[100]->Connected());
 }
 
 TEST_F(Connection, ARequestOverTheLimitEndsIt) {
