@@ -7,6 +7,10 @@
 //   server.Initialize("Demo", app, bus, statistics, kq::InterfaceVersions("1.0|2.0"));
 //   server.Listen(7000);
 //
+// Requests that the login server does not answer within 30 s are refused. A client that neither registers nor
+// sends a request for the login server within 10 s is disconnected. What a client may hold before it has
+// registered is limited (see Listener); a client's message may have 100,000 elements.
+//
 // One thread: all members and events belong to the thread of the platform's event loop. A handler may call
 // back into the object.
 #pragma once
@@ -52,12 +56,14 @@ class KQAppSessServer {
     using MessagePtr = std::shared_ptr<XMLMessage>;
     using ClientPtr = std::shared_ptr<APClient>;
 
+    // Raises RuntimeError::ObjectNotSet when `platform` is null.
     explicit KQAppSessServer(PlatformPtr platform);
     ~KQAppSessServer();  // Terminate
     KQAppSessServer(const KQAppSessServer&) = delete;
     KQAppSessServer& operator=(const KQAppSessServer&) = delete;
 
-    // A client's registration was confirmed and its session added.
+    // A client's registration was confirmed and its session added. A connection has one session: if it had
+    // another one before, that one has ended with its own Disconnected.
     Signal<const SessionPtr&> Connected;
     // A registered client sent data that is no session management: the block, always of type XML, and its
     // session.

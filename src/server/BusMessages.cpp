@@ -1,9 +1,11 @@
 // What the bus says: answers of the login server to what was relayed and asked, its orders to log users out,
 // its wish to hear all sessions.
 //
-// One handler for each type. An error in a handler ends it and is told to nobody, XMLBusReceive included; the
-// message counts as handled from the moment on that its work is done.
+// One handler for each type. An error in a handler ends it and is reported to nobody, XMLBusReceive included;
+// the message counts as handled from the moment on that its work is done. An answer counts once, and only for
+// a request that is open; any other is handled, and nothing comes of it but a report.
 #include <algorithm>
+#include <exception>
 
 #include "base/Convert.h"
 #include "server/KQAppSessServerImpl.h"
@@ -40,22 +42,40 @@ void KQAppSessServer::Impl::OnRequestBroadcastAS(const MessagePtr& message, bool
     Raise(&KQAppSessServer::XMLBusReceive, message, 0, "");
 }
 
-// A client that has gone meanwhile gets neither session nor answer; the host still hears of the message.
+std::optional<OpenRequest> KQAppSessServer::Impl::TakeOpen(const XMLMessage& answer,
+                                                           const std::string& client,
+                                                           const std::string& session_id) {
+    auto request = open_.Take(client, answer.Type(), session_id, answer.Field(kReturnTag));
+    if (!request && ConnectedClient(client)) {
+        ReportStrayException(std::make_exception_ptr(
+            kq::Error(NumberOf(RuntimeError::InvalidProcedureCall), std::string(kLibrarySource),
+                      "An " + answer.Type() + " answers no request that is open")));
+    }
+    return request;
+}
+
+// A client that has gone in the meantime gets neither session nor answer, and the login server learns that
+// the session is not here. The host still hears of the message.
 void KQAppSessServer::Impl::OnASRegistrationResponse(const MessagePtr& message, bool& handled) {
     const auto answer = ASRegistrationResponse::Read(*message);
     const auto ids = Split(answer.TransID, '|');
     if (ids.size() != 2) return;
-    const auto client = listener->Client(ids[1]);
+    const auto request = TakeOpen(*message, ids[1], ids[0]);
+    const auto client = ConnectedClient(ids[1]);
     if (!answer.ErrorResponse) {
-        if (client) GrantRegistration(client, ids[0], answer);
+        if (!client) {
+            SessionIsGone(ids[0]);
+        } else if (request) {
+            GrantRegistration(client, *request, answer);
+        }
         handled = true;
         Raise(&KQAppSessServer::XMLBusReceive, message, 0, "");
         return;
     }
-    if (client) {
-        client->Send(
-            ASRegisterResponse{answer.ErrorResponse->ErrorCode, answer.ErrorResponse->ErrorDescription}
-                .Build());
+    if (client && request) {
+        const ASRegisterResponse refusal{answer.ErrorResponse->ErrorCode,
+                                         answer.ErrorResponse->ErrorDescription};
+        client->Send(refusal.Build(), request->tag);
         client->Disconnect();
     }
     handled = true;
@@ -63,19 +83,31 @@ void KQAppSessServer::Impl::OnASRegistrationResponse(const MessagePtr& message, 
           answer.ErrorResponse->ErrorDescription);
 }
 
-void KQAppSessServer::Impl::GrantRegistration(const ClientPtr& client, const std::string& session_id,
+// A connection has one session: a former one ends first, as if its client had left, and the host that hears
+// of that may end the connection.
+void KQAppSessServer::Impl::GrantRegistration(const ClientPtr& client, const OpenRequest& request,
                                               const ASRegistrationResponse& answer) {
+    if (const auto former = RemoveSession(client)) Raise(&KQAppSessServer::Disconnected, former);
+    if (!client->Connected()) return SessionIsGone(request.session_id);
     SessionInfo info = answer.SessionInfo.value_or(SessionInfo());
     info.EnterpriseID = Bus().EnterpriseID();
     info.OperatorID = info.UserUID;  // the two are the same here, whatever the answer says
     info.SessionID.clear();
     info.AppID.clear();
     const auto session = std::make_shared<KQAppSessionInfo>();
-    session->Fill(std::make_shared<XMLMessage>(info.Build()), session_id, app_id_, client);
+    session->Fill(std::make_shared<XMLMessage>(info.Build()), request.session_id, app_id_, client);
     AddSession(client, session);
     client->Admit();
-    client->Send(ASRegisterResponse{"0", ""}.Build());
+    // Should the client be gone by now, its Disconnected follows.
+    IgnoreErrors([&] { client->Send(ASRegisterResponse{"0", ""}.Build(), request.tag); });
     Raise(&KQAppSessServer::Connected, session);
+}
+
+// The login server takes a granted session to be here, unless another connection has it.
+void KQAppSessServer::Impl::SessionIsGone(const std::string& session_id) {
+    if (index_.ClientOf(session_id)) return;
+    IgnoreErrors(
+        [&] { SendInformation([&](const auto& hand) { announcement_.SendRemoved(session_id, hand); }); });
 }
 
 void KQAppSessServer::Impl::AddSession(const ClientPtr& client, const SessionPtr& session) {
@@ -104,13 +136,18 @@ void KQAppSessServer::Impl::OnASLogoutUser(const MessagePtr& message, bool& hand
     Raise(&KQAppSessServer::XMLBusReceive, message, 0, "");
 }
 
-// "SessionInfo" of an "ASLoginResponse" travels with the other elements.
+// Only a login's answer carries a "SessionInfo".
 void KQAppSessServer::Impl::OnRelayedResponse(const MessagePtr& message, bool& handled) {
-    if (const auto client = listener->Client(message->Field(kTransID))) {
+    const std::string identifier = message->Field(kTransID);
+    const auto request = TakeOpen(*message, identifier);
+    const auto client = ConnectedClient(identifier);
+    if (client && request) {
         XMLMessage reply = message->ToClientMessage();
-        for (const auto relay_element : {kReturnMsgType, kReturnSubType, kTransID})
+        for (const auto relay_element : {kReturnMsgType, kReturnSubType, kTransID, kReturnTag})
             reply.RemoveField(relay_element);
-        client->Send(reply);
+        if (reply.Type() != ASLoginResponse::kType) reply.RemoveField(SessionInfo::kType);
+        answered_.insert(identifier);
+        client->Send(reply, request->tag);
     }
     handled = true;
     Raise(&KQAppSessServer::XMLBusReceive, message, 0, "");

@@ -19,6 +19,7 @@ constexpr std::int32_t kDefaultInfoInterval = 120;   // s
 constexpr std::int32_t kRemovedTimerInterval = 100;  // ms
 constexpr std::string_view kBusType = "AS";          // the address of all application servers
 constexpr std::string_view kBusSubType = "Broadcast";
+constexpr std::size_t kMostBytes = 1U << 20;  // of a request before the client has registered
 
 // The failure of one step waits until the others are done; the first one is then raised.
 class Failures {
@@ -50,8 +51,25 @@ InterfaceVersions InterfaceVersions::Invalid() {
     return invalid;
 }
 
+namespace {
+
+PlatformPtr Required(PlatformPtr platform) {
+    if (!platform)
+        Raise(RuntimeError::ObjectNotSet, "A session manager cannot be created without a platform");
+    return platform;
+}
+
+APLimits ListenerLimits() {
+    APLimits limits;
+    limits.frame = kMostBytes;
+    limits.proof = kProofTime;
+    return limits;
+}
+
+}  // namespace
+
 KQAppSessServer::Impl::Impl(KQAppSessServer& face, PlatformPtr machine)
-    : platform(std::move(machine)),
+    : platform(Required(std::move(machine))),
       listener(kq::Listener::Create(platform)),
       sessions(std::make_shared<KQAppSessionInfos>()),
       face_(&face),
@@ -59,6 +77,7 @@ KQAppSessServer::Impl::Impl(KQAppSessServer& face, PlatformPtr machine)
       info_timer_(platform) {
     listener->SetReceiveType(DataType::XML);
     listener->SetKeepAlive(true);
+    listener->SetLimits(ListenerLimits());
     SetInfoInterval(kDefaultInfoInterval);
 
     listener->Receive.Connect(
@@ -228,10 +247,11 @@ void KQAppSessServer::Impl::SendSessionList() {
     SendInformation([this](const auto& hand) { announcement_.SendSessions(index_, hand); });
 }
 
-void KQAppSessServer::Impl::Send(XMLMessage message, const std::string& type, const std::string& subtype) {
+void KQAppSessServer::Impl::Send(XMLMessage message, const std::string& type, const std::string& subtype,
+                                 Milliseconds keep) {
     message.SetDestination({type, subtype});
     const auto sent = std::make_shared<XMLMessage>(std::move(message));
-    Bus().Send(*sent);
+    Bus().Send(*sent, BusSending::Message, keep);
     Raise(&KQAppSessServer::XMLBusSend, sent);
 }
 

@@ -2,14 +2,16 @@
 // destroyed inside any of its events. From then on nothing is raised, the steps that are under way end by
 // themselves, and the listener goes when the last of them has returned.
 //
-// KQAppSessServer.cpp holds the members, Requests.cpp what clients ask for, BusMessages.cpp what the bus
-// says.
+// KQAppSessServer.cpp holds the members, Requests.cpp what clients ask for, Unanswered.cpp what becomes of
+// requests without an answer, BusMessages.cpp what the bus says.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -21,9 +23,15 @@
 #include "messages/modASMsg.h"
 #include "server/Announcement.h"
 #include "server/ErrorsByLocale.h"
+#include "server/OpenRequests.h"
 #include "server/SessionIndex.h"
 
 namespace kq {
+
+// How long the login server may take to answer a client's request, the time on the way to it included.
+inline constexpr Milliseconds kAnswerTime{30'000};
+// A client's time from its connection to its registration or to a request for the login server.
+inline constexpr Milliseconds kProofTime{10'000};
 
 // For a step whose failure must not keep the next one from being done.
 template <class Step>
@@ -60,6 +68,13 @@ class KQAppSessServer::Impl : public std::enable_shared_from_this<Impl> {
 
  private:
     using Handler = void (Impl::*)(const MessagePtr& message, bool& handled);
+    // A message of a client, and what its answer needs.
+    struct Request {
+        ClientPtr client;
+        std::string tag;
+        std::size_t bytes = 0;
+        XMLMessage message = {};
+    };
 
     // Members
     void AttachToBus(std::uint64_t turn);
@@ -71,11 +86,20 @@ class KQAppSessServer::Impl : public std::enable_shared_from_this<Impl> {
     void mListener_Disconnected(const ClientPtr& client);
     void mListener_ClientError(const ClientPtr& client, std::int32_t number, const std::string& description);
     void Handle(const ClientPtr& client, const Block& block);
-    void Register(const ClientPtr& client, const XMLMessage& message);
-    void RequestRegistration(const ClientPtr& client, const ASRegisterRequest& request);
-    void Relay(const ClientPtr& client, const XMLMessage& request);
-    void Refuse(const ClientPtr& client, const XMLMessage& request, std::string_view reply_type,
-                std::int32_t code, const Args& args = {});
+    void Register(const Request& request);
+    void RequestRegistration(const Request& request, const ASRegisterRequest& registration);
+    void Relay(const Request& request, std::string_view answer);
+    void Refuse(const Request& request, std::string_view reply_type, std::int32_t code,
+                const Args& args = {});
+    void RefuseNoMessage(const Request& request, const kq::Error& error);
+    // Notes the request as open; false, and it is refused, when there are too many.
+    bool Open(OpenRequest request);
+    void RefuseUnanswered(const OpenRequest& request);
+    void AwaitOldest();
+    void OnTooOld();
+    // The connection while it stands, else null: one that was disconnected is gone from that moment, though
+    // the listener keeps it until its Disconnected.
+    ClientPtr ConnectedClient(const std::string& identifier) const;
     SessionPtr RemoveSession(const ClientPtr& client);
 
     // Messages of the bus
@@ -85,13 +109,17 @@ class KQAppSessServer::Impl : public std::enable_shared_from_this<Impl> {
     void OnASRegistrationResponse(const MessagePtr& message, bool& handled);
     void OnASLogoutUser(const MessagePtr& message, bool& handled);
     void OnRelayedResponse(const MessagePtr& message, bool& handled);
-    void GrantRegistration(const ClientPtr& client, const std::string& session_id,
+    std::optional<OpenRequest> TakeOpen(const XMLMessage& answer, const std::string& client,
+                                        const std::string& session_id = {});
+    void GrantRegistration(const ClientPtr& client, const OpenRequest& request,
                            const ASRegistrationResponse& answer);
+    void SessionIsGone(const std::string& session_id);
     void AddSession(const ClientPtr& client, const SessionPtr& session);
 
     // Sendings to the bus
     XMLBusClient& Bus() const;
-    void Send(XMLMessage message, const std::string& type, const std::string& subtype);
+    // `keep`: how long the message may wait for the bus.
+    void Send(XMLMessage message, const std::string& type, const std::string& subtype, Milliseconds keep);
     void SendSessionList();
     template <class Sending>
     void SendInformation(Sending sending);
@@ -111,6 +139,9 @@ class KQAppSessServer::Impl : public std::enable_shared_from_this<Impl> {
     std::shared_ptr<kq::Statistics> statistics_;
     std::vector<std::string> interfaces_;
     SessionIndex index_;
+    OpenRequests open_;
+    std::unordered_set<std::string> answered_;  // connections whose relayed request was answered
+    EventLoop::TimerId oldest_timer_ = 0;
     Announcement announcement_;
     Timer info_timer_;
     std::unique_ptr<Timer> removed_timer_;

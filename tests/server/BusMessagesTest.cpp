@@ -9,7 +9,18 @@ using testing::IsEmpty;
 
 class BusMessage : public ServerTest {
  protected:
-    void SetUp() override { Listens(); }
+    void SetUp() override {
+        Listens();
+        handler_ = SetStrayExceptionHandler([this](const std::exception_ptr& stray) {
+            try {
+                std::rethrow_exception(stray);
+            } catch (const Error& error) {
+                reported_.push_back(error.Description());
+            }
+        });
+    }
+    void TearDown() override { SetStrayExceptionHandler(handler_); }
+    std::string LatestConnection() { return Server().Listener()->Clients().back()->Identifier(); }
     BusAddress Here() const { return {bus_client_->ReplyType(), bus_client_->ReplySubType()}; }
     void SaysRegistration(const std::string& trans_id) {
         zeb_.Says(MessageOf("ASRegistrationResponse", {{"TransID", trans_id}}), Here());
@@ -22,6 +33,22 @@ class BusMessage : public ServerTest {
         order.SetField(std::move(list));
         zeb_.SaysToAll(order);
     }
+    // The letter and the sessions of every announcement since Forget, "E S17".
+    std::vector<std::string> Announced() const {
+        std::vector<std::string> lines;
+        for (const auto& announcement : heard_.sent) {
+            if (announcement.Type() != "ASBroadcastInfo") continue;
+            lines.push_back(StateOf(announcement));
+            for (const auto& id : SessionsIn(announcement))
+                lines.back() += " " + id;
+        }
+        return lines;
+    }
+
+    std::vector<std::string> reported_;
+
+ private:
+    StrayExceptionHandler handler_;
 };
 
 TEST_F(BusMessage, ThatGrantsARegistrationMakesASession) {
@@ -81,8 +108,8 @@ TEST_F(BusMessage, ThatGrantsARegistrationTakesTheIdFromTheTransaction) {
 }
 
 TEST_F(BusMessage, ThatGrantsARegistrationWithoutARecordMakesASessionOfEmptyFields) {
-    Client();
-    SaysRegistration("S17|" + Server().Listener()->Clients().back()->Identifier());
+    Client().Registers("S17");
+    SaysRegistration("S17|" + LatestConnection());
     EXPECT_EQ(Server().Sessions()->Session("S17")->LoginID(), "");
     EXPECT_EQ(Server().Sessions()->Session("S17")->EnterpriseID(), "ENT");
 }
@@ -99,20 +126,116 @@ TEST_F(BusMessage, ThatGrantsARegistrationOfAClientThatLeftMakesNoSession) {
     client.Leaves();
     Forget();
     zeb_.Grants("S17");
-    EXPECT_THAT(heard_.All(), ElementsAre("XMLBusReceive ASRegistrationResponse 0 "));
+    EXPECT_THAT(heard_.All(),
+                ElementsAre("XMLBusSend ASBroadcastInfo", "XMLBusReceive ASRegistrationResponse 0 "));
     EXPECT_THAT(handled_, ElementsAre(true));
     EXPECT_EQ(Server().Sessions()->Count(), 0);
+    EXPECT_THAT(Announced(), ElementsAre("E S17"));
+    EXPECT_THAT(reported_, IsEmpty());
 }
 
-TEST_F(BusMessage, ThatGrantsARegistrationTwiceLeavesTheFirstSession) {
+TEST_F(BusMessage, ThatGrantsARegistrationOfAClientThatWasJustDisconnectedMakesNoSession) {
+    auto& client = Client();
+    client.Registers("S17");
+    const auto connection = Server().Listener()->Clients().back();
+    Forget();
+    heard_.At("XMLBusReceive", [&] { connection->Disconnect(); });
+    zeb_.Mutters(MessageOf("RequestBroadcastAS"), Here());
+    zeb_.Grants("S17");
+    EXPECT_THAT(heard_.Of("Connected"), IsEmpty());
+    EXPECT_THAT(heard_.Of("Disconnected"), IsEmpty());
+    EXPECT_THAT(handled_, ElementsAre(true, true));
+    EXPECT_EQ(Server().Sessions()->Count(), 0);
+    EXPECT_THAT(Announced(), ElementsAre("C", "E S17"));
+}
+
+TEST_F(BusMessage, ThatGrantsARegistrationOfAClientThatCameBackLeavesItsSession) {
+    Client().Registers("S17");
+    const std::string old = LatestConnection();
+    Server().Listener()->Client(old)->Disconnect();
+    RegisteredClient("S17");
+    SaysRegistration("S17|" + old);
+    EXPECT_THAT(Announced(), IsEmpty());
+    EXPECT_TRUE(Server().Sessions()->Exists("S17"));
+}
+
+TEST_F(BusMessage, ThatGrantsARegistrationTwiceCountsOnce) {
     auto& client = RegisteredClient("S17");
     const auto first = Server().Sessions()->Session("S17");
     zeb_.Grants("S17", {{"LoginID", "bob"}});
     EXPECT_EQ(Server().Sessions()->Session("S17"), first);
-    EXPECT_EQ(Server().Sessions()->Count(), 1);
-    EXPECT_THAT(heard_.Of("Connected"), ElementsAre("S17"));
+    EXPECT_THAT(heard_.All(), ElementsAre("XMLBusReceive ASRegistrationResponse 0 "));
+    EXPECT_THAT(handled_, ElementsAre(true));
+    EXPECT_THAT(reported_, ElementsAre("An ASRegistrationResponse answers no request that is open"));
+    EXPECT_THAT(client.AnswerTypes(), ElementsAre("ASRegisterResponse"));
     client.Leaves();
     EXPECT_EQ(Server().Sessions()->Count(), 0);
+}
+
+TEST_F(BusMessage, ThatGrantsWhatNobodyAskedForMakesNoSession) {
+    auto& client = Client();
+    SaysRegistration("S17|" + LatestConnection());
+    EXPECT_THAT(heard_.All(), ElementsAre("XMLBusReceive ASRegistrationResponse 0 "));
+    EXPECT_THAT(handled_, ElementsAre(true));
+    EXPECT_EQ(reported_.size(), 1U);
+    EXPECT_THAT(client.AnswerTypes(), IsEmpty());
+}
+
+TEST_F(BusMessage, ThatGrantsAnotherSessionThanAskedMakesNoneUntilTheRightOneIsGranted) {
+    auto& client = Client();
+    client.Registers("S17");
+    SaysRegistration("S99|" + LatestConnection());
+    EXPECT_EQ(Server().Sessions()->Count(), 0);
+    EXPECT_EQ(reported_.size(), 1U);
+    zeb_.Grants("S17");
+    EXPECT_TRUE(Server().Sessions()->Exists("S17"));
+}
+
+TEST_F(BusMessage, ThatRefusesWhatNobodyAskedForDisconnectsNobody) {
+    auto& client = RegisteredClient("S17");
+    zeb_.Refuses("S17", "7001", "No.");
+    EXPECT_TRUE(client.Connected());
+    EXPECT_THAT(heard_.All(), ElementsAre("XMLBusReceive ASRegistrationResponse 7001 No."));
+}
+
+TEST_F(BusMessage, ThatGrantsASecondRegistrationOnAConnectionEndsTheFormerSessionFirst) {
+    auto& client = RegisteredClient("S1");
+    client.Registers("S2");
+    Forget();
+    heard_.At("Disconnected", [this] { EXPECT_EQ(Server().Sessions()->Count(), 0); });
+    zeb_.Grants("S2");
+    EXPECT_THAT(heard_.All(), ElementsAre("XMLBusSend ASBroadcastInfo", "Count", "Disconnected S1",
+                                          "XMLBusSend ASBroadcastInfo", "Count", "Connected S2",
+                                          "XMLBusReceive ASRegistrationResponse 0 "));
+    EXPECT_THAT(Announced(), ElementsAre("E S1", "C S2"));
+    EXPECT_TRUE(client.Connected());
+    OrdersLogout({"S1"});
+    EXPECT_TRUE(client.Connected());
+    OrdersLogout({"S2"});
+    EXPECT_FALSE(client.Connected());
+    EXPECT_EQ(Server().Sessions()->Count(), 0);
+}
+
+TEST_F(BusMessage, ThatGrantsTheSameSessionAnewOnAConnectionReplacesIt) {
+    auto& client = RegisteredClient("S17");
+    client.Registers("S17");
+    Forget();
+    zeb_.Grants("S17", {{"LoginID", "bob"}});
+    EXPECT_THAT(heard_.Of("Disconnected"), ElementsAre("S17"));
+    EXPECT_THAT(heard_.Of("Connected"), ElementsAre("S17"));
+    EXPECT_EQ(Server().Sessions()->Session("S17")->LoginID(), "bob");
+    EXPECT_THAT(Announced(), ElementsAre("E S17", "C S17"));
+}
+
+TEST_F(BusMessage, ThatGrantsASecondRegistrationMakesNoSessionWhenTheHostDropsTheClientInBetween) {
+    auto& client = RegisteredClient("S1");
+    client.Registers("S2");
+    Forget();
+    heard_.At("Disconnected", [this] { Server().Listener()->Clients().back()->Disconnect(); });
+    zeb_.Grants("S2");
+    EXPECT_THAT(heard_.Of("Connected"), IsEmpty());
+    EXPECT_THAT(heard_.Of("Disconnected"), ElementsAre("S1"));
+    EXPECT_THAT(Announced(), ElementsAre("E S1", "E S2"));
 }
 
 TEST_F(BusMessage, ThatGrantsOneIdToTwoClientsLeavesTheFirstInPlace) {
@@ -125,6 +248,81 @@ TEST_F(BusMessage, ThatGrantsOneIdToTwoClientsLeavesTheFirstInPlace) {
     OrdersLogout({"S17"});
     EXPECT_FALSE(first->Client()->Connected());
     EXPECT_TRUE(second.Connected());
+}
+
+TEST_F(BusMessage, ThatGrantsOneIdToTwoClientsLeavesTheFirstWhenTheSecondLeaves) {
+    auto& first = RegisteredClient("S17");
+    auto& second = RegisteredClient("S17");
+    second.Leaves();
+    EXPECT_TRUE(Server().Sessions()->Exists("S17"));
+    OrdersLogout({"S17"});
+    EXPECT_FALSE(first.Connected());
+}
+
+TEST_F(BusMessage, ThatAnswersARegistrationReturnsTheTag) {
+    auto& client = Client();
+    client.Registers("S17", "1", "Demo", "1033", "7");
+    zeb_.Grants("S17");
+    EXPECT_EQ(client.AnswerTag(), "7");
+    auto& refused = Client();
+    refused.Registers("S18", "1", "Demo", "1033", "8");
+    zeb_.Refuses("S18", "7001", "No.");
+    EXPECT_EQ(refused.AnswerTag(), "8");
+}
+
+TEST_F(BusMessage, ThatAnswersARelayedRequestReturnsTheTagWhateverIsInIt) {
+    for (const std::string tag : {"7", "a b%\x01\xC3\xA4\x7F", " "}) {
+        auto& client = Client();
+        client.Sends(MessageOf("ASLoginRequest"), tag);
+        zeb_.Answers("ASLoginRequest", MessageOf("ASLoginResponse"));
+        EXPECT_EQ(client.Answer(), MessageOf("ASLoginResponse"));
+        EXPECT_EQ(client.AnswerTag(), tag);
+    }
+}
+
+TEST_F(BusMessage, ThatAnswersTheSecondOfTwoRequestsReturnsTheTagOfTheSecond) {
+    auto& client = Client();
+    client.Sends(MessageOf("ASLoginRequest"), "first");
+    client.Sends(MessageOf("ASLoginRequest"), "second");
+    zeb_.Answers("ASLoginRequest", MessageOf("ASLoginResponse"));
+    EXPECT_EQ(client.AnswerTag(), "second");
+}
+
+TEST_F(BusMessage, ThatAnswersWithoutTheTagIsTakenForTheOldestRequestOfItsType) {
+    auto& client = Client();
+    client.Sends(MessageOf("ASValidateClientRequest"), "v");
+    client.Sends(MessageOf("ASLoginRequest"), "l");
+    zeb_.Says(MessageOf("ASLoginResponse", {{"TransID", LatestConnection()}}), Here());
+    EXPECT_EQ(client.AnswerTag(), "l");
+}
+
+TEST_F(BusMessage, ThatAnswersARelayedRequestTwiceReachesItsClientOnce) {
+    auto& client = Client();
+    client.Sends(MessageOf("ASLoginRequest"));
+    for (int i = 0; i < 2; ++i)
+        zeb_.Answers("ASLoginRequest", MessageOf("ASLoginResponse"));
+    EXPECT_THAT(client.AnswerTypes(), ElementsAre("ASLoginResponse"));
+    EXPECT_THAT(reported_, ElementsAre("An ASLoginResponse answers no request that is open"));
+    EXPECT_EQ(heard_.Of("XMLBusReceive").size(), 2U);
+}
+
+TEST_F(BusMessage, ThatAnswersWhatWasNotAskedReachesNoClient) {
+    auto& client = Client();
+    client.Sends(MessageOf("ASLoginRequest"));
+    zeb_.Answers("ASLoginRequest", MessageOf("ASPasswordChangeResponse"));
+    EXPECT_THAT(client.AnswerTypes(), IsEmpty());
+    EXPECT_EQ(reported_.size(), 1U);
+}
+
+TEST_F(BusMessage, ThatAnswersAnythingButALoginCarriesNoSessionsRecord) {
+    for (const std::string type : {"ASValidateClient", "ASPasswordChange"}) {
+        auto& client = Client();
+        client.Sends(MessageOf(type + "Request"));
+        auto answer = MessageOf(type + "Response", {{"ErrorNumber", "0"}});
+        answer.SetMessageField("SessionInfo", MessageOf("SessionInfo", {{"LoginID", "ann"}}));
+        zeb_.Answers(type + "Request", answer);
+        EXPECT_EQ(client.Answer(), MessageOf(type + "Response", {{"ErrorNumber", "0"}}));
+    }
 }
 
 TEST_F(BusMessage, WithATransactionOfOneOrThreePartsIsDroppedWithoutAnEvent) {

@@ -187,13 +187,130 @@ TEST_F(ClientRequest, ThatIsBinaryIsDropped) {
     EXPECT_TRUE(unregistered.Connected());
 }
 
-TEST_F(ClientRequest, ThatIsNoMessageIsDropped) {
+constexpr const char* kNoMessages[] = {"", "garbage", "<Order/>", "<ASMessage type='x' version='1'>",
+                                       "<!DOCTYPE x><x/>"};
+
+TEST_F(ClientRequest, ThatIsNoMessageIsRefusedAtOnce) {
+    for (const std::string text : kNoMessages) {
+        auto& client = Client();
+        client.SendsText(text, "7");
+        EXPECT_THAT(client.AnswerTypes(), ElementsAre("ASUnknownResponse")) << text;
+        EXPECT_EQ(client.Answer().Field("ErrorNum"), "-2147218687");
+        EXPECT_THAT(client.Answer().Field("ErrorDesc"), testing::StartsWith("The text is no message"));
+        EXPECT_EQ(client.AnswerTag(), "7");
+        EXPECT_FALSE(client.Connected());
+    }
+    EXPECT_THAT(heard_.All(), IsEmpty());
+}
+
+TEST_F(ClientRequest, ThatIsNoMessageCostsARegisteredClientNothingButTheAnswer) {
     auto& client = RegisteredClient("S17");
-    for (const std::string text :
-         {"", "garbage", "<Order/>", "<ASMessage type='x' version='1'>", "<!DOCTYPE x><x/>"})
-        client.SendsText(text);
+    for (const std::string text : kNoMessages) {
+        client.SendsText(text, "7");
+        EXPECT_EQ(client.Answer().Type(), "ASUnknownResponse") << text;
+        EXPECT_EQ(client.AnswerTag(), "7");
+    }
     EXPECT_THAT(heard_.All(), IsEmpty());
     EXPECT_TRUE(client.Connected());
+}
+
+TEST_F(ClientRequest, OfRegistrationWithASeparatorInItsSessionIdIsRefusedAtOnce) {
+    auto& client = Client();
+    client.Registers("S1|7", "1", "Demo", "2058");
+    EXPECT_EQ(client.Answer().Type(), "ASRegisterResponse");
+    EXPECT_EQ(client.Answer().Field("ErrorNum"), "-2147218932");
+    EXPECT_THAT(client.Answer().Field("ErrorDesc"), testing::StartsWith("El cliente no ha registrado."));
+    EXPECT_FALSE(client.Connected());
+    EXPECT_THAT(zeb_.requests, IsEmpty());
+}
+
+TEST_F(ClientRequest, MayBeAsLargeAsAMebibyteBeforeTheClientHasRegistered) {
+    auto& client = Client();
+    client.Sends(MessageOf("ASProfilesUpdate", {{"Profiles", std::string(1'000'000, 'x')}}));
+    EXPECT_EQ(zeb_.Latest("ASProfilesUpdate").Field("Profiles").size(), 1'000'000U);
+    client.Sends(MessageOf("ASProfilesUpdate", {{"Profiles", std::string(1U << 20, 'x')}}));
+    EXPECT_FALSE(client.Connected());
+}
+
+std::string OrderOf(int elements) {
+    std::string text = "<ASMessage type=\"Order\" version=\"1\">";
+    for (int i = 1; i < elements; ++i)
+        text += "<a/>";
+    return text + "</ASMessage>";
+}
+
+TEST_F(ClientRequest, MayHaveAHundredThousandElementsAndNoMore) {
+    auto& client = RegisteredClient("S17");
+    client.SendsText(OrderOf(100'000));
+    EXPECT_THAT(heard_.All(), ElementsAre("ReceivedData S17"));
+    client.SendsText(OrderOf(100'001));
+    EXPECT_THAT(heard_.All(), ElementsAre("ReceivedData S17"));
+    EXPECT_THAT(client.Answer().Field("ErrorDesc"), testing::HasSubstr("more than 100000 elements"));
+}
+
+TEST_F(ClientRequest, GetsItsTagBackWithARefusal) {
+    const auto refused = [this](const auto& request) {
+        auto& client = Client();
+        request(client);
+        EXPECT_FALSE(client.Connected());
+        return client.AnswerTag();
+    };
+    EXPECT_EQ(refused([](auto& client) { client.Registers("S17", "2", "Demo", "1033", "a"); }), "a");
+    EXPECT_EQ(refused([](auto& client) { client.Registers("S17", "1", "Other", "1033", "b"); }), "b");
+    EXPECT_EQ(refused([](auto& client) { client.Registers("S|7", "1", "Demo", "1033", "c"); }), "c");
+    EXPECT_EQ(refused([](auto& client) { client.Sends(MessageOf("Order"), "d"); }), "d");
+}
+
+TEST_F(ClientRequest, TakesItsTagAcrossTheBusInAnElement) {
+    Client().Sends(MessageOf("ASLoginRequest", {{"ReturnTag", "theirs"}}), "7");
+    EXPECT_EQ(zeb_.Latest("ASLoginRequest").Field("ReturnTag"), "7");
+    Client().Registers("S17", "1", "Demo", "1033", "8");
+    EXPECT_EQ(zeb_.Latest("RequestASRegistration").Field("ReturnTag"), "8");
+}
+
+TEST_F(ClientRequest, WithoutATagHasNoElementForIt) {
+    Client().Sends(MessageOf("ASLoginRequest", {{"ReturnTag", "theirs"}}));
+    EXPECT_FALSE(zeb_.Latest("ASLoginRequest").HasField("ReturnTag"));
+}
+
+// Time in which a client that is not registered has to prove itself.
+class Stranger : public ServerTest {
+ protected:
+    void SetUp() override { Listens(); }
+    void Pass(int seconds) { machine_.loop->Advance(std::chrono::seconds(seconds)); }
+};
+
+TEST_F(Stranger, IsDisconnectedAfterTenSecondsWhateverBlocksItSends) {
+    auto& client = Client();
+    client.SendsBytes("rubbish");
+    Pass(9);
+    EXPECT_TRUE(client.Connected());
+    Pass(1);
+    EXPECT_FALSE(client.Connected());
+}
+
+TEST_F(Stranger, MayStayOnceARequestOfItWasAnswered) {
+    auto& client = Client();
+    client.Sends(MessageOf("ASLoginRequest"));
+    zeb_.Answers("ASLoginRequest", MessageOf("ASLoginResponse"));
+    Pass(1000);
+    EXPECT_TRUE(client.Connected());
+}
+
+TEST_F(Stranger, MayStayOnceItHasRegistered) {
+    auto& client = RegisteredClient("S17");
+    Pass(1000);
+    EXPECT_TRUE(client.Connected());
+}
+
+TEST_F(Stranger, IsNotDisconnectedWhileTheLoginServerThinks) {
+    auto& client = Client();
+    Pass(9);
+    client.Registers("S17");
+    Pass(20);
+    EXPECT_TRUE(client.Connected());
+    zeb_.Grants("S17");
+    EXPECT_THAT(client.AnswerTypes(), ElementsAre("ASRegisterResponse"));
 }
 
 class ClientConnection : public ServerTest {

@@ -26,6 +26,10 @@ TEST_F(ServerLifecycle, StartsUninitialisedWithoutSessions) {
     EXPECT_EQ(Server().Sessions()->Count(), 0);
 }
 
+TEST(KQAppSessServerWithoutAPlatform, IsRefused) {
+    EXPECT_EQ(NumberRaisedBy([] { KQAppSessServer server(nullptr); }), NumberOf(RuntimeError::ObjectNotSet));
+}
+
 TEST_F(ServerLifecycle, RefusesListenStopListeningAndListenerBeforeInitialize) {
     EXPECT_EQ(NumberRaisedBy([this] { Server().Listen(7000); }), kqaserrNotInitialized);
     EXPECT_EQ(NumberRaisedBy([this] { Server().StopListening(); }), kqaserrNotInitialized);

@@ -56,8 +56,10 @@ std::vector<std::string> HeardEvents::Of(const std::string& name) const {
 
 TestClient::TestClient(FakePlatform& machine, std::int32_t port)
     : machine_(machine), connection_(APClient::Create(machine.platform)) {
-    connection_->Receive.Connect(owner_,
-                                 [this](const Block& block) { answers_.emplace_back().LoadXML(block.data); });
+    connection_->Receive.Connect(owner_, [this](const Block& block) {
+        answers_.emplace_back().LoadXML(block.data);
+        tag_ = block.tag;
+    });
     connection_->Connect("127.0.0.1", port, "", 1000);
     machine_.loop->RunReady();
 }
@@ -67,9 +69,9 @@ void TestClient::Sends(const XMLMessage& message, const std::string& tag) {
     machine_.loop->RunReady();
 }
 
-void TestClient::SendsText(const std::string& text) {
+void TestClient::SendsText(const std::string& text, const std::string& tag) {
     connection_->SetSendType(DataType::XML);
-    connection_->SendText(text);
+    connection_->SendText(text, tag);
     machine_.loop->RunReady();
 }
 
@@ -79,9 +81,10 @@ void TestClient::SendsBytes(const std::string& bytes) {
 }
 
 void TestClient::Registers(const std::string& session_id, const std::string& version,
-                           const std::string& app_id, const std::string& locale) {
+                           const std::string& app_id, const std::string& locale, const std::string& tag) {
     Sends(MessageOf("ASRegisterRequest", {{"AppID", app_id}, {"SessionID", session_id}, {"LocaleID", locale}},
-                    version));
+                    version),
+          tag);
 }
 
 void TestClient::Leaves() {
@@ -124,21 +127,32 @@ XMLMessage TestLoginServer::RegistrationOf(const std::string& session_id) const 
     return {};
 }
 
-void TestLoginServer::Says(XMLMessage message, const BusAddress& destination) {
+void TestLoginServer::Mutters(XMLMessage message, const BusAddress& destination) {
     message.SetDestination(destination);
     client_->Send(message);
+}
+
+void TestLoginServer::Says(XMLMessage message, const BusAddress& destination) {
+    Mutters(std::move(message), destination);
     machine_.loop->RunReady();
+}
+
+Fields TestLoginServer::Correlation(const XMLMessage& request) {
+    Fields fields{{"TransID", request.Field("TransID")}};
+    if (request.HasField("ReturnTag")) fields.emplace_back("ReturnTag", request.Field("ReturnTag"));
+    return fields;
 }
 
 void TestLoginServer::Answers(const std::string& request_type, XMLMessage answer) {
     const XMLMessage request = Latest(request_type);
-    answer.SetField("TransID", request.Field("TransID"));
+    for (const auto& [name, value] : Correlation(request))
+        answer.SetField(name, value);
     Says(std::move(answer), {request.Field("ReturnMsgType"), request.Field("ReturnSubType")});
 }
 
 void TestLoginServer::Grants(const std::string& session_id, const Fields& session_info) {
     const XMLMessage request = RegistrationOf(session_id);
-    XMLMessage answer = MessageOf("ASRegistrationResponse", {{"TransID", request.Field("TransID")}});
+    XMLMessage answer = MessageOf("ASRegistrationResponse", Correlation(request));
     answer.SetMessageField("SessionInfo", MessageOf("SessionInfo", session_info));
     Says(std::move(answer), {request.Field("ReturnMsgType"), request.Field("ReturnSubType")});
 }
@@ -146,7 +160,7 @@ void TestLoginServer::Grants(const std::string& session_id, const Fields& sessio
 void TestLoginServer::Refuses(const std::string& session_id, const std::string& code,
                               const std::string& text) {
     const XMLMessage request = RegistrationOf(session_id);
-    XMLMessage answer = MessageOf("ASRegistrationResponse", {{"TransID", request.Field("TransID")}});
+    XMLMessage answer = MessageOf("ASRegistrationResponse", Correlation(request));
     XMLElement error("ErrorResponse");
     error.Add("ErrorCode", code);
     error.Add("ErrorDescription", text);
@@ -155,8 +169,10 @@ void TestLoginServer::Refuses(const std::string& session_id, const std::string& 
 }
 
 ServerTest::ServerTest() {
-    machine_.strings->texts = {
-        {1001, "Must initialize."}, {1002, "Connected on port %0%."}, {1003, "Invalid interfaces."}};
+    machine_.strings->texts = {{1001, "Must initialize."},
+                               {1002, "Connected on port %0%."},
+                               {1003, "Invalid interfaces."},
+                               {412, "The login server is silent.  Again?"}};
     bus_client_->SetEnterpriseID("ENT");
     server_ = std::make_unique<KQAppSessServer>(machine_.platform);
     heard_.ListenTo(*server_);

@@ -54,21 +54,24 @@ class TestClient {
     TestClient(FakePlatform& machine, std::int32_t port);
 
     void Sends(const XMLMessage& message, const std::string& tag = {});
-    void SendsText(const std::string& text);  // as XML, whatever it is
+    void SendsText(const std::string& text, const std::string& tag = {});  // as XML, whatever it is
     void SendsBytes(const std::string& bytes);
     void Registers(const std::string& session_id, const std::string& version = "1",
-                   const std::string& app_id = "Demo", const std::string& locale = "1033");
+                   const std::string& app_id = "Demo", const std::string& locale = "1033",
+                   const std::string& tag = {});
     void Leaves();
 
     std::vector<std::string> AnswerTypes() const;
     // The latest answer; an empty message when there was none.
     XMLMessage Answer() const { return answers_.empty() ? XMLMessage() : answers_.back(); }
+    std::string AnswerTag() const { return tag_; }  // of the latest answer
     bool Connected() const { return connection_->Connected(); }
 
  private:
     FakePlatform& machine_;
     std::shared_ptr<APClient> connection_;
     std::vector<XMLMessage> answers_;
+    std::string tag_;
     Owner owner_;
 };
 
@@ -90,9 +93,13 @@ class TestLoginServer {
     void Answers(const std::string& request_type, XMLMessage answer);
     void SaysToAll(XMLMessage message) { Says(std::move(message), {"AS", "Broadcast"}); }
     void Says(XMLMessage message, const BusAddress& destination);
+    // The same, together with what is said next.
+    void Mutters(XMLMessage message, const BusAddress& destination);
 
  private:
     XMLMessage RegistrationOf(const std::string& session_id) const;
+    // What leads an answer back to the client that asked.
+    static Fields Correlation(const XMLMessage& request);
 
     FakePlatform& machine_;
     std::shared_ptr<XMLBusClient> client_;
