@@ -45,6 +45,8 @@ class Listener : public std::enable_shared_from_this<Listener> {
     // The address given to Listen; when that was empty, the machine's first IPv4 address that is not
     // loopback, else 127.0.0.1. Kept after StopListening.
     std::string LocalAddress() const;
+    // The numeric address that the socket is bound to: "::" or "0.0.0.0" for all; empty when not listening.
+    std::string BoundAddress() const;
 
     // The connections that stand, in the order of their coming. One that has ended is there until its
     // Disconnected.

@@ -65,6 +65,15 @@ TEST_F(Listening, KeepsItsAddressAfterItStopped) {
     EXPECT_EQ(listener_->LocalAddress(), "127.0.0.1");
 }
 
+TEST_F(Listening, TellsWhatItIsBoundTo) {
+    EXPECT_EQ(listener_->BoundAddress(), "");
+    Listen();
+    EXPECT_EQ(listener_->BoundAddress(), "0.0.0.0");
+    listener_->StopListening(false);
+    listener_->Listen(kPort, "127.0.0.1");
+    EXPECT_EQ(listener_->BoundAddress(), "127.0.0.1");
+}
+
 TEST_F(Listening, KeepsTheClientsWhenItStops) {
     Listen();
     const auto caller = Call();

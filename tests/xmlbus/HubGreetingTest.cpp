@@ -29,6 +29,12 @@ TEST_F(HubListenTest, SaysWhatToDoWhenItRefusesToListen) {
     }
 }
 
+TEST_F(HubListenTest, TellsWhatItIsBoundTo) {
+    EXPECT_EQ(hub->BoundAddress(), "");
+    hub->Listen("localhost", 0, "");
+    EXPECT_EQ(hub->BoundAddress(), "127.0.0.1");
+}
+
 TEST_F(HubListenTest, ListensOnLoopbackAddressesWithoutAKey) {
     for (const char* address : {"127.0.0.1", "127.0.0.2", "::1", "localhost"}) {
         hub->Listen(address, 0, "");

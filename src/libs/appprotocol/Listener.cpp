@@ -36,6 +36,7 @@ class Listener::Impl {
     bool Listening() const { return socket_ != nullptr; }
     std::int32_t Port() const { return socket_ ? socket_->LocalPort() : 0; }
     const std::string& LocalAddress() const { return local_address_; }
+    std::string BoundAddress() const { return socket_ ? socket_->LocalAddress() : std::string(); }
 
     std::int32_t Count() const { return static_cast<std::int32_t>(clients_.size()); }
     ClientPtr Find(const std::string& identifier) const;
@@ -186,6 +187,10 @@ std::int32_t Listener::Port() const {
 
 std::string Listener::LocalAddress() const {
     return impl_->LocalAddress();
+}
+
+std::string Listener::BoundAddress() const {
+    return impl_->BoundAddress();
 }
 
 std::int32_t Listener::Count() const {

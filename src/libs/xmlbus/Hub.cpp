@@ -94,6 +94,10 @@ std::int32_t Hub::Port() const {
     return listener_ != nullptr ? listener_->Port() : 0;
 }
 
+std::string Hub::BoundAddress() const {
+    return listener_ != nullptr ? listener_->BoundAddress() : std::string();
+}
+
 HubStatistics Hub::Statistics() const {
     auto statistics = statistics_;
     statistics.peers = PeersIn(true);

@@ -61,7 +61,8 @@ class Hub {
     // Disconnects every peer. What they were sent is still written out.
     void Stop();
     bool Listening() const;
-    std::int32_t Port() const;  // 0 when not listening
+    std::int32_t Port() const;         // 0 when not listening
+    std::string BoundAddress() const;  // as Listener::BoundAddress
 
     HubStatistics Statistics() const;
     // For the next Listen. Raises RuntimeError::InvalidProcedureCall for a number of peers outside 1 to
