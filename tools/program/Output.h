@@ -1,0 +1,53 @@
+// What a program writes to its standard streams arrives, or the program says why it did not.
+#pragma once
+
+#include <chrono>
+#include <ostream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+#include <string_view>
+
+namespace kq {
+
+// How long a write waits while nobody makes room for it.
+struct Patience {
+    std::chrono::milliseconds time = std::chrono::milliseconds::max();  // since there was room last
+    int stop = -1;  // a descriptor that ends the wait when it becomes readable; -1: none
+};
+
+// Writes the text and removes from it what was written. 0, or the errno of what ended it: ETIMEDOUT and EINTR
+// are those of the patience. Waits for room before it writes, so an output that nobody reads holds up nothing
+// but this call, and that no longer than the patience.
+int WriteAll(int descriptor, std::string_view& text, const Patience& patience = {});
+
+// Standard output could not be written.
+struct OutputError : std::runtime_error {
+    explicit OutputError(int error);  // an errno, as WriteAll gives it
+};
+
+// Writes to standard output; raises OutputError.
+void Print(std::string_view text, const Patience& patience = {});
+
+// The line "program: what" on standard error, at once; waits for room for a second at most.
+void Complain(std::string_view program, std::string_view what);
+
+// A stream to a descriptor, written with each flush. After a failed write it is bad.
+class OutputStream : private std::streambuf, public std::ostream {
+ public:
+    OutputStream(int descriptor, const Patience& patience);
+    // The errno of the failed write; 0 while there is none.
+    int Error() const { return error_; }
+
+ private:
+    int overflow(int c) override;
+    std::streamsize xsputn(const char* bytes, std::streamsize count) override;
+    int sync() override;
+
+    int descriptor_;
+    Patience patience_;
+    std::string waiting_;
+    int error_ = 0;
+};
+
+}  // namespace kq
