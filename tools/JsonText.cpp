@@ -1,64 +1,17 @@
-// Control characters are escaped in all three places where Unicode has them (below a blank, DEL to U+009F,
-// the line and paragraph separators): JSON asks for the first only, terminals obey the others.
+// JSON asks for fewer characters to be escaped than a line does; it allows more.
 #include "tools/JsonText.h"
 
-#include "base/Utf.h"
+#include "tools/program/OneLine.h"
 
 namespace kq {
-namespace {
-
-std::string Escape(unsigned code) {
-    constexpr std::string_view kDigits = "0123456789abcdef";
-    std::string text = "\\u";
-    for (int shift = 12; shift >= 0; shift -= 4)
-        text += kDigits[(code >> shift) & 0xFU];
-    return text;
-}
-
-// The control character that well-formed UTF-8 starts with, and its length; length 0 when it starts with
-// another.
-struct Control {
-    unsigned code = 0;
-    std::size_t length = 0;
-};
-
-Control ControlAt(std::string_view text) {
-    const auto byte = [&](std::size_t i) -> unsigned {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-    };
-    if (byte(0) < 0x20 || byte(0) == 0x7F) return {byte(0), 1};
-    if (byte(0) == 0xC2 && byte(1) < 0xA0) return {byte(1), 2};
-    if (byte(0) == 0xE2 && byte(1) == 0x80 && (byte(2) == 0xA8 || byte(2) == 0xA9)) {
-        return {0x2000U + (byte(2) & 0x3FU), 3};
-    }
-    return {};
-}
-
-std::string Escaped(std::string_view text, bool marks) {
-    const std::string repaired = RepairUtf8(text);
-    std::string result;
-    for (std::string_view rest = repaired; !rest.empty();) {
-        const Control control = ControlAt(rest);
-        if (control.length > 0) {
-            result += Escape(control.code);
-            rest.remove_prefix(control.length);
-            continue;
-        }
-        if (marks && (rest.front() == '"' || rest.front() == '\\')) result += '\\';
-        result += rest.front();
-        rest.remove_prefix(1);
-    }
-    return result;
-}
-
-}  // namespace
 
 std::string JsonString(std::string_view text) {
-    return '"' + Escaped(text, true) + '"';
-}
-
-std::string OneLine(std::string_view text) {
-    return Escaped(text, false);
+    std::string marked = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') marked += '\\';
+        marked += c;
+    }
+    return OneLine(marked) + '"';
 }
 
 JsonObject& JsonObject::Add(std::string_view name, std::string_view value) {

@@ -1,5 +1,5 @@
-// Text in JSON. A quoted text is valid JSON whatever bytes it came from, stands on one line and holds no
-// control character, so it is also how texts of others are shown on a terminal.
+// Text in JSON. A quoted text is valid JSON whatever bytes it came from, and is on one line as OneLine makes
+// it, so it is also how texts of others are shown on a terminal.
 #pragma once
 
 #include <cstdint>
@@ -11,9 +11,6 @@ namespace kq {
 
 // The text in quotation marks. Ill-formed UTF-8 becomes U+FFFD.
 std::string JsonString(std::string_view text);
-
-// The same without the quotation marks, and with quotation marks and backslashes as they are: for people.
-std::string OneLine(std::string_view text);
 
 // An object that is written member by member; the caller gives each name once.
 class JsonObject {

@@ -15,6 +15,7 @@ namespace kq {
 namespace {
 
 constexpr int kPatience = 30'000;  // ms
+constexpr int kGlance = 10;        // ms
 
 struct Pipe {
     Pipe() {
@@ -96,14 +97,33 @@ void ChildProcess::Signal(int signal) const {
 }
 
 int ChildProcess::ExitCode() {
-    while (pid_ > 0) {
-        if (ReadMore()) continue;
-        int status = 0;
-        waitpid(pid_, &status, 0);
+    while (ReadMore()) {
+    }
+    HasEnded(0);
+    return exit_code_;
+}
+
+void ChildProcess::ShrinkPipes() const {
+    for (const int pipe : {output_pipe_, error_pipe_}) {
+        if (fcntl(pipe, F_SETPIPE_SZ, 4096) < 0) throw std::runtime_error("F_SETPIPE_SZ");
+    }
+}
+
+int ChildProcess::ExitCodeUnread() {
+    for (int waited = 0; !HasEnded(WNOHANG); waited += kGlance) {
+        if (waited > kPatience) throw std::runtime_error("the program does not end");
+        poll(nullptr, 0, kGlance);
+    }
+    return ExitCode();
+}
+
+bool ChildProcess::HasEnded(int options) {
+    int status = 0;
+    if (pid_ > 0 && waitpid(pid_, &status, options) == pid_) {
         pid_ = -1;
         exit_code_ = ExitCodeFrom(status);
     }
-    return exit_code_;
+    return pid_ < 0;
 }
 
 bool ChildProcess::ReadMore() {

@@ -25,11 +25,16 @@ class ChildProcess {
     void Signal(int signal) const;
     // Waits for the end. A program that a signal ended has the exit code 1000 plus the signal.
     int ExitCode();
+    // The program finds no more room than a page in each of the pipes that it writes to.
+    void ShrinkPipes() const;
+    // ExitCode of a program whose output nobody reads before it has ended.
+    int ExitCodeUnread();
     // All that was written so far, up to the end after ExitCode.
     const std::string& Output() const { return output_; }
     const std::string& Errors() const { return errors_; }
 
  private:
+    bool HasEnded(int options);
     bool ReadMore();  // false at the end of both streams
 
     pid_t pid_ = -1;

@@ -41,8 +41,8 @@ TEST(JsonText, IllFormedUtf8BecomesReplacementCharacters) {
     EXPECT_EQ("\"\xEF\xBF\xBD\"", JsonString("\xC2"));
 }
 
-TEST(JsonText, OneLineShowsMarksAsTheyAreAndNoControlCharacter) {
-    EXPECT_EQ(R"(a"b\c\u000ad)", OneLine("a\"b\\c\nd"));
+TEST(JsonText, EscapesWhatTurnsTheOrderOfItsNeighbours) {
+    EXPECT_EQ(R"("\u202e\udb40\udc41")", JsonString("\xE2\x80\xAE\xF3\xA0\x81\x81"));
 }
 
 TEST(JsonObject, WithoutMembersIsAnEmptyObject) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tools/Loopback.h"
 #include "tools/Site.h"
 
 namespace kq {
@@ -58,6 +59,27 @@ TEST(KqAppServer, EndsCleanlyAtASignal) {
     site.AppServer().Signal(SIGTERM);
     EXPECT_EQ(0, site.AppServer().ExitCode());
     EXPECT_EQ("", site.AppServer().Errors());
+}
+
+TEST(KqAppServer, GoesOnWithoutItsTerminalWhenItWasToldTo) {
+    ChildProcess server({"/bin/sh", "-c", "trap '' HUP; exec \"$0\" \"$@\"", KQ_APPSERVER, "--app", "Demo",
+                         "--bus-port", "1", "--commands"});
+    server.AwaitLine("kqappserver: listening on ");
+    server.Signal(SIGHUP);
+    server.Write("sessions\n");
+    server.AwaitLine("Sessions 0");
+    server.Signal(SIGTERM);
+    EXPECT_EQ(0, server.ExitCode()) << server.Errors();
+}
+
+TEST(KqAppServer, SaysWhereItListens) {
+    ChildProcess one({KQ_APPSERVER, "--app", "Demo", "--bus-port", "1", "--listen", HasIPv6() ? "::1" : ""});
+    const std::string line = one.AwaitLine("kqappserver: listening on ");
+    EXPECT_TRUE(line.starts_with(HasIPv6() ? "kqappserver: listening on [::1]:"
+                                           : "kqappserver: listening on 0.0.0.0:"))
+        << line;
+    ChildProcess all({KQ_APPSERVER, "--app", "Demo", "--bus-port", "1", "--listen", ""});
+    all.AwaitLine(HasIPv6() ? "kqappserver: listening on [::]:" : "kqappserver: listening on 0.0.0.0:");
 }
 
 }  // namespace

@@ -72,6 +72,13 @@ void TerminalProcess::Answer(const std::string& question, const std::string& ans
     Type(answer + "\n");
 }
 
+void TerminalProcess::ShowWhatIsTyped() const {
+    termios mode{};
+    tcgetattr(terminal_, &mode);
+    mode.c_lflag |= ECHO;
+    tcsetattr(terminal_, TCSANOW, &mode);
+}
+
 void TerminalProcess::HangUp() {
     close(terminal_);
     close(person_);

@@ -22,6 +22,8 @@ class TerminalProcess {
     void Type(const std::string& keys) const;
     // Awaits a question, then types the answer and the Enter key.
     void Answer(const std::string& question, const std::string& answer);
+    // The terminal shows what is typed, whatever the program has set.
+    void ShowWhatIsTyped() const;
     void HangUp();  // as when the line to a far terminal breaks
     void Signal(int signal) const;
     // Waits for the end. A program that a signal ended has the exit code 1000 plus the signal.

@@ -3,9 +3,10 @@
 #include <kqappsession/Error.h>
 #include <kqappsession/EventLoop.h>
 
-#include "tools/JsonText.h"
+#include "base/Convert.h"
 #include "tools/kqappserver/EventLines.h"
 #include "tools/program/KeyFile.h"
+#include "tools/program/OneLine.h"
 
 namespace kq {
 namespace {
@@ -55,8 +56,7 @@ void AppServer::Start() {
                        InterfaceVersions(options_.interface_versions));
     server_.Listen(options_.port, options_.listen);
     const auto listener = server_.Listener();
-    write_line_("kqappserver: listening on " + listener->LocalAddress() + ":" +
-                std::to_string(listener->Port()));
+    write_line_("kqappserver: listening on " + AddressAndPort(listener->BoundAddress(), listener->Port()));
 }
 
 void AppServer::Stop() {

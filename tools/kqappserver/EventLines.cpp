@@ -4,6 +4,7 @@
 
 #include "base/Convert.h"
 #include "tools/JsonText.h"
+#include "tools/program/OneLine.h"
 
 namespace kq {
 namespace {
@@ -51,7 +52,7 @@ std::vector<std::string> SessionsLines(const KQAppSessionInfos& sessions) {
         std::string line = SessionLine("Session", *session);
         line += " name=" + JsonString(Trim(session->FirstName() + " " + session->LastName()));
         if (const auto& client = session->Client()) {
-            line += Named("client", client->RemoteAddress() + ":" + std::to_string(client->RemotePort()));
+            line += Named("client", AddressAndPort(client->RemoteAddress(), client->RemotePort()));
         }
         lines.push_back(std::move(line));
     }

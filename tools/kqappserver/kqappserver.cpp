@@ -1,30 +1,32 @@
-// kqappserver: runs a session manager and logs its events, one line each, at once.
-#include <exception>
-#include <iostream>
+// kqappserver: runs a session manager and writes a line for each of its events, at once.
+#include <cerrno>
 #include <memory>
 #include <unistd.h>
 
 #include <kqappsession/EventLoop.h>
 
-#include "tools/StopSignals.h"
 #include "tools/kqappserver/AppServer.h"
 #include "tools/kqappserver/CommandInput.h"
+#include "tools/program/LineWriter.h"
+#include "tools/program/Output.h"
+#include "tools/program/Program.h"
+#include "tools/program/StopSignals.h"
 
 namespace kq {
 namespace {
 
-void Run(const AppServerOptions& options, StopSignals& signals) {
+void Serve(const AppServerOptions& options, StopSignals& signals, LineWriter& lines) {
     const PlatformPtr platform = MakePlatform();
     EventLoop& loop = *platform->loop;
-    AppServer server(platform, options, [](const std::string& line) {
-        std::cout << line << '\n' << std::flush;
-    });
+    AppServer server(platform, options, [&lines](const std::string& line) { lines.Write(line); });
     // The first signal lets the server take its leave; a second one ends that as well.
     signals.Watch(loop, [&loop, &server] {
         if (server.Ending()) loop.Quit();
         server.End();
     });
     server.Start();
+    // Nobody could learn the port. A reader who is late can.
+    if (const int error = lines.Flush(); error != 0 && error != ETIMEDOUT) throw OutputError(error);
     std::unique_ptr<CommandInput> commands;
     if (options.commands) {
         commands = std::make_unique<CommandInput>(loop, STDIN_FILENO,
@@ -36,19 +38,20 @@ void Run(const AppServerOptions& options, StopSignals& signals) {
         loop.RunUntil(ending, loop.Now() + std::chrono::hours(1));
 }
 
+int Main(int argc, const char* const* argv) {
+    int exit_code = kExitDone;
+    const auto options = ParseAppServerOptions(argc, argv, exit_code);
+    if (!options) return exit_code;
+    StopSignals signals;
+    LineWriter lines(STDOUT_FILENO, "kqappserver");
+    Serve(*options, signals, lines);
+    if (const int error = lines.Close()) throw OutputError(error);
+    return kExitDone;
+}
+
 }  // namespace
 }  // namespace kq
 
 int main(int argc, char** argv) {
-    int exit_code = 0;
-    try {
-        const auto options = kq::ParseAppServerOptions(argc, argv, exit_code);
-        if (!options) return exit_code;
-        kq::StopSignals signals;
-        kq::Run(*options, signals);
-        return 0;
-    } catch (const std::exception& error) {
-        std::cerr << "kqappserver: " << error.what() << '\n';
-        return 1;
-    }
+    return kq::RunProgram("kqappserver", kq::kExitFailed, [&] { return kq::Main(argc, argv); });
 }

@@ -10,6 +10,7 @@ namespace kq {
 // X(name, code, meaning): the rows of --help. Codes are never used again for something else.
 #define KQ_EXIT_CODES(X)                                                             \
     X(Ok, 0, "done")                                                                 \
+    X(Output, 1, "standard output could not be written")                             \
     X(Usage, 2, "invalid command line, settings file or password line")              \
     X(NoConnection, 3, "no connection to the login or application server")           \
     X(NoReply, 4, "no reply: time-out or lost connection")                           \

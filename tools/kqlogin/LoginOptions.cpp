@@ -1,12 +1,10 @@
 // The password is no option: other users of the machine can read a command line.
 #include "tools/kqlogin/LoginOptions.h"
 
-#include <iostream>
 #include <limits>
 
-#include <CLI/CLI.hpp>
-
 #include "tools/kqlogin/ExitCodes.h"
+#include "tools/program/CommandLine.h"
 
 namespace kq {
 namespace {
@@ -27,17 +25,15 @@ void CheckTogether(const LoginOptions& options) {
 void AddOptions(CLI::App& app, LoginOptions& options) {
     constexpr auto kLargest = std::numeric_limits<std::int32_t>::max();
     const CLI::Validator filled([](std::string& text) { return std::string(text.empty() ? "is empty" : ""); },
-                                "TEXT");
+                                "");
     auto* tty =
         app.add_flag("--tty", options.tty,
                      "Ask on the terminal for login id and password, for the server when the settings "
                      "file has none, and what to do about failures");
     app.add_option("--address", options.address, "The login server's name or address")->excludes(tty);
-    app.add_option("--port", options.port, "The login server's port")
-        ->check(CLI::Range(1, 65535))
-        ->excludes(tty);
+    app.add_option("--port", options.port, "The login server's port")->check(InRange(kPort))->excludes(tty);
     app.add_option("--time-out", options.time_out, "Milliseconds to wait for a connection or a reply")
-        ->check(CLI::Range(1, kLargest))
+        ->check(InRange({1, kLargest}))
         ->capture_default_str()
         ->excludes(tty);
     app.add_flag("--settings", options.settings,
@@ -52,12 +48,12 @@ void AddOptions(CLI::App& app, LoginOptions& options) {
         ->capture_default_str();
     app.add_option("--client-version", options.client_version, "The version of this client");
     app.add_option("--user", options.user, "The login id")->check(filled)->excludes(tty);
-    app.add_option("--restrict-ip", options.restrict_ip, "Only application servers of this address");
-    app.add_option("--restrict-port", options.restrict_port, "Only application servers of this port")
-        ->check(CLI::Range(1, 65535));
+    app.add_option("--restrict-ip", options.restrict_ip, "Use only application servers at this address");
+    app.add_option("--restrict-port", options.restrict_port, "Use only application servers at this port")
+        ->check(InRange(kPort));
     auto* through = app.add_flag_callback(
         "--use-as-server", [&options] { options.use_as_server = true; },
-        "Log in through the application server; left out: as stored");
+        "Log in through the application server (default: the stored setting)");
     app.add_flag_callback(
            "--no-use-as-server", [&options] { options.use_as_server = false; },
            "Log in with the login server itself")
@@ -77,24 +73,19 @@ std::optional<LoginOptions> ParseLoginOptions(int argc, const char* const* argv,
     CLI::App app(
         "Logs a user in. The password is read from standard input: a prompt without echo on a terminal, else "
         "one line. With --tty the user is asked for everything, as in the dialogs of a program with windows; "
-        "questions go to standard error, the result to standard output.",
+        "questions go to standard error, the result to standard output.\n"
+        "Example: kqlogin --address 127.0.0.1 --port 7700 --app Demo --user ann",
         "kqlogin");
     app.footer(
         "Settings file: $XDG_CONFIG_HOME/HLXApps/AppSess_APP.ini (default: ~/.config/HLXApps/), where APP is "
         "the application identifier\n\n" +
         ExitCodeHelp());
-    app.set_version_flag("--version", "kqlogin " KQ_VERSION);
+    PrepareCommandLine(app);
     AddOptions(app, options);
-    try {
-        app.parse(argc, argv);
-        CheckTogether(options);
-        return options;
-    } catch (const CLI::Success& success) {
-        exit_code = app.exit(success);
-    } catch (const CLI::ParseError& error) {
-        std::cerr << "kqlogin: " << error.what() << " (see kqlogin --help)\n";
-        exit_code = static_cast<int>(ExitCode::Usage);
-    }
+    app.final_callback([&options] { CheckTogether(options); });
+    const auto code = ParseCommandLine(app, argc, argv);
+    if (!code) return options;
+    exit_code = *code;
     return std::nullopt;
 }
 

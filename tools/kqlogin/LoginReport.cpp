@@ -8,6 +8,7 @@
 
 #include "base/Convert.h"
 #include "tools/JsonText.h"
+#include "tools/program/OneLine.h"
 
 namespace kq {
 namespace {
@@ -73,7 +74,7 @@ void LoginReport::LoggedIn(const KQAppSessClient& client) {
     Line("LoginID " + OneLine(session->LoginID()));
     Line("Name " + OneLine(Trim(session->FirstName() + " " + session->LastName())));
     Line("UserUID " + OneLine(session->Export()->Field("UserUID")));
-    Line("AppServer " + OneLine(client.AppServerAddress()) + ":" + std::to_string(client.AppServerPort()));
+    Line("AppServer " + OneLine(AddressAndPort(client.AppServerAddress(), client.AppServerPort())));
     for (const auto& name : ProfileNames(client))
         Line("Profile " + OneLine(name));
     if (const auto profile = client.CurrentProfile()) Line("CurrentProfile " + OneLine(profile->Name()));

@@ -3,19 +3,19 @@
 //
 // A signal ends the running step and with it the program; the connections are closed in order on every way
 // out.
-#include <exception>
-#include <iostream>
 #include <unistd.h>
 
 #include <kqappsession/EventLoop.h>
 #include <kqappsession/KQAppSessClient.h>
 #include <kqappsession/TtyPlatform.h>
 
-#include "tools/PasswordInput.h"
-#include "tools/StopSignals.h"
 #include "tools/kqlogin/ExitCodes.h"
 #include "tools/kqlogin/LoginOptions.h"
 #include "tools/kqlogin/LoginReport.h"
+#include "tools/program/Output.h"
+#include "tools/program/PasswordInput.h"
+#include "tools/program/Program.h"
+#include "tools/program/StopSignals.h"
 
 namespace kq {
 namespace {
@@ -85,52 +85,59 @@ bool LogIn(EventLoop& loop, KQAppSessClient& client, const LoginOptions& options
     return true;
 }
 
-int Run(const LoginOptions& options, StopSignals& signals) {
-    if (options.tty && isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) == 0) {
-        std::cerr << "kqlogin: --tty asks on standard error, which is not the terminal\n";
-        return static_cast<int>(ExitCode::Usage);
-    }
-    Secret password;
-    if (!options.tty) {
-        password = ReadPassword(STDIN_FILENO, STDERR_FILENO, "Password: ", signals.Descriptor());
-    }
+// What comes of a login, as an exit code.
+ExitCode Outcome(const LoginOptions& options, StopSignals& signals, LoginReport& report, Secret password) {
     const PlatformPtr platform = options.tty ? MakeTtyPlatform() : MakePlatform();
     EventLoop& loop = *platform->loop;
     signals.Watch(loop, [&loop] { loop.Quit(); });
     KQAppSessClient client(platform);
-    LoginReport report(std::cout, std::cerr, options.json);
-    ExitCode code = ExitCode::Ok;
     try {
-        if (LogIn(loop, client, options, std::move(password), report)) return static_cast<int>(code);
-        code = ExitCode::GivenUp;
+        if (LogIn(loop, client, options, std::move(password), report)) return ExitCode::Ok;
     } catch (const Error& error) {
         report.Failed(client, error);
-        code = ExitCodeOf(error);
+        return signals.Received() != 0 ? ExitCode::Signal : ExitCodeOf(error);
     }
-    if (signals.Received() != 0) return static_cast<int>(ExitCode::Signal) + signals.Received();
-    if (code == ExitCode::GivenUp) report.GivenUp(client);
-    return static_cast<int>(code);
+    if (signals.Received() != 0) return ExitCode::Signal;
+    report.GivenUp(client);
+    return ExitCode::GivenUp;
+}
+
+int Run(const LoginOptions& options, StopSignals& signals) {
+    Secret password;
+    if (!options.tty) password = PasswordInput(STDIN_FILENO, STDERR_FILENO).Read("Password: ");
+    // An output that nobody reads does not hold up the end.
+    const Patience patience{.stop = signals.Descriptor()};
+    OutputStream output(STDOUT_FILENO, patience);
+    OutputStream errors(STDERR_FILENO, patience);
+    LoginReport report(output, errors, options.json);
+    const ExitCode code = Outcome(options, signals, report, std::move(password));
+    if (code == ExitCode::Ok && output.Error() != 0) throw OutputError(output.Error());
+    return static_cast<int>(code) + (code == ExitCode::Signal ? signals.Received() : 0);
+}
+
+int Main(int argc, const char* const* argv) {
+    int exit_code = 0;
+    const auto options = ParseLoginOptions(argc, argv, exit_code);
+    if (!options) return exit_code;
+    if (options->tty && isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) == 0) {
+        Complain("kqlogin", "--tty asks on standard error, which is not the terminal");
+        return static_cast<int>(ExitCode::Usage);
+    }
+    StopSignals signals;
+    try {
+        return Run(*options, signals);
+    } catch (const PasswordInterrupted&) {
+        return static_cast<int>(ExitCode::Signal) + signals.Received();
+    } catch (const PasswordError& error) {
+        Complain("kqlogin", error.what());
+        return static_cast<int>(ExitCode::Usage);
+    }
 }
 
 }  // namespace
 }  // namespace kq
 
 int main(int argc, char** argv) {
-    int exit_code = 0;
-    try {
-        const auto options = kq::ParseLoginOptions(argc, argv, exit_code);
-        if (!options) return exit_code;
-        kq::StopSignals signals;
-        try {
-            return kq::Run(*options, signals);
-        } catch (const kq::PasswordInterrupted&) {
-            return static_cast<int>(kq::ExitCode::Signal) + signals.Received();
-        } catch (const kq::PasswordError& error) {
-            std::cerr << "kqlogin: " << error.what() << '\n';
-            return static_cast<int>(kq::ExitCode::Usage);
-        }
-    } catch (const std::exception& error) {
-        std::cerr << "kqlogin: " << error.what() << '\n';
-        return static_cast<int>(kq::ExitCode::Other);
-    }
+    return kq::RunProgram("kqlogin", static_cast<int>(kq::ExitCode::Other),
+                          [&] { return kq::Main(argc, argv); });
 }
