@@ -6,6 +6,7 @@
 #include <kqappsession/Error.h>
 #include <kqappsession/WebData.h>
 
+#include "tools/program/OneLine.h"
 #include "zeb/PrivateFiles.h"
 #include "zeb/UserData.h"
 
@@ -86,8 +87,9 @@ std::string ListUsers(Store& store) {
         if (account.disabled) flags += "disabled ";
         if (account.must_change) flags += "must-change ";
         if (!flags.empty()) flags.pop_back();
-        text += std::to_string(account.uid) + "\t" + account.login + "\t" + account.first_name + "\t" +
-                account.last_name + "\t" + std::to_string(account.max_sessions) + "\t" + flags + "\n";
+        text += std::to_string(account.uid) + "\t" + OneLine(account.login) + "\t" +
+                OneLine(account.first_name) + "\t" + OneLine(account.last_name) + "\t" +
+                std::to_string(account.max_sessions) + "\t" + flags + "\n";
     }
     return text;
 }

@@ -113,7 +113,7 @@ void ClientRequests::Guard(const PeerPtr& peer, const std::function<void()>& ste
     try {
         step();
     } catch (const std::exception& error) {
-        services_.log.error("{} to {} failed: {}", Response::kType, peer->Name(), ForLog(error.what()));
+        services_.log.error("{} to {} failed: {}", Response::kType, peer->Name(), error.what());
         Refuse<Response>(peer, Refusal::Failed, {});
     }
 }

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <functional>
@@ -17,6 +16,7 @@
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"
+#include "tools/program/WholeNumber.h"
 
 namespace kq::zeb {
 namespace {
@@ -36,12 +36,13 @@ constexpr std::array<Setting, 14> kSettings = {{
     {"log_level", "trace, debug, info, warn, error or off",
      Choice{&Config::log_level, "trace|debug|info|warn|error|off"}},
     {"register_time", "seconds from a login to its registration", Number{&Config::register_time, 1, 86'400}},
-    {"max_connections", "connections of clients at once", Number{&Config::max_connections, 1, 100'000}},
+    {"max_connections", "maximum number of client connections", Number{&Config::max_connections, 1, 100'000}},
     {"max_request", "largest request in KiB", Number{&Config::max_request, 4, 16'384}},
     {"password_threads", "threads that check passwords", Number{&Config::password_threads, 1, 64}},
-    {"password_queue", "password checks that may wait", Number{&Config::password_queue, 0, 10'000}},
-    {"password_passes", "argon2id passes of new hashes", Number{&Config::password_passes, 1, 16}},
-    {"password_memory", "argon2id memory of new hashes in MiB", Number{&Config::password_memory, 1, 1'024}},
+    {"password_queue", "maximum number of queued password checks",
+     Number{&Config::password_queue, 0, 10'000}},
+    {"password_passes", "argon2id passes for new hashes", Number{&Config::password_passes, 1, 16}},
+    {"password_memory", "argon2id memory for new hashes in MiB", Number{&Config::password_memory, 1, 1'024}},
 }};
 
 constexpr std::string_view kVariablePrefix = "ZEBD_";
@@ -61,13 +62,10 @@ struct Setter {
     }
 
     void operator()(const Number& value) const {
-        std::int32_t number = 0;
-        const char* end = text.data() + text.size();
-        const auto result = std::from_chars(text.data(), end, number);
-        if (result.ec != std::errc() || result.ptr != end || number < value.least || number > value.most)
-            Fail(where, "must be a whole number from " + std::to_string(value.least) + " to " +
-                            std::to_string(value.most));
-        config.*value.member = number;
+        const NumberRange range{value.least, value.most};
+        const auto number = WholeNumber(text, range);
+        if (!number) Fail(where, RangeRule(range));
+        config.*value.member = *number;
     }
 
     void operator()(const Choice& value) const {
@@ -120,6 +118,28 @@ std::string Quoted(std::string_view text) {
 
 std::span<const Setting> ConfigSettings() {
     return kSettings;
+}
+
+std::string TypeOf(const Setting& setting) {
+    return std::holds_alternative<Number>(setting.value) ? "NUMBER" : "TEXT";
+}
+
+std::string RangeOf(const Setting& setting) {
+    const auto* const number = std::get_if<Number>(&setting.value);
+    return number ? RangeText({number->least, number->most}) : std::string();
+}
+
+std::string DefaultOf(const Setting& setting) {
+    const Config config;
+    return std::visit(
+        [&config](const auto& value) {
+            if constexpr (std::is_same_v<std::decay_t<decltype(value)>, Number>) {
+                return std::to_string(config.*value.member);
+            } else {
+                return config.*value.member;
+            }
+        },
+        setting.value);
 }
 
 void ApplyFile(const std::string& path, Config& config) {

@@ -48,6 +48,10 @@ struct Setting {
 };
 
 std::span<const Setting> ConfigSettings();
+// For the help: "NUMBER" or "TEXT"; "1 to 64", empty for a text; the default, empty when there is none.
+std::string TypeOf(const Setting& setting);
+std::string RangeOf(const Setting& setting);
+std::string DefaultOf(const Setting& setting);
 
 // Each raises kq::Error whose description is one line that says where the mistake is:
 // "zebd.toml:3: unknown key \"colour\"", "ZEBD_PORT: must be a whole number from 0 to 65535", "--port: ...".

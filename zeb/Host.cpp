@@ -7,6 +7,7 @@
 #include <kqappsession/Error.h>
 
 #include "tools/program/KeyFile.h"
+#include "tools/program/OneLine.h"
 #include "zeb/Admin.h"
 
 namespace kq::zeb {
@@ -28,7 +29,7 @@ void Naming(const std::string& address, std::int32_t port, const std::function<v
         listen();
     } catch (const Error& error) {
         throw Error(error.Number(), error.Source(),
-                    address + ":" + std::to_string(port) + ": " + error.Description());
+                    AddressAndPort(address.empty() ? "*" : address, port) + ": " + error.Description());
     }
 }
 
@@ -64,6 +65,14 @@ Host::Host(PlatformPtr platform, const Config& config, const std::shared_ptr<spd
 }
 
 Host::~Host() = default;
+
+std::string Host::Listening() const {
+    return AddressAndPort(zeb_->BoundAddress(), zeb_->Port());
+}
+
+std::string Host::BusListening() const {
+    return AddressAndPort(hub_->BoundAddress(), hub_->Port());
+}
 
 void Host::Stop() {
     zeb_->Stop();

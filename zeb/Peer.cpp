@@ -4,21 +4,13 @@
 #include <kqappsession/Error.h>
 
 #include "messages/ASMessages.h"
+#include "tools/program/OneLine.h"
 #include "zeb/Services.h"
 
 namespace kq::zeb {
-namespace {
-
-constexpr std::size_t kMaxLogText = 64;
-
-}  // namespace
 
 std::string ForLog(std::string_view text) {
-    std::string line(text.substr(0, kMaxLogText));
-    for (auto& c : line) {
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
-    }
-    return line;
+    return ShortLine(text);
 }
 
 void DirectPeer::Answer(const XMLMessage& answer) {
@@ -44,7 +36,7 @@ void RelayedPeer::Answer(const XMLMessage& answer) {
 }
 
 std::string RelayedPeer::Name() const {
-    return ForLog(reply_.type + "/" + reply_.subtype + " " + trans_id_);
+    return ForLog(reply_.type) + "/" + ForLog(reply_.subtype) + " " + ForLog(trans_id_);
 }
 
 }  // namespace kq::zeb

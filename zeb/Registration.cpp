@@ -19,7 +19,7 @@ void ServerMessages::Register(const XMLMessage& message) {
     try {
         refusal = Confirm(request, info);
     } catch (const std::exception& error) {
-        services_.log.error("A registration failed: {}", ForLog(error.what()));
+        services_.log.error("A registration failed: {}", error.what());
     }
     if (refusal == Refusal::None) {
         services_.log.info("Session of {} registered with {} {}", ForLog(info.LoginID), ForLog(request.AppID),

@@ -41,7 +41,8 @@ struct Services {
     }
 };
 
-// A text from outside as it may stand in the log: one line, not too long.
+// A text that a client or another server made up, for the log: on one line, cut after 64 characters. The
+// server's own reasons are logged whole.
 std::string ForLog(std::string_view text);
 
 }  // namespace kq::zeb

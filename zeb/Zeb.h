@@ -45,6 +45,7 @@ class Zeb {
     // application server is not used while its reply address has none.
     void Reachable(const BusAddress& address, bool there);
     std::int32_t Port() const { return listener_->Port(); }
+    std::string BoundAddress() const { return listener_->BoundAddress(); }
 
  private:
     void ListenForClients();

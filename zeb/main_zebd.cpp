@@ -1,120 +1,136 @@
 // zebd: the login server as a program.
-#include <csignal>
 #include <cstdlib>
-#include <iostream>
 #include <map>
 #include <unistd.h>
-
-#include <CLI/CLI.hpp>
-#include <spdlog/sinks/stdout_color_sinks.h>
-#include <spdlog/spdlog.h>
 
 #include <kqappsession/Error.h>
 #include <kqappsession/Platform.h>
 
+#include "tools/program/CommandLine.h"
+#include "tools/program/Output.h"
+#include "tools/program/Program.h"
+#include "tools/program/StopSignals.h"
 #include "zeb/Config.h"
 #include "zeb/Host.h"
-#include "zeb/Signals.h"
+#include "zeb/Log.h"
 
 namespace {
 
 using namespace kq;
 using namespace kq::zeb;
 
-enum Exit { kStopped = 0, kFailed = 1, kMisused = 2 };
-
 constexpr const char* kAbout =
     "The login server. It answers logins and registrations for the users in its database and carries the "
-    "bus.\n"
-    "When it is ready it writes two lines to standard output:\n"
+    "bus. Its log goes to standard error. When it is ready it writes two lines to standard output:\n"
     "  zebd: listening on ADDRESS:PORT\n"
     "  zebd: bus on ADDRESS:PORT\n"
-    "Its log goes to standard error.";
+    "The database is made by 'zebctl init --data DIR'.\n"
+    "Example: zebd --data /var/lib/zebd";
 
 constexpr const char* kFooter =
-    "Every setting can also stand in the configuration file (underlines for hyphens) or in the environment\n"
-    "(ZEBD_DATA, ZEBD_PORT and so on; ZEBD_CONFIG names the file). The command line wins over the "
-    "environment,\n"
-    "the environment over the file.\n"
-    "SIGTERM and SIGINT stop the server. Exit codes: 0 stopped, 1 failed, 2 wrong command line or "
-    "configuration.";
+    "Every setting can also be given in the configuration file (underlines for hyphens) or in the "
+    "environment (ZEBD_DATA, ZEBD_PORT and so on; ZEBD_CONFIG names the file). The command line wins over "
+    "the environment, the environment over the file.\n"
+    "\n"
+    "SIGTERM, SIGINT and SIGHUP stop the server.\n"
+    "\n";
 
-Config ReadConfig(std::string file, const std::map<std::string, std::string>& flags) {
+struct CommandLine {
+    std::string file;
+    std::map<std::string, std::string> flags;  // by setting
+};
+
+// Nothing when the program ends with `exit_code`.
+std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, int& exit_code) {
+    CommandLine result;
+    std::map<std::string, std::string> values;
+    CLI::App app(kAbout, "zebd");
+    app.footer(kFooter + ExitCodeTable({{kExitDone, "stopped"},
+                                        {kExitFailed, "failed"},
+                                        {kExitMisused, "invalid command line or configuration"}}));
+    PrepareCommandLine(app);
+    app.add_option("--config", result.file, "configuration file (TOML)")->type_name("FILE");
+    for (const auto& setting : ConfigSettings()) {
+        const std::string name(setting.name);
+        auto* const option = app.add_option(FlagOf(name), values[name], std::string(setting.help));
+        option->type_name(TypeOf(setting))->default_str(DefaultOf(setting));
+        if (const auto range = RangeOf(setting); !range.empty()) option->check(ShowRange(range));
+    }
+    if (const auto code = ParseCommandLine(app, argc, argv)) {
+        exit_code = *code;
+        return std::nullopt;
+    }
+    for (const auto& [name, value] : values) {
+        if (app.count(FlagOf(name)) > 0) result.flags[name] = value;
+    }
+    return result;
+}
+
+Config ReadConfig(const CommandLine& command_line) {
     Config config;
+    std::string file = command_line.file;
     const char* variable = std::getenv(kFileVariable.data());
     if (file.empty() && variable) file = variable;
     if (!file.empty()) ApplyFile(file, config);
     ApplyEnvironment(environ, config);
-    ApplyFlags(flags, config);
+    ApplyFlags(command_line.flags, config);
     if (config.data.empty())
         throw Error(NumberOf(RuntimeError::InvalidProcedureCall), "zebd",
-                    "--data: the folder with the database is missing");
+                    "--data is required (the folder with the database)");
     return config;
 }
 
-int Serve(const Config& config) {
-    auto log = spdlog::stderr_color_mt("zebd");
-    log->set_level(spdlog::level::from_str(config.log_level));
+void LogStrayExceptions(const std::shared_ptr<spdlog::logger>& log) {
     SetStrayExceptionHandler([log](const std::exception_ptr& stray) {
         try {
             std::rethrow_exception(stray);
         } catch (const std::exception& error) {
-            log->error("An event handler failed: {}", ForLog(error.what()));
+            log->error("An event handler failed: {}", error.what());
         } catch (...) {
             log->error("An event handler failed.");
         }
     });
-    std::signal(SIGPIPE, SIG_IGN);
+}
+
+void Serve(const Config& config, StopSignals& signals, const std::shared_ptr<spdlog::logger>& log) {
     const auto platform = MakePlatform();
     bool stopping = false;
-    const StopSignals signals(platform->loop, [&] { stopping = true; });
+    signals.Watch(*platform->loop, [&] { stopping = true; });
     Host host(platform, config, log);
-    const auto shown = [](const std::string& address) { return address.empty() ? "0.0.0.0" : address; };
-    std::cout << "zebd: listening on " << shown(config.listen) << ":" << host.Port() << "\n"
-              << "zebd: bus on " << shown(config.bus_address) << ":" << host.BusPort() << std::endl;
+    Print("zebd: listening on " + host.Listening() + "\nzebd: bus on " + host.BusListening() + "\n",
+          {.time = std::chrono::seconds(1)});
     platform->loop->RunUntil([&] { return stopping; }, EventLoop::TimePoint::max());
     log->info("Stopping");
     host.Stop();
-    return kStopped;
+}
+
+int Main(int argc, const char* const* argv) {
+    int exit_code = kExitDone;
+    const auto command_line = ReadCommandLine(argc, argv, exit_code);
+    if (!command_line) return exit_code;
+    Config config;
+    try {
+        config = ReadConfig(*command_line);
+    } catch (const Error& error) {
+        Complain("zebd", error.Description() + " (see zebd --help)");
+        return kExitMisused;
+    }
+    StopSignals signals;
+    const auto lines = std::make_shared<LineWriter>(STDERR_FILENO, "zebd");
+    const auto log = MakeLog(lines, config.log_level, StandardErrorShowsColours());
+    LogStrayExceptions(log);
+    try {
+        Serve(config, signals, log);
+    } catch (...) {
+        lines->Close();
+        throw;
+    }
+    lines->Close();
+    return kExitDone;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app(kAbout, "zebd");
-    app.footer(kFooter);
-    std::string file;
-    app.add_option("--config", file, "configuration file (TOML)")->type_name("FILE");
-    std::map<std::string, std::string> values;
-    std::map<std::string, CLI::Option*> options;
-    for (const auto& setting : ConfigSettings()) {
-        const std::string name(setting.name);
-        options[name] =
-            app.add_option(FlagOf(name), values[name], std::string(setting.help))
-                ->type_name(std::holds_alternative<Setting::Number>(setting.value) ? "NUMBER" : "TEXT");
-    }
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) return app.exit(error);
-        std::cerr << "zebd: " << error.what() << std::endl;
-        return kMisused;
-    }
-    std::map<std::string, std::string> flags;
-    for (const auto& [name, option] : options) {
-        if (option->count() > 0) flags[name] = values[name];
-    }
-    Config config;
-    try {
-        config = ReadConfig(file, flags);
-    } catch (const Error& error) {
-        std::cerr << "zebd: " << error.Description() << std::endl;
-        return kMisused;
-    }
-    try {
-        return Serve(config);
-    } catch (const std::exception& error) {
-        std::cerr << "zebd: " << error.what() << std::endl;
-        return kFailed;
-    }
+    return RunProgram("zebd", kExitFailed, [&] { return Main(argc, argv); });
 }

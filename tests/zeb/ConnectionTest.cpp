@@ -237,7 +237,7 @@ TEST_F(Connection, NobodyWritesLinesOfHisOwnIntoTheLog) {
     validate.AppID = "Demo\n[error] forged";
     Ask(validate.Build());
     EXPECT_EQ(Log().find("\n[error] forged"), std::string::npos);
-    EXPECT_NE(Log().find("Demo?[error] forged"), std::string::npos);
+    EXPECT_NE(Log().find("Demo\\u000a[error] forged"), std::string::npos);
 }
 
 }  // namespace

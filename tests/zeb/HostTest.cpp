@@ -1,5 +1,4 @@
 // zebd as a whole, on this machine's own network and threads: from the configuration to a login.
-#include <csignal>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,7 +9,6 @@
 #include "tools/program/KeyFile.h"
 #include "zeb/Admin.h"
 #include "zeb/Host.h"
-#include "zeb/Signals.h"
 #include "zeb/TemporaryFolder.h"
 
 namespace kq::zeb {
@@ -158,17 +156,6 @@ TEST_F(ZebHost, OffersNoBusWithoutAKeyToOtherMachines) {
         config.bus_address = address;
         EXPECT_THAT(WhyNot(), testing::HasSubstr("A hub without a key listens on loopback only")) << address;
     }
-}
-
-TEST(ZebStopSignals, ArriveOnTheLoop) {
-    const auto loop = MakePlatform()->loop;
-    int stops = 0;
-    const StopSignals signals(loop, [&] { ++stops; });
-    std::raise(SIGTERM);
-    EXPECT_EQ(stops, 0);
-    EXPECT_TRUE(loop->RunUntil([&] { return stops == 1; }, loop->Now() + std::chrono::seconds(20)));
-    std::raise(SIGINT);
-    EXPECT_TRUE(loop->RunUntil([&] { return stops == 2; }, loop->Now() + std::chrono::seconds(20)));
 }
 
 }  // namespace
