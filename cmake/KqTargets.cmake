@@ -1,6 +1,8 @@
 # Common settings of every target: language, warnings as errors, sanitizers, compiler cache.
 #
-#   kq_library(<target> SOURCES <file>... [LINKS <target>...])   a room of src/, include paths start at src/
+#   kq_library(<target> SOURCES <file>... [LINKS <target>...] [PRECOMPILE <header>...])
+#                                                                a room of src/, include paths start at src/; the
+#                                                                headers are other people's that most sources include
 #   kq_test(<name> SOURCES <file>... LINKS <target>...)          a GoogleTest program, every case its own ctest;
 #                                                                for Windows one ctest, which runs it under Wine
 
@@ -39,12 +41,18 @@ if(MINGW)
 endif()
 
 function(kq_library target)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRECOMPILE" ${ARGN})
   add_library(${target} STATIC ${ARG_SOURCES})
   target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE kq_settings)
   target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}/include" "${PROJECT_SOURCE_DIR}/src")
   if(KQ_SANITIZE)
     target_link_options(${target} PUBLIC -fsanitize=address,undefined)
+  endif()
+  if(KQ_PRECOMPILE AND (ARG_PRECOMPILE OR target STREQUAL "kq_base"))
+    target_precompile_headers(${target} PRIVATE <algorithm> <array> <chrono> <functional> <map> <memory> <optional> <string>
+                                                <string_view> <vector> <kqappsession/APClient.h> ${ARG_PRECOMPILE})
+  elseif(KQ_PRECOMPILE)
+    target_precompile_headers(${target} REUSE_FROM kq_base)
   endif()
 endfunction()
 

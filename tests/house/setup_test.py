@@ -37,9 +37,9 @@ class Setup(unittest.TestCase):
         self.write(name, f"#!/bin/sh\n{script}\n")
         os.chmod(self.path(name), 0o755)
 
-    def run_setup(self, missing=()):
+    def run_setup(self, missing=(), purposes=()):
         self.write("missing", "".join(f"{name}\n" for name in missing))
-        return subprocess.run([SETUP], env={"PATH": self.folder, "MACHINE": self.folder}, capture_output=True,
+        return subprocess.run([SETUP, *purposes], env={"PATH": self.folder, "MACHINE": self.folder}, capture_output=True,
                               text=True, timeout=60, check=False)
 
     def calls(self):
@@ -57,6 +57,20 @@ class Setup(unittest.TestCase):
         update, install = self.calls().splitlines()
         self.assertTrue(update.endswith(" update"), update)
         self.assertTrue(install.endswith(" cmake libsodium-dev"), install)
+
+    def test_installs_no_toolkit_and_no_compiler_for_windows_for_the_demo(self):
+        missing = ["cmake", "qt6-base-dev", "wine", "g++-mingw-w64-x86-64", "xvfb"]
+        self.assertEqual(0, self.run_setup(missing, ["demo"]).returncode)
+        self.assertTrue(self.calls().splitlines()[1].endswith(" cmake"), self.calls())
+
+    def test_installs_for_several_purposes_each_package_once(self):
+        self.assertEqual(0, self.run_setup(["cmake", "wine", "libgtest-dev"], ["test", "windows"]).returncode)
+        self.assertTrue(self.calls().splitlines()[1].endswith(" cmake libgtest-dev wine"), self.calls())
+
+    def test_refuses_an_unknown_purpose(self):
+        run = self.run_setup(["cmake"], ["demos"])
+        self.assertEqual((1, "scripts/setup: give what to install for: demo, test, windows or tidy\n"),
+                         (run.returncode, run.stderr))
 
     def test_names_the_package_that_cannot_be_had(self):
         self.write("unknown", "libsodium-dev\n")
