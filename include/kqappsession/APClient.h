@@ -17,6 +17,7 @@
 #include <string>
 #include <string_view>
 
+#include <kqappsession/Export.h>
 #include <kqappsession/Platform.h>
 #include <kqappsession/Signal.h>
 #include <kqappsession/XMLMessage.h>
@@ -59,7 +60,7 @@ struct APLimits {
     Milliseconds proof{0};
 };
 
-class APClient : public std::enable_shared_from_this<APClient> {
+class KQ_EXPORT APClient : public std::enable_shared_from_this<APClient> {
  public:
     static constexpr std::int32_t kDefaultTimeOut = 10'000;  // ms
 
@@ -147,7 +148,7 @@ class APClient : public std::enable_shared_from_this<APClient> {
 
  private:
     friend class Listener;
-    class Impl;
+    class KQ_HIDDEN Impl;
     explicit APClient(PlatformPtr platform);
     std::unique_ptr<Impl> impl_;
 };

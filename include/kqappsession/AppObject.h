@@ -6,9 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include <kqappsession/Export.h>
+
 namespace kq {
 
-class AppObject {
+class KQ_EXPORT AppObject {
  public:
     virtual ~AppObject() = default;
     // The property as text; nothing when the object has none of that name. Called on the loop's thread. May

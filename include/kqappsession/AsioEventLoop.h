@@ -6,11 +6,12 @@
 #include <asio/io_context.hpp>
 
 #include <kqappsession/EventLoop.h>
+#include <kqappsession/Export.h>
 
 namespace kq {
 
 // A loop that runs on `context`. The context must outlive the loop and be run by one thread at a time, either
 // by the host (context.run) or by the library's own waits.
-std::shared_ptr<EventLoop> MakeAsioEventLoop(asio::io_context& context);
+KQ_EXPORT std::shared_ptr<EventLoop> MakeAsioEventLoop(asio::io_context& context);
 
 }  // namespace kq

@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include <kqappsession/Export.h>
+
 namespace kq {
 
 // The source of every error that the login and session procedures raise.
@@ -36,13 +38,13 @@ enum class ErrorCause : std::int32_t {
 #undef KQ_X
 };
 // The name as it is written here: "NoReply".
-const char* NameOf(ErrorCause cause);
+KQ_EXPORT const char* NameOf(ErrorCause cause);
 
 // The cause that an error number alone tells: NoReply for NetError::TimedOut, NoConnection for the numbers of
 // a connection that failed or was lost, else Other.
-ErrorCause CauseOf(std::int32_t number);
+KQ_EXPORT ErrorCause CauseOf(std::int32_t number);
 
-class Error : public std::exception {
+class KQ_EXPORT Error : public std::exception {
  public:
     // The cause is CauseOf(number).
     Error(std::int32_t number, std::string source, std::string description)
@@ -81,8 +83,8 @@ constexpr std::int32_t NumberOf(RuntimeError error) {
 
 // Raises the run-time error with its usual English description, or with `description` when one is given that
 // tells the caller more. The source is kLibrarySource.
-[[noreturn]] void Raise(RuntimeError error, std::string_view description = {},
-                        ErrorCause cause = ErrorCause::Other);
+[[noreturn]] KQ_EXPORT void Raise(RuntimeError error, std::string_view description = {},
+                                  ErrorCause cause = ErrorCause::Other);
 
 // Errors of connections carry Winsock's numbers on every platform.
 enum class NetError : std::int32_t {
@@ -105,10 +107,10 @@ enum class NetError : std::int32_t {
 
 // The sentence for a Winsock number: "The connection was refused" and so on, without a full stop, so that it
 // can end another sentence; unknown numbers get one that names the number.
-std::string NetErrorText(std::int32_t number);
+KQ_EXPORT std::string NetErrorText(std::int32_t number);
 
 // Raises an Error with the Winsock number itself (a positive number), the given source and its sentence, or
 // `description` when one is given.
-[[noreturn]] void Raise(NetError error, std::string_view source, std::string_view description = {});
+[[noreturn]] KQ_EXPORT void Raise(NetError error, std::string_view source, std::string_view description = {});
 
 }  // namespace kq

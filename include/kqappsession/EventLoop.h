@@ -12,13 +12,14 @@
 #include <cstdint>
 #include <functional>
 
+#include <kqappsession/Export.h>
 #include <kqappsession/Signal.h>
 
 namespace kq {
 
 using Milliseconds = std::chrono::milliseconds;
 
-class EventLoop {
+class KQ_EXPORT EventLoop {
  public:
     using Task = std::function<void()>;
     using TimePoint = std::chrono::steady_clock::time_point;

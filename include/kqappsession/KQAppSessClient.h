@@ -42,6 +42,7 @@
 #include <kqappsession/APClient.h>
 #include <kqappsession/AppObject.h>
 #include <kqappsession/Error.h>
+#include <kqappsession/Export.h>
 #include <kqappsession/KQAppSessErrorEnum.h>
 #include <kqappsession/KQAppSessionInfo.h>
 #include <kqappsession/Platform.h>
@@ -59,7 +60,7 @@ enum KQAppSessLoginState : std::int32_t {
     kqaslsSystemLogin = 1,  // logged in with the login server; no application-server session, or it was lost
     kqaslsServerLogin = 2,  // registered with the application server as well
 };
-const char* NameOf(KQAppSessLoginState state);
+KQ_EXPORT const char* NameOf(KQAppSessLoginState state);
 
 struct SystemLoginArguments {
     std::string AppID;             // the application identifier
@@ -80,7 +81,7 @@ struct SystemLoginArguments {
 
 class ClientState;
 
-class KQAppSessClient {
+class KQ_EXPORT KQAppSessClient {
  public:
     // RuntimeError::ObjectNotSet for null.
     explicit KQAppSessClient(PlatformPtr platform);

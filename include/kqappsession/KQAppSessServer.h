@@ -23,6 +23,7 @@
 #include <vector>
 
 #include <kqappsession/AppObject.h>
+#include <kqappsession/Export.h>
 #include <kqappsession/KQAppSessErrorEnum.h>
 #include <kqappsession/KQAppSessionInfo.h>
 #include <kqappsession/Listener.h>
@@ -34,7 +35,7 @@ namespace kq {
 
 // The interface versions that an application accepts, in order: given as a list, or as a text that is split
 // at every "|" when it holds one, else at every "," (no trimming, empty pieces kept).
-class InterfaceVersions {
+class KQ_EXPORT InterfaceVersions {
  public:
     InterfaceVersions() = default;
     explicit InterfaceVersions(std::string_view text);
@@ -50,7 +51,7 @@ class InterfaceVersions {
     bool valid_ = true;
 };
 
-class KQAppSessServer {
+class KQ_EXPORT KQAppSessServer {
  public:
     using SessionPtr = std::shared_ptr<KQAppSessionInfo>;
     using MessagePtr = std::shared_ptr<XMLMessage>;
@@ -117,7 +118,7 @@ class KQAppSessServer {
     void setInstallExeFile(const std::string& install_exe_file);
 
  private:
-    class Impl;
+    class KQ_HIDDEN Impl;
     std::shared_ptr<Impl> impl_;  // held by whoever works in it, so events may destroy this object
 };
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <kqappsession/APClient.h>
+#include <kqappsession/Export.h>
 #include <kqappsession/XMLMessage.h>
 
 namespace kq {
@@ -18,7 +19,7 @@ namespace kq {
 // Reads every property out of the message that the login server returned for the session, at the moment it is
 // asked; nothing is copied. Reading a property of a record that was never filled raises
 // RuntimeError::ObjectNotSet; a field that the message lacks reads as empty text.
-class KQAppSessionInfo {
+class KQ_EXPORT KQAppSessionInfo {
  public:
     std::string AppID() const { return Field("AppID"); }
     std::string SessionID() const { return Field("SessionID"); }
@@ -60,7 +61,7 @@ class KQAppSessionInfo {
 
 // The live sessions of an application server, in the order of their coming, keyed by session id as it was
 // when the session was added. Adding, removing and finding one by its id do not slow down with many sessions.
-class KQAppSessionInfos {
+class KQ_EXPORT KQAppSessionInfos {
  public:
     using SessionPtr = std::shared_ptr<KQAppSessionInfo>;
 

@@ -10,10 +10,11 @@
 #include <vector>
 
 #include <kqappsession/APClient.h>
+#include <kqappsession/Export.h>
 
 namespace kq {
 
-class Listener : public std::enable_shared_from_this<Listener> {
+class KQ_EXPORT Listener : public std::enable_shared_from_this<Listener> {
  public:
     using ClientPtr = std::shared_ptr<APClient>;
 
@@ -82,7 +83,7 @@ class Listener : public std::enable_shared_from_this<Listener> {
     void SetMaxUnadmittedBytes(std::size_t bytes);
 
  private:
-    class Impl;
+    class KQ_HIDDEN Impl;
     explicit Listener(PlatformPtr platform);
     std::unique_ptr<Impl> impl_;
 };

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include <kqappsession/EventLoop.h>
+#include <kqappsession/Export.h>
 
 namespace kq {
 
@@ -54,7 +55,7 @@ using PlatformPtr = std::shared_ptr<const Platform>;
 // 1033, 1046, 2058, 9226, 10250, 11274, 13322, 14346 and 15370. Any other Spanish uses the texts of 2058, any
 // other Portuguese those of 1046, and every other language those of 1033 (English). Servers are sent the
 // identifier unchanged.
-PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop = nullptr,
-                         std::optional<std::int32_t> language = {});
+KQ_EXPORT PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop = nullptr,
+                                   std::optional<std::int32_t> language = {});
 
 }  // namespace kq

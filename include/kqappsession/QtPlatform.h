@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 
+#include <kqappsession/Export.h>
 #include <kqappsession/Platform.h>
 
 namespace kq {
@@ -23,10 +24,10 @@ class Icon;
 // the bundle and all objects that use it. Whether QApplication::exec runs makes no difference. `language` as
 // for MakePlatform, with its error; the buttons of message boxes are in that language too. Raises
 // RuntimeError::InvalidProcedureCall when there is no QApplication yet, and on another thread than its own.
-PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language = {});
+KQ_EXPORT PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language = {});
 
 // A picture for the dialogs' title bars from a file that Qt can read. Null when it cannot.
 // Raises RuntimeError::InvalidProcedureCall when there is no QApplication yet.
-std::shared_ptr<const Icon> MakeQtIcon(const std::string& path);
+KQ_EXPORT std::shared_ptr<const Icon> MakeQtIcon(const std::string& path);
 
 }  // namespace kq

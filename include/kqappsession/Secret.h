@@ -5,13 +5,15 @@
 #include <string_view>
 #include <utility>
 
+#include <kqappsession/Export.h>
+
 namespace kq {
 
 // Overwrites `size` bytes in a way that the optimiser keeps.
-void WipeMemory(void* data, std::size_t size) noexcept;
-void Wipe(std::string& text) noexcept;
+KQ_EXPORT void WipeMemory(void* data, std::size_t size) noexcept;
+KQ_EXPORT void Wipe(std::string& text) noexcept;
 
-class Secret {
+class KQ_EXPORT Secret {
  public:
     Secret() = default;
     explicit Secret(std::string_view text) : text_(text) {}

@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include <kqappsession/Export.h>
+
 namespace kq {
 
 // What a callback is bound to. A class that hands out callbacks keeps one Owner as its last member, so that
@@ -43,8 +45,8 @@ class Owner {
 // Told of an exception that left an event handler; exceptions never pass through a Signal into the code that
 // raised the event. The default handler drops it. `set` returns the handler that was set before.
 using StrayExceptionHandler = std::function<void(std::exception_ptr)>;
-StrayExceptionHandler SetStrayExceptionHandler(StrayExceptionHandler handler);
-void ReportStrayException(std::exception_ptr exception) noexcept;
+KQ_EXPORT StrayExceptionHandler SetStrayExceptionHandler(StrayExceptionHandler handler);
+KQ_EXPORT void ReportStrayException(std::exception_ptr exception) noexcept;
 
 template <class... Args>
 class Signal {

@@ -7,9 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include <kqappsession/Export.h>
+
 namespace kq {
 
-class Statistics {
+class KQ_EXPORT Statistics {
  public:
     // What was recorded under one name. Durations are milliseconds.
     struct Duration {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 
+#include <kqappsession/Export.h>
 #include <kqappsession/Platform.h>
 #include <kqappsession/Signal.h>
 
@@ -11,7 +12,7 @@ namespace kq {
 
 // Ticks every Interval milliseconds while Enabled; the next tick is due one interval after the last one was
 // delivered, so ticks never pile up. A handler may change, disable or drop the timer.
-class Timer {
+class KQ_EXPORT Timer {
  public:
     explicit Timer(PlatformPtr platform);
     ~Timer();

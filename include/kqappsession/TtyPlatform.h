@@ -19,6 +19,7 @@
 #include <memory>
 #include <optional>
 
+#include <kqappsession/Export.h>
 #include <kqappsession/Platform.h>
 
 namespace kq {
@@ -29,7 +30,7 @@ namespace kq {
 // a terminal but written elsewhere, each of them is answered by Cancel; an output that takes nothing for ten
 // seconds counts as one that cannot be written. So is a password that the terminal would show.
 // `loop` and `language` as for MakePlatform, with its error.
-PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop = nullptr, int input = 0, int output = 2,
-                            std::optional<std::int32_t> language = {});
+KQ_EXPORT PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop = nullptr, int input = 0,
+                                      int output = 2, std::optional<std::int32_t> language = {});
 
 }  // namespace kq

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include <kqappsession/Export.h>
 #include <kqappsession/Signal.h>
 
 namespace kq {
@@ -24,7 +25,7 @@ inline constexpr std::int32_t kNotWebData = static_cast<std::int32_t>(0x80040B11
 struct WebDataReader;  // builds what a text says; the loaders' own
 
 // A user's texts by key.
-class TranslationTable {
+class KQ_EXPORT TranslationTable {
  public:
     std::string Language() const { return language_; }
     void SetLanguage(std::string_view language);
@@ -47,7 +48,7 @@ class TranslationTable {
 class DataTable;
 
 // One row of a DataTable: a text in each column that was set.
-class DataRow {
+class KQ_EXPORT DataRow {
  public:
     // Raises RuntimeError::InvalidProcedureCall when the table has no such column. An empty value is the same
     // as none.
@@ -64,7 +65,7 @@ class DataRow {
 };
 
 // Rows found by Select: a count and items from 1.
-class DataRows {
+class KQ_EXPORT DataRows {
  public:
     std::int32_t Count() const { return static_cast<std::int32_t>(rows_.size()); }
     // Raises RuntimeError::InvalidProcedureCall outside 1 to Count.
@@ -78,7 +79,7 @@ class DataRows {
 };
 
 // A table of texts. A copy has rows of its own.
-class DataTable {
+class KQ_EXPORT DataTable {
  public:
     DataTable() : DataTable("", "") {}
     // `columns`: names separated by commas, blanks around them are not part of them. Raises
@@ -111,7 +112,7 @@ class DataTable {
 };
 
 // The tables of one profile, in the order in which they were added. A copy has tables of its own.
-class TableStore {
+class KQ_EXPORT TableStore {
  public:
     TableStore() = default;
     TableStore(const TableStore& other);
@@ -140,7 +141,7 @@ class TableStore {
 };
 
 // A named set of application settings. A copy has tables of its own.
-class Profile {
+class KQ_EXPORT Profile {
  public:
     explicit Profile(std::string_view name = {});
     const std::string& Name() const { return name_; }
@@ -161,7 +162,7 @@ class Profile {
 };
 
 // A user's profiles, in the order in which they were added.
-class Profiles {
+class KQ_EXPORT Profiles {
  public:
     // Raised after the collection has changed (not by LoadXML).
     Signal<std::shared_ptr<Profile>> ProfileAdded;

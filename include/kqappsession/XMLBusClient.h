@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include <kqappsession/Export.h>
 #include <kqappsession/Platform.h>
 #include <kqappsession/Signal.h>
 #include <kqappsession/XMLMessage.h>
@@ -55,7 +56,7 @@ struct BusStatistics {
     std::int64_t waiting = 0;  // in the queue now
 };
 
-class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
+class KQ_EXPORT XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
  public:
     using MessagePtr = std::shared_ptr<XMLMessage>;
     struct Limits {
@@ -130,7 +131,7 @@ class XMLBusClient : public std::enable_shared_from_this<XMLBusClient> {
     void SetLimits(const Limits& limits);
 
  private:
-    class Impl;
+    class KQ_HIDDEN Impl;
     XMLBusClient();
     std::unique_ptr<Impl> impl_;
 };

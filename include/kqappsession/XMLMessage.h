@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include <kqappsession/Export.h>
+
 namespace kq {
 
 // An attribute of an element. Attributes carry what a nested text form needs: a nested message's header, the
@@ -24,7 +26,7 @@ struct XMLAttribute {
 
 // One element: a name, attributes, and either a text or child elements (an element that has children has no
 // text of its own).
-class XMLElement {
+class KQ_EXPORT XMLElement {
  public:
     XMLElement() = default;
     // Raises RuntimeError::InvalidProcedureCall when `name` cannot name an XML element, or `text` holds what
@@ -78,7 +80,7 @@ struct BusAddress {
     auto operator<=>(const BusAddress&) const = default;  // NOLINT(modernize-use-nullptr): it holds none
 };
 
-class XMLMessage {
+class KQ_EXPORT XMLMessage {
  public:
     // What a text may hold at most before it is refused; a text over a limit raises an Error like any other
     // text that is no message.

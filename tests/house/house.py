@@ -50,7 +50,7 @@ DIALOGS_SEE = {"platform/DialogHost.h", "platform/Form.h", "platform/Shortcuts.h
 PUBLIC_ONLY = {("zeb", "client"), ("zeb", "server"), ("tools", "client"), ("tools", "server")}
 
 PUBLIC_HEADERS = {
-    "Error": "base", "Signal": "base", "Secret": "base", "AppObject": "base",
+    "Export": "base", "Error": "base", "Signal": "base", "Secret": "base", "AppObject": "base",
     "EventLoop": "platform", "Platform": "platform", "AsioEventLoop": "platform", "QtPlatform": "platform/qt",
     "TtyPlatform": "platform/tty",
     "XMLMessage": "libs/xmlmessage", "WebData": "libs/webdata", "Statistics": "libs/statistics",
