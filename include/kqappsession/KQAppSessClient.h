@@ -4,7 +4,7 @@
 //   kq::SystemLoginArguments login;
 //   login.AppID = "Demo";  login.InterfaceVersion = "1.0";
 //   login.LoginID = "ann"; login.Password = kq::Secret(password);
-//   login.Address = "zeb.example.com"; login.Port = 7710; login.TimeOut = 10000;
+//   login.Address = "zeb.example.com"; login.Port = 7700; login.TimeOut = 10000;
 //   client.SystemLogin(false, login);   // raises a kq::Error when it fails
 //   client.ServerLogin(false);
 //   client.SessionClient()->Send(message);

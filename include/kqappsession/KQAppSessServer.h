@@ -105,9 +105,9 @@ class KQ_EXPORT KQAppSessServer {
     // and the listener's errors; what the bus client's sending raises comes when all else is done. Waits up
     // to 1 s while a bus client that runs already writes out what waits.
     void Listen(std::int32_t listen_port, const std::string& local_address = {});
-    // Takes no more clients (and drops those that are there), says so on the bus and leaves its place there,
-    // which waits up to 1 s. Raises kqaserrNotInitialized unless initialised, and as Listen what sending
-    // raises.
+    // Accepts no more clients; with `disconnect_all` the connected ones are disconnected too. Announces that
+    // on the bus and leaves it, which waits up to 1 s. Raises kqaserrNotInitialized unless initialised, and
+    // as Listen what sending raises.
     void StopListening(bool disconnect_all = false);
     // Whether a bus message is one of the three that the host must leave to this object:
     // "RequestBroadcastAS", "ASRegistrationResponse" or "ASLogoutUser" of the login server's schema. False

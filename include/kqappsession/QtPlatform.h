@@ -4,8 +4,8 @@
 //   kq::KQAppSessClient client(kq::MakeQtPlatform());
 //   client.SystemLogin(true, login);   // asks the user through dialogs
 //
-// The dialogs are modal for all of the program's windows and come above its active one. While one is open,
-// the program's windows go on drawing, and its connections, timers and sockets are served.
+// Dialogs that ask are modal for all of the program's windows; the wait window is not. While one is open, the
+// program's windows go on drawing, and its connections, timers and sockets are served.
 #pragma once
 
 #include <cstdint>
