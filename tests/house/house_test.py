@@ -7,7 +7,6 @@ import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import house
-import readme_example
 
 
 class House(unittest.TestCase):
@@ -108,20 +107,6 @@ class House(unittest.TestCase):
         self.file("docs/tour.md", "see [a](wire.md#top), [b](../README.md) and [c](https://example.com/x)\n")
         self.file("docs/wire.md", "\n")
         self.assertEqual(["docs/tour.md:1: there is no ../README.md"], self.breaches("links"))
-
-
-class ReadmeExample(unittest.TestCase):
-    def test_the_one_code_block_is_taken_as_it_stands(self):
-        self.assertEqual("int main() {\n}\n",
-                         readme_example.example("# A\n\n```cpp\nint main() {\n}\n```\n\n```sh\nls\n```\n"))
-
-    def test_a_text_without_code_is_refused(self):
-        with self.assertRaises(ValueError):
-            readme_example.example("# A\n")
-
-    def test_a_second_program_is_refused(self):
-        with self.assertRaises(ValueError):
-            readme_example.example("```cpp\nint a;\n```\n```cpp\nint b;\n```\n")
 
 
 if __name__ == "__main__":
