@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Checks the rules of the house: who may include whom, what stands in public headers, where the operating system may
-be asked for, how long a file may be, where documents lead.
+be asked for, how long a file may be, where documents lead and what they name, which version this is.
 
-    house.py CHECK ROOT      CHECK: includes, headers, platforms, sizes or links; ROOT: the source tree
+    house.py CHECK ROOT      CHECK: includes, headers, platforms, sizes, links, names or version; ROOT: the source tree
 
 Prints one line for each breach, "file:line: what", and fails when there is any.
 """
@@ -78,6 +78,11 @@ INCLUDE = re.compile(r'\s*#\s*include\s*([<"])([^>"]+)[>"]')
 WINDOWS_SWITCH = re.compile(r"\s*#\s*(if|ifdef|ifndef|elif)\b.*\b_WIN(32|64)\b")
 LONGEST_FILE = 800
 LINK = re.compile(r"\]\(([^)\s]+)\)")
+NAMED_PATH = re.compile(r"`((?:include|src|zeb|tools|tests|bench|docs|resources|cmake|scripts)/[\w./-]+)`")
+NAME_TESTS = ("docs/adding.md", "docs/hacking.md")  # documents whose names with a point are tests
+NAMED_TEST = re.compile(r"`([A-Z]\w+\.[A-Z]\w+|House\.[a-z]+)`")
+TEST = re.compile(r"^TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
+ADDED_TEST = re.compile(r"add_test\(\s*NAME\s+([\w.]+)")
 
 
 def files(root, folders, endings):
@@ -207,8 +212,7 @@ def check_sizes(root):
 
 def check_links(root):
     """A document's links to files of the tree lead somewhere."""
-    documents = [name for name in sorted(os.listdir(root)) if name.endswith(".md")]
-    for path in documents + list(files(root, ("docs", "include", "src", "zeb", "tools", "tests"), (".md",))):
+    for path in documents(root):
         for number, line in lines(root, path):
             for target in LINK.findall(line):
                 if "://" in target or target.startswith("#"):
@@ -217,8 +221,39 @@ def check_links(root):
                     yield f"{path}:{number}: there is no {target}"
 
 
+def documents(root):
+    """The documents of the tree, in order."""
+    yield from (name for name in sorted(os.listdir(root)) if name.endswith(".md"))
+    yield from files(root, ("docs", "include", "src", "zeb", "tools", "tests"), (".md",))
+
+
+def check_names(root):
+    """The files that documents name and the tests that some do are there."""
+    tests = {f"House.{check}" for check in CHECKS}
+    for path in files(root, ("tests",), (".cpp", ".txt", ".cmake")):
+        text = "\n".join(line for _, line in lines(root, path))
+        tests |= {".".join(match) for match in TEST.findall(text)} | set(ADDED_TEST.findall(text))
+    for path in documents(root):
+        for number, line in lines(root, path):
+            for name in NAMED_PATH.findall(line):
+                if not os.path.exists(os.path.join(root, name)):
+                    yield f"{path}:{number}: there is no {name}"
+            for name in NAMED_TEST.findall(line) if path in NAME_TESTS else ():
+                if name not in tests:
+                    yield f"{path}:{number}: there is no test {name}"
+
+
+def check_version(root):
+    """The newest entry of CHANGELOG.md is the version that is built."""
+    build, changes = "\n".join(line for _, line in lines(root, "CMakeLists.txt")), lines(root, "CHANGELOG.md")
+    version = re.search(r"^project\(.*VERSION ([\d.]+)", build, re.MULTILINE)[1]
+    number, newest = next(((number, line[3:]) for number, line in changes if line.startswith("## ")), (1, "none"))
+    if newest != version:
+        yield f"CHANGELOG.md:{number}: the newest version is {newest}, CMakeLists.txt builds {version}"
+
+
 CHECKS = {"includes": check_includes, "headers": check_headers, "platforms": check_platforms, "sizes": check_sizes,
-          "links": check_links}
+          "links": check_links, "names": check_names, "version": check_version}
 
 
 def main(arguments):

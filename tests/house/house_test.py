@@ -108,6 +108,22 @@ class House(unittest.TestCase):
         self.file("docs/wire.md", "\n")
         self.assertEqual(["docs/tour.md:1: there is no ../README.md"], self.breaches("links"))
 
+    def test_a_file_or_test_that_a_document_names_and_that_is_not_there_is_found(self):
+        self.file("tests/a/ATest.cpp", "TEST_F(Login, Succeeds) {}\n")
+        self.file("docs/adding.md", "`tests/a/ATest.cpp`, `Login.Succeeds`, `House.names` and `tests/a/<Name>.cpp`\n"
+                               "`tests/a/BTest.cpp` `Login.Fails`\n")
+        self.assertEqual(["docs/adding.md:2: there is no tests/a/BTest.cpp",
+                          "docs/adding.md:2: there is no test Login.Fails"],
+                         self.breaches("names"))
+
+    def test_the_newest_version_of_the_changes_is_the_one_that_is_built(self):
+        self.file("CMakeLists.txt", "project(A VERSION 1.2.0 LANGUAGES CXX)\n")
+        self.file("CHANGELOG.md", "# Changes\n\n## 1.2.0\n\n## 1.1.0\n")
+        self.assertEqual([], self.breaches("version"))
+        self.file("CHANGELOG.md", "# Changes\n\n## 1.1.0\n")
+        self.assertEqual(["CHANGELOG.md:3: the newest version is 1.1.0, CMakeLists.txt builds 1.2.0"],
+                         self.breaches("version"))
+
 
 if __name__ == "__main__":
     unittest.main()
