@@ -2,7 +2,7 @@
 """Makes what stands beside the automation DLL out of its list of classes and the type library descriptions.
 
     generate_automation.py manifest COCLASSES IDL_FOLDER OUTPUT   activation without registration
-    generate_automation.py resources COCLASSES OUTPUT             the resource script with the type libraries
+    generate_automation.py resources COCLASSES VERSION OUTPUT     the resource script with the type libraries
 """
 import re
 import sys
@@ -32,7 +32,8 @@ def identifiers(path):
     return found
 
 
-# The assembly has not the DLL's name: the system would look for its manifest inside the DLL then.
+# The assembly has not the DLL's name: the system would look for its manifest inside the DLL then. Its version is that of
+# the interfaces, by which programs ask for it, not the DLL's.
 def manifest(list_path, folder, output):
     lines = ['<?xml version="1.0" encoding="UTF-8" standalone="yes"?>',
              '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">',
@@ -61,8 +62,8 @@ def manifest(list_path, folder, output):
 
 
 VERSION = """1 VERSIONINFO
-FILEVERSION 1,0,0,0
-PRODUCTVERSION 1,0,0,0
+FILEVERSION {numbers}
+PRODUCTVERSION {numbers}
 FILEOS 0x40004
 FILETYPE 2
 BEGIN
@@ -71,11 +72,11 @@ BEGIN
     BLOCK "040904B0"
     BEGIN
       VALUE "FileDescription", "KQ Application Session Library"
-      VALUE "FileVersion", "1.0.0.0"
+      VALUE "FileVersion", "{text}"
       VALUE "InternalName", "KQAppSessionLib"
       VALUE "OriginalFilename", "KQAppSessionLib.dll"
       VALUE "ProductName", "KQAppSessionLib"
-      VALUE "ProductVersion", "1.0.0.0"
+      VALUE "ProductVersion", "{text}"
     END
   END
   BLOCK "VarFileInfo"
@@ -86,15 +87,16 @@ END
 """
 
 
-def resources(list_path, output):
+def resources(list_path, version, output):
+    numbers = (version.split(".") + ["0"] * 4)[:4]
     with open(output, "w", encoding="utf-8") as file:
         for number, library in rows(list_path, "KQ_TYPE_LIBRARIES"):
             file.write(f'{number} TYPELIB "{library}.tlb"\n')
-        file.write(VERSION)
+        file.write(VERSION.format(numbers=",".join(numbers), text=".".join(numbers)))
 
 
 def main():
-    commands = {"manifest": (manifest, 3), "resources": (resources, 2)}
+    commands = {"manifest": (manifest, 3), "resources": (resources, 3)}
     command, count = commands.get(sys.argv[1] if len(sys.argv) > 1 else "", (None, 0))
     if command is None or len(sys.argv) != count + 2:
         sys.exit(__doc__)
