@@ -77,7 +77,9 @@ class KQ_EXPORT KQAppSessServer {
     Signal<const SessionPtr&, const ClientPtr&, std::int32_t, const std::string&> SessionError;
     // A message was handed to the bus client.
     Signal<const MessagePtr&> XMLBusSend;
-    // A bus message for this object arrived; number 0 and no text unless it is a refusal.
+    // A bus message for this object arrived; number 0 and no text unless it is a refusal. Also raised for an
+    // answer to a request that is not open, which has no other effect; such an answer to a client that is
+    // still connected is reported to the stray-exception handler.
     Signal<const MessagePtr&, std::int32_t, const std::string&> XMLBusReceive;
     // A session was added or removed.
     Signal<> Count;

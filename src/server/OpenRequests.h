@@ -43,7 +43,7 @@ class OpenRequests {
     std::optional<OpenRequest> Take(const std::string& client, std::string_view answer,
                                     const std::string& session_id, const std::string& tag_element);
     bool Has(const std::string& client) const { return clients_.contains(client); }
-    // The connection has gone.
+    // The connection has ended.
     void Forget(const std::string& client);
 
     // When the oldest one was asked.

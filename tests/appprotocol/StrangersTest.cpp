@@ -149,9 +149,9 @@ TEST_F(StrangersPlaces, AreLostWhenTheMachineHasNoMoreSockets) {
     Heard();
     machine_.network->FailNextAccept(10024);
     const auto newcomer = Call("10.1.1.3");
+    EXPECT_EQ(Heard(), "accepted client-error:10024 gone");
     EXPECT_TRUE(crowd[0]->heard_end);
     EXPECT_FALSE(crowd[1]->heard_end);
-    EXPECT_FALSE(newcomer->heard_end);
 }
 
 class StrangersMemory : public ListenerScene {

@@ -98,7 +98,7 @@ void Listener::Impl::OnWaiting() {
         std::int32_t error = 0;
         auto stream = socket->Accept(&error);
         if (error != 0) {
-            strangers->MakeRoom();
+            if (strangers->MakeRoom()) continue;
             face_.Error(error, NetErrorText(error));
             return;
         }
