@@ -180,6 +180,15 @@ TEST_F(Download, DoesNotUnderstandOtherTypesOfData) {
     EXPECT_EQ(dialog.LastFailure().number, -1);
 }
 
+TEST_F(Download, EndsWithTheUnknownResponseWhenTheServerSendsAnotherTypeOfData) {
+    for (const int type : {1, 64, 255}) {
+        zeb.On(kRequest, [type](ScriptedPeer::Link& link, const XMLMessage&) { link.SendFrame(type, "?"); });
+        FailsBecauseOf(Failed("An unknown response was received"));
+        EXPECT_EQ(dialog.LastFailure().number, -1);
+    }
+    EXPECT_TRUE(client->Connected());
+}
+
 TEST_F(Download, TellsWhyTheConnectionFailed) {
     zeb.On(kRequest, FakeZeb::Reset());
     FailsBecauseOf(NetErrorText(10054));
