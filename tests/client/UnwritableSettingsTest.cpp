@@ -48,6 +48,20 @@ TEST_F(UnwritableSettingsTest, AreAskedForAndWarnedOfOnceInALogin) {
     ExpectQuestions();
 }
 
+TEST_F(UnwritableSettingsTest, AreWarnedOfOnceThoughTheUserChangesThemTwice) {
+    NothingIsStored();
+    GivesTheServer();
+    IsWarned();
+    GivesTheServer();
+    user.Expect("frmLogin", [](FakeUser& at) {
+        at.Clicks("cmdShowHide");
+        at.Clicks("cmdChangeServer");
+        at.Clicks("cmdCancel");
+    });
+    EXPECT_FALSE(Login());
+    ExpectQuestions();
+}
+
 TEST_F(UnwritableSettingsTest, CountWhenTheyAreChangedInTheLoginDialog) {
     machine.profile_file->read_only = true;
     user.Expect("frmServer", [](FakeUser& at) {
