@@ -1,5 +1,6 @@
 // Where exceptions go that leave an event handler. The handler is shared by all threads of the process.
 #include <mutex>
+#include <utility>
 
 #include <kqappsession/Signal.h>
 
@@ -34,7 +35,7 @@ void ReportStrayException(std::exception_ptr exception) noexcept {
             const std::lock_guard lock(stray.mutex);
             handler = stray.handler;
         }
-        if (handler) handler(exception);
+        if (handler) handler(std::move(exception));
     } catch (...) {
         // The last place an exception can come to; there is nobody left to tell.
     }
