@@ -83,6 +83,14 @@ TEST_F(CommandLineOfAProgram, ShowsItsHelp) {
     EXPECT_EQ(exit_code_, 0);
 }
 
+TEST_F(CommandLineOfAProgram, FillsEightyColumns) {
+    const std::string first(40, 'a');
+    app_.footer(first + " " + std::string(39, 'b') + " c\n" + first + " " + std::string(40, 'd'));
+    EXPECT_TRUE(Run({"--help"})
+                    .ends_with("\n" + first + " " + std::string(39, 'b') + "\nc\n" + first + "\n" +
+                               std::string(40, 'd') + "\n"));
+}
+
 TEST_F(CommandLineOfAProgram, ShowsTheHelpOfACommand) {
     EXPECT_EQ(Run({"user", "add", "--help"}),
               "Usage: prog user add LOGIN [OPTIONS]\n"

@@ -2,6 +2,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <poll.h>
 #include <sstream>
 #include <sys/resource.h>
 
@@ -67,6 +68,7 @@ TEST(LineWriter, KeepsTheNewestLinesAndCountsTheOthersWhenNobodyReads) {
     EXPECT_EQ(counted.lines + counted.missing, 10'000);
     EXPECT_GT(counted.missing, 9'000);
     EXPECT_LE(counted.after_last_mark, 1'000U);
+    EXPECT_GT(counted.after_last_mark, 950U);
     EXPECT_EQ(lines.Close(), 0);
 }
 
@@ -85,6 +87,18 @@ TEST(LineWriter, EndsAlthoughNobodyReads) {
     lines.Write("never read");
     EXPECT_EQ(lines.Close(), ETIMEDOUT);
     EXPECT_EQ(lines.Close(), ETIMEDOUT);
+}
+
+TEST(LineWriter, WritesNothingAfterItsEnd) {
+    const Pipe pipe;
+    pipe.Fill();
+    LineWriter lines(pipe.Writer(), "test");
+    lines.Write("never read");
+    EXPECT_EQ(lines.Close(), ETIMEDOUT);
+    lines.Write("too late");
+    EXPECT_EQ(pipe.ReadUpTo("."), std::string(4096, '.'));
+    pollfd more{pipe.Reader(), POLLIN, 0};
+    EXPECT_EQ(poll(&more, 1, 50), 0);
 }
 
 TEST(LineWriter, TellsWhyLinesAreLost) {
