@@ -4,10 +4,10 @@
 //   client.SystemLogin(true, login);   // asks on the terminal
 //
 // A dialog's boxes are asked one after the other, passwords without echo; then its buttons are offered by
-// number. As long as a button leaves the dialog open it is asked again from the start. An empty answer keeps
-// what is there, for buttons the default one; a single blank empties a text box. The interrupt key and the
-// end of the input are Cancel. What a login waits for, and how far a download is, are told in lines.
-// Connections and timers are served meanwhile.
+// number. As long as a button leaves the dialog open it is asked again: after a message from the box that it
+// is about, else from the start. An empty answer keeps what is there, for buttons the default one; a single
+// space empties a text box. The interrupt key and the end of the input are Cancel. What a login waits for,
+// and how far a download is, are told in lines. Connections and timers are served meanwhile.
 //
 // While a question waits the terminal is in a mode of its own; the mode before comes back with every answer,
 // when the program exits or an exception passes, and when the default action of a usual signal ends it

@@ -26,6 +26,11 @@ void Window::SelectsAllOnFocus(std::string_view box) {
     control.OnGotFocus([&control] { control.SelectAll(); });
 }
 
+void Window::GoBackTo(Control& box) {
+    form_->SetFocus(box);
+    box.SelectAll();
+}
+
 void Window::Warn(std::int32_t text_id) {
     const auto dialogs = platform_->dialogs;
     dialogs->ShowMessageBox(texts_.LoadText(text_id), std::string(kLibrarySource), BoxStyle::Warning);

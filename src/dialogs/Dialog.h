@@ -47,6 +47,8 @@ class Window {
         At(button).OnClick(std::move(handler));
     }
     void SelectsAllOnFocus(std::string_view box);
+    // After a message about what is in a box: the focus goes there, its whole text is selected.
+    void GoBackTo(Control& box);
     // Whether the dialog object has gone: nothing is asked or done any more.
     bool Abandoned() const { return dialog_.expired(); }
     // A message of a dialog that gives it no title: caption "KQAppSessionLib", exclamation icon, OK.

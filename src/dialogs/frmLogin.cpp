@@ -40,6 +40,7 @@ class LoginWindow : public Window {
         if (icon) form_->SetIcon(icon);
         LayOut();
         login_id_.SetText(login_id);
+        form_->SetFocus(login_id.empty() ? login_id_ : password_);
         form_->ShowModal();
         if (!ok_) return false;
         login_id = login_id_.Text();
@@ -68,10 +69,12 @@ class LoginWindow : public Window {
     bool IsValid() {
         if (login_id_.Text().empty()) {
             texts_.ShowWarning(kNoLoginID);
+            GoBackTo(login_id_);
             return false;
         }
         if (password_.Typed().Empty()) {
             texts_.ShowWarning(kNoPassword);
+            GoBackTo(password_);
             return false;
         }
         return true;

@@ -33,14 +33,17 @@ class PasswordWindow : public Window {
     }
 
     bool IsValid() {
-        if (old_.Typed().Empty() || new_.Typed().Empty() || confirm_.Typed().Empty()) {
+        for (Control* const box : {&old_, &new_, &confirm_}) {
+            if (!box->Typed().Empty()) continue;
             Warn(kValuesMissing);
+            GoBackTo(*box);
             return false;
         }
         if (new_.Typed().Reveal() != confirm_.Typed().Reveal()) {
             Warn(kNoMatch);
             confirm_.Clear();
             new_.Clear();
+            GoBackTo(new_);
             return false;
         }
         return true;

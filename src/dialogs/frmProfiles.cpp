@@ -52,6 +52,7 @@ class ProfilesWindow : public Window {
         if (profiles_->Count() == 0) texts_.ShowInfo(kWhatProfilesAre);
         if (Abandoned()) return false;
         do {
+            form_->SetFocus(profiles_->Count() == 0 ? At("cmdNew") : list_);
             form_->ShowModal();
         } while (!chosen_ && MustGoOn());
         return chosen_;
@@ -95,6 +96,7 @@ class ProfilesWindow : public Window {
         if (Abandoned()) return true;
         if (!profiles_->Exists(name)) return false;
         texts_.ShowWarning(kNameTaken, {name});
+        form_->SetFocus(list_);
         return true;
     }
 

@@ -58,10 +58,12 @@ class ServerWindow : public Window {
     bool IsValid() {
         if (!RoundsInto(port_.Text(), 1, 65535)) {
             Warn(kBadPort);
+            GoBackTo(port_);
             return false;
         }
         if (!RoundsInto(time_out_.Text(), 1, 60)) {
             Warn(kBadTimeOut);
+            GoBackTo(time_out_);
             return false;
         }
         return true;

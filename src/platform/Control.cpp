@@ -62,11 +62,12 @@ void Control::SetText(std::string_view text) {
     if (Kind() == ControlKind::TextBox) RaiseChange();
 }
 
+// The user's caret may have left the selection without a report, so the same one is told again.
 void Control::SetSelection(kq::Selection selection) {
     const std::size_t length = Length();
-    selection.start = std::min(selection.start, length);
-    selection.length = std::min(selection.length, length - selection.start);
-    Set(selection_, selection, ControlChange::Selection);
+    selection_.start = std::min(selection.start, length);
+    selection_.length = std::min(selection.length, length - selection_.start);
+    Tell(ControlChange::Selection);
 }
 
 void Control::SetVisible(bool on) {

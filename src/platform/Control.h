@@ -89,7 +89,8 @@ class Control {
     bool TimerEnabled() const { return timer_enabled_; }
     bool TakesFocus() const;
 
-    // For the form's behaviour. Each tells the view; what is the same already changes nothing.
+    // For the form's behaviour. Each tells the view; what is the same already changes nothing, except that a
+    // selection is made again.
     // SetText puts the caret at the start and raises Change for a text box, before it returns.
     void SetText(std::string_view text);
     void SetSelection(kq::Selection selection);  // cut to the text

@@ -77,7 +77,7 @@ void Form::Activated() {
     const auto takes_it = [this](const Control& control) {
         return control.TakesFocus() && Reachable(control);
     };
-    const Control* first = Find(row_.first_focus);
+    const Control* first = first_focus_ ? first_focus_ : Find(row_.first_focus);
     if (!first || !takes_it(*first)) {
         const auto found = std::ranges::find_if(controls_, takes_it);
         first = found == controls_.end() ? nullptr : &*found;
@@ -119,7 +119,9 @@ void Form::Type(const Control& masked_box, Secret text) {
 }
 
 void Form::GotFocus(const Control& control) {
-    if (visible_ && control.TakesFocus()) Fire(&Control::got_focus_, Own(control));
+    if (!visible_ || !control.TakesFocus()) return;
+    focused_ = &control;
+    Fire(&Control::got_focus_, Own(control));
 }
 
 void Form::Select(const Control& list, std::ptrdiff_t index) {
@@ -196,8 +198,12 @@ void Form::SetHeight(const FormHeight& height) {
 }
 
 void Form::SetFocus(Control& control) {
+    if (!visible_ || !activated_) {
+        first_focus_ = &control;
+        return;
+    }
     const auto view = view_;
-    if (view && visible_ && Reachable(control)) view->Focus(control);
+    if (view && Reachable(control)) view->Focus(control);
 }
 
 void Form::SetVisible(bool on) {
@@ -205,6 +211,7 @@ void Form::SetVisible(bool on) {
     if (const auto owned = owned_.lock(); owned && !on) owned->Hide();
     visible_ = on;
     activated_ = false;
+    focused_ = nullptr;
     Tell(FormChange::Visible);
 }
 

@@ -101,6 +101,7 @@ class Form final : public std::enable_shared_from_this<Form> {
     // Drawn: visible and not in a part of the form that is cut off. Reachable: drawn and enabled.
     bool Drawn(const Control& control) const;
     bool Reachable(const Control& control) const { return Drawn(control) && control.Enabled(); }
+    const Control* Focused() const { return focused_; }  // the latest GotFocus of this showing; may be null
 
     // Events, from the view.
     void Activated();  // the window can take the focus; counts once for each showing
@@ -122,6 +123,7 @@ class Form final : public std::enable_shared_from_this<Form> {
     void SetCaption(std::string_view caption);
     void SetIcon(IconPtr icon);
     void SetHeight(const FormHeight& height);
+    // Before the window can take the focus: where it is at first, instead of at the row's first focus.
     void SetFocus(Control& control);
     // Shows the form and runs the event loop until it is hidden or the loop quits; the owner and every other
     // modal form wait meanwhile. Raises what a handler raised, and RuntimeError::InvalidProcedureCall in a
@@ -159,6 +161,8 @@ class Form final : public std::enable_shared_from_this<Form> {
     std::weak_ptr<Form> owner_form_;
     std::weak_ptr<Form> owned_;
     std::list<Control> controls_;
+    const Control* first_focus_ = nullptr;  // null: as the row says
+    const Control* focused_ = nullptr;
     std::shared_ptr<FormView> view_;
     std::exception_ptr failure_;
     kq::Owner timers_;

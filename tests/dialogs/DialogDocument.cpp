@@ -16,6 +16,10 @@ A dialog is data: a list of controls that a renderer draws by kind. Controls sta
 the order of reading. A text is its number in `resources/strings`, with the English words; where there is
 none, the dialog or the user fills it in. Enter clicks the default button, Escape the cancel button. The close
 box hides a dialog; only the code that showed it ends it.
+
+The focus is at first where the table says, else on the first control that takes it; the login dialog begins
+with the password when it knows the login id, the profiles dialog with the button "New" when there is no profile.
+After a message the focus is on the box that the message is about, with its text selected.
 )";
 
 std::string_view NameOf(ControlKind kind) {

@@ -188,6 +188,7 @@ TEST_F(LoginDialog, StartsAfreshEachTime) {
 TEST_F(LoginDialog, SelectsTheWholeTextOfABoxOnFocus) {
     show = true;
     Looks([](FakeUser& user) {
+        user.GoesTo("txtLoginID");
         EXPECT_EQ(user.SeesMarked("txtLoginID"), (Selection{0, 3}));
         user.Types("txtPassword", "secret");
         user.Types("txtNewPassword", "ab");
@@ -207,8 +208,30 @@ TEST_F(LoginDialog, IsReachedByTabInReadingOrder) {
             way += " " + user.Focus();
         }
         EXPECT_EQ(way,
-                  "txtLoginID txtPassword cmdOK cmdCancel cmdShowHide txtNewPassword cmdChangeServer "
-                  "chkAskForProfile");
+                  "txtPassword cmdOK cmdCancel cmdShowHide txtNewPassword cmdChangeServer chkAskForProfile "
+                  "txtLoginID");
+    });
+}
+
+TEST_F(LoginDialog, BeginsWithThePasswordWhenItKnowsTheLoginId) {
+    Looks([](FakeUser& user) { EXPECT_EQ(user.Focus(), "txtPassword"); });
+}
+
+TEST_F(LoginDialog, BeginsWithTheLoginIdWhenThereIsNone) {
+    login_id = "";
+    Looks([](FakeUser& user) { EXPECT_EQ(user.Focus(), "txtLoginID"); });
+}
+
+TEST_F(LoginDialog, GoesBackToTheBoxThatIsMissing) {
+    host.Answer(BoxButton::OK);
+    host.Answer(BoxButton::OK);
+    Looks([](FakeUser& user) {
+        user.Clears("txtLoginID");
+        user.Clicks("cmdOK");
+        EXPECT_EQ(user.Focus(), "txtLoginID");
+        user.Types("txtLoginID", "ann");
+        user.Presses(Key::Enter);
+        EXPECT_EQ(user.Focus(), "txtPassword");
     });
 }
 

@@ -83,7 +83,16 @@ TEST_F(PasswordDialog, MasksAllPasswords) {
     });
 }
 
-TEST_F(PasswordDialog, AsksForEveryBoxThatIsEmpty) {
+TEST_F(PasswordDialog, GoesBackToTheFirstBoxWhenAllAreEmpty) {
+    host.Answer(BoxButton::OK);
+    Opens([](FakeUser& user) {
+        user.Clicks("cmdOK");
+        EXPECT_EQ(user.Focus(), "txtOldPassword");
+        user.Closes();
+    });
+}
+
+TEST_F(PasswordDialog, AsksForEveryBoxThatIsEmptyAndGoesBackThere) {
     const std::string full[] = {"x", "x", "x"};
     for (int empty = 0; empty < 3; ++empty) {
         std::string text[] = {full[0], full[1], full[2]};
@@ -91,6 +100,8 @@ TEST_F(PasswordDialog, AsksForEveryBoxThatIsEmpty) {
         host.Answer(BoxButton::OK);
         EXPECT_FALSE(Opens([&](FakeUser& user) {
             Types(user, text[0], text[1], text[2]);
+            const std::string boxes[] = {"txtOldPassword", "txtNewPassword", "txtConfirmPassword"};
+            EXPECT_EQ(user.Focus(), boxes[empty]);
             user.Closes();
         }));
         BoxSaid(kMissing, "KQAppSessionLib", BoxStyle::Warning);
@@ -113,6 +124,7 @@ TEST_F(PasswordDialog, EmptiesBothNewPasswordsWhenTheyDiffer) {
         EXPECT_EQ(user.Sees("txtOldPassword"), "***");
         EXPECT_EQ(user.Sees("txtNewPassword"), "");
         EXPECT_EQ(user.Sees("txtConfirmPassword"), "");
+        EXPECT_EQ(user.Focus(), "txtNewPassword");
         user.Types("txtNewPassword", "n");
         user.Types("txtConfirmPassword", "n");
         user.Clicks("cmdOK");

@@ -338,6 +338,8 @@ TEST_F(ProfilesDialog, RefusesToRenameToANameThatExists) {
     host.Answer(BoxButton::OK);
     Opens([](FakeUser& user) {
         user.Clicks("cmdRename");
+        EXPECT_EQ(user.Focus(), "lvProfiles");
+        EXPECT_EQ(user.SeesSelected("lvProfiles"), "Day");
         user.Closes();
     });
     BoxSaid(kTaken, "Login Procedure", BoxStyle::Warning);
@@ -441,8 +443,8 @@ TEST_F(ProfilesDialog, OpensAgainWhenTheUserWantsToCreateAProfile) {
     host.Expect("frmProfiles", [](FakeUser& user) { user.Closes(); });
     Names("Main");
     EXPECT_TRUE(Opens([](FakeUser& user) {
-        EXPECT_EQ(user.Focus(), "lvProfiles");
-        user.Clicks("cmdNew");
+        EXPECT_EQ(user.Focus(), "cmdNew");
+        user.Presses(Key::Enter);
         user.Clicks("cmdChoose");
     }));
 }

@@ -244,6 +244,21 @@ TEST_F(ServerDialog, ComplainsAboutTheTimeOutInAPlainBoxAndStaysOpen) {
     EXPECT_EQ(time_out, 7000);
 }
 
+TEST_F(ServerDialog, GoesBackToTheBoxThatItComplainsAboutWithItsTextSelected) {
+    for (const auto box : {"txtPort", "txtTimeOut"}) {
+        host.Answer(BoxButton::OK);
+        EXPECT_FALSE(Opens([&](FakeUser& user) {
+            user.Clears(box);
+            user.Types(box, "999999");
+            user.Presses(Key::Tab);
+            user.Clicks("cmdOK");
+            EXPECT_EQ(user.Focus(), box);
+            EXPECT_EQ(user.SeesMarked(box), (Selection{0, 6}));
+            user.Closes();
+        }));
+    }
+}
+
 TEST_F(ServerDialog, ChangesNothingWhenItIsCancelled) {
     EXPECT_FALSE(Opens([](FakeUser& user) {
         user.Types("txtAddress", "other");

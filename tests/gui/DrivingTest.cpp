@@ -53,8 +53,7 @@ class LoginWindow : public AtTheWindow {
 
 TEST_F(LoginWindow, TakesIdAndPasswordWithEnter) {
     stage.When("frmLogin", [&](QWidget& window) {
-        user.SeesFocusOn(window, "txtLoginID");
-        user.TypesHere(window, "txtLoginID", "Bob2", "Bob2");
+        user.Types(window, "txtLoginID", "Bob2");
         user.Presses("Tab");
         user.SeesFocusOn(window, "txtPassword");
         user.TypesHere(window, "txtPassword", "Swordfish 1", "Swordfish 1");
@@ -63,6 +62,25 @@ TEST_F(LoginWindow, TakesIdAndPasswordWithEnter) {
     EXPECT_TRUE(Login());
     EXPECT_EQ(login_id, "Bob2");
     EXPECT_EQ(password.Reveal(), "Swordfish 1");
+}
+
+TEST_F(LoginWindow, BeginsWithThePasswordOfAKnownLoginId) {
+    stage.When("frmLogin", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtPassword");
+        user.TypesHere(window, "txtPassword", "Swordfish", "Swordfish");
+        user.Presses("Return");
+    });
+    EXPECT_TRUE(Login());
+    EXPECT_EQ(login_id, "ann");
+}
+
+TEST_F(LoginWindow, BeginsWithTheLoginIdWhenThereIsNone) {
+    login_id = "";
+    stage.When("frmLogin", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtLoginID");
+        user.Presses("Escape");
+    });
+    EXPECT_FALSE(Login());
 }
 
 TEST_F(LoginWindow, ShowsOnlyStarsForThePassword) {
@@ -77,16 +95,21 @@ TEST_F(LoginWindow, ShowsOnlyStarsForThePassword) {
 
 TEST_F(LoginWindow, AsksForWhatIsMissingAndStaysOpen) {
     stage.When("frmLogin", [&](QWidget& window) {
+        user.Types(window, "txtLoginID", "x");
         user.Presses("BackSpace");
         user.Clicks(window, "cmdOK");
     });
     BoxSays("A login ID must be specified.", "OK");
     stage.When("frmLogin", [&](QWidget& window) {
-        user.Types(window, "txtLoginID", "ann");
+        user.SeesFocusOn(window, "txtLoginID");
+        user.TypesHere(window, "txtLoginID", "ann", "ann");
         user.Presses("Return");
     });
     BoxSays("A password must be specified.", "OK");
-    stage.When("frmLogin", [&](QWidget&) { user.Presses("Escape"); });
+    stage.When("frmLogin", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtPassword");
+        user.Presses("Escape");
+    });
     EXPECT_FALSE(Login());
 }
 
@@ -193,16 +216,23 @@ TEST_F(ServerWindow, TakesNewValues) {
 TEST_F(ServerWindow, RefusesAPortAndATimeOut) {
     stage.When("frmServer", [&](QWidget& window) {
         user.Types(window, "txtPort", "65536");
+        user.Clicks(window, "txtAddress");
+        user.SeesFocusOn(window, "txtAddress");
         user.Presses("Return");
     });
     BoxSays("The port entered is not valid.  Please enter again.", "OK", "KQAppSessionLib");
     stage.When("frmServer", [&](QWidget& window) {
-        user.Types(window, "txtPort", "65535");
+        user.SeesFocusOn(window, "txtPort");
+        user.TypesHere(window, "txtPort", "65535", "65535");
         user.Types(window, "txtTimeOut", "61");
         user.Presses("Return");
     });
     BoxSays("Time-out value must be greater than 0 and less than 60 seconds.", "OK", "KQAppSessionLib");
-    stage.When("frmServer", [&](QWidget& window) { user.Clicks(window, "cmdCancel"); });
+    stage.When("frmServer", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtTimeOut");
+        user.TypesHere(window, "txtTimeOut", "60", "60");
+        user.Clicks(window, "cmdCancel");
+    });
     EXPECT_FALSE(Ask());
     EXPECT_EQ(port, 7710);
 }
@@ -260,10 +290,15 @@ TEST_F(PasswordWindow, EmptiesBothNewOnesWhenTheyDiffer) {
         EXPECT_EQ(In<QLineEdit>(window, "txtOldPassword").text(), "Old");
         EXPECT_EQ(In<QLineEdit>(window, "txtNewPassword").text(), "");
         EXPECT_EQ(In<QLineEdit>(window, "txtConfirmPassword").text(), "");
+        user.SeesFocusOn(window, "txtNewPassword");
+        user.TypesHere(window, "txtNewPassword", "Abc", "Abc");
         user.Clicks(window, "cmdOK");
     });
     BoxSays("Values must be entered for both old password and new password.", "OK", "KQAppSessionLib");
-    stage.When("frmPassword", [&](QWidget& window) { user.ClosesByTheSystem(window); });
+    stage.When("frmPassword", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtConfirmPassword");
+        user.ClosesByTheSystem(window);
+    });
     EXPECT_FALSE(Ask());
 }
 
@@ -407,7 +442,10 @@ TEST_F(ProfilesWindow, AsksAgainAsLongAsThereIsNoProfile) {
     BoxSays(what, "OK");
     stage.When("frmProfiles", [&](QWidget&) { user.Presses("Escape"); });
     BoxSays(none, "Yes");
-    stage.When("frmProfiles", [&](QWidget&) { user.Presses("Escape"); });
+    stage.When("frmProfiles", [&](QWidget& window) {
+        user.SeesFocusOn(window, "cmdNew");
+        user.Presses("Escape");
+    });
     BoxSays(none, "No");
     EXPECT_FALSE(Choose());
 }

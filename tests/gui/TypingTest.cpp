@@ -60,6 +60,7 @@ TEST_F(Typing, KeepsTheFirstLineOfAPasswordThatIsPasted) {
 TEST_F(Typing, KeepsWhatStandsBehindWhatIsPasted) {
     stage.When("frmLogin", [&](QWidget& window) {
         const auto& box = In<QLineEdit>(window, "txtLoginID");
+        user.Clicks(window, "txtLoginID");
         user.SeesFocusOn(window, "txtLoginID");
         user.Presses("Home");
         Pastes("jo\nsecond");
@@ -73,7 +74,6 @@ TEST_F(Typing, KeepsWhatStandsBehindWhatIsPasted) {
 TEST_F(Typing, ReplacesTheWholeTextAfterAClickIntoTheBox) {
     stage.When("frmLogin", [&](QWidget& window) {
         const auto& box = In<QLineEdit>(window, "txtLoginID");
-        user.Presses("Tab");
         user.SeesFocusOn(window, "txtPassword");
         user.Clicks(window, "txtLoginID");
         stage.Await([&] { return box.selectedText() == "ann"; }, "the whole text selected");
@@ -91,7 +91,7 @@ TEST_F(Typing, ReplacesTheWholeTextAfterAClickIntoTheBox) {
 TEST_F(Typing, GoesOnWhereItWasAfterAVisitToAnotherProgram) {
     stage.When("frmLogin", [&](QWidget& window) {
         const auto& box = In<QLineEdit>(window, "txtLoginID");
-        user.TypesHere(window, "txtLoginID", "bo", "bo");
+        user.Types(window, "txtLoginID", "bo");
         user.Presses("Home", "Shift_L");
         stage.Await([&] { return box.hasSelectedText(); }, "a selection");
         user.Presses("End");

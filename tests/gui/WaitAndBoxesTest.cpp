@@ -175,13 +175,14 @@ TEST_F(WaitWindow, ComesAgainAfterTheUserHasClosedIt) {
     EXPECT_EQ(FindWindow("frmWait"), nullptr);
 }
 
-TEST_F(WaitWindow, TakesNoFocus) {
+TEST_F(WaitWindow, TakesNoFocusWhileADialogIsOpen) {
     std::string name = "ann";
     Secret password, new_password;
     bool ask = false, show = false;
     stage.When("frmLogin", [&](QWidget& window) {
+        user.SeesFocusOn(window, "txtPassword");
         Shows(300);
-        user.TypesHere(window, "txtLoginID", "bob", "bob");
+        user.TypesHere(window, "txtPassword", "bob", "bob");
         user.Presses("Escape");
     });
     frmLogin(stage.Machine()).Login(name, password, false, new_password, ask, show, nullptr);

@@ -45,6 +45,19 @@ TEST_F(LoginOnTty, AsksAgainAfterAMessage) {
     EXPECT_TRUE(terminal->Shows("Password [*]: "));
 }
 
+TEST_F(LoginOnTty, AsksAgainForWhatTheMessageNames) {
+    terminal->Types({"", "", "", /* the message */ "", "secret", ""});
+    EXPECT_TRUE(Login());
+    EXPECT_EQ(password.Reveal(), "secret");
+    EXPECT_TRUE(terminal->Shows("[1]: \n\n-- Please Login\nPassword: \n  1. OK")) << terminal->Screen();
+}
+
+TEST_F(LoginOnTty, AsksEverythingAgainAfterAButtonThatLeavesItOpen) {
+    terminal->Types({"", "secret", "3", "bob", "", "", ""});
+    EXPECT_TRUE(Login());
+    EXPECT_EQ(login_id, "bob");
+}
+
 TEST_F(LoginOnTty, NeverShowsAPassword) {
     terminal->Types({"", "Swordfish", ""});
     Login();

@@ -51,17 +51,23 @@ class Pass {
  public:
     Pass(Form& form, TtyPrompter& prompter) : form_(form), prompter_(prompter) {}
 
-    void Run() {
+    // `first`: the box to begin with; null: the form's first.
+    void Run(const Control* first) {
         prompter_.Say("");
         prompter_.Say("-- " + HarmlessLine(form_.Caption()));
+        const Control* const label = first ? LabelOf(form_, *first) : nullptr;
+        bool begun = !first;
         for (const auto& control : form_.Controls()) {
-            if (form_.Drawn(control) && !AskFor(control)) return;
+            begun |= &control == first || &control == label;
+            if (begun && form_.Drawn(control) && !AskFor(control)) return;
         }
         ChooseButton();
     }
 
     bool GivenUp() const { return given_up_; }
     bool Answered() const { return answered_; }
+    // The box to which the chosen button has moved the focus, after a message about it; may be null.
+    const Control* SentTo() const { return sent_to_; }
 
  private:
     bool Over() const { return !form_.Visible() || prompter_.Loop().Quitting(); }
@@ -153,7 +159,10 @@ class Pass {
         }
         const auto choice = prompter_.Choose({}, texts, marked, Stop());
         if (!Goes(choice.end)) return false;
-        form_.Click(*buttons[choice.index]);
+        const Control* const button = buttons[choice.index];
+        form_.GotFocus(*button);
+        form_.Click(*button);
+        if (form_.Focused() != button) sent_to_ = form_.Focused();
         return !Over();
     }
 
@@ -181,6 +190,7 @@ class Pass {
     TtyPrompter& prompter_;
     bool given_up_ = false;
     bool answered_ = false;  // any of its questions
+    const Control* sent_to_ = nullptr;
 };
 
 int PercentOf(const Progress& progress) {
@@ -192,15 +202,18 @@ int PercentOf(const Progress& progress) {
 
 }  // namespace
 
-// A form that stays though its user gave up is asked again; when that is given up at once, it is closed like
-// a window, or where that is refused left to the event that ends it.
+// A form that stays is asked again, from the box that its message was about or from the start. One that stays
+// though its user gave up, and is given up again immediately, is closed like a window, or where that is
+// refused left to the event that ends it.
 void AskForm(Form& form, TtyPrompter& prompter) {
     const auto over = [&] { return !form.Visible() || prompter.Loop().Quitting(); };
     bool given_up = false;
+    const Control* first = nullptr;
     form.Activated();
     while (!over()) {
         Pass pass(form, prompter);
-        pass.Run();
+        pass.Run(first);
+        first = pass.SentTo();
         if (given_up && pass.GivenUp() && !pass.Answered()) {
             form.CloseAsked();
             prompter.Loop().RunUntil(over, EventLoop::TimePoint::max());
