@@ -109,10 +109,6 @@ class ProfilesWindow : public Window {
         const auto profile = Selected();
         if (!profile) return;
         current_ = profile;
-        if (profiles_->LastUsed() != profile->Name()) {
-            profiles_->SetLastUsed(profile->Name());
-            changed_ = true;
-        }
         chosen_ = true;
         form_->Hide();
     }

@@ -24,9 +24,10 @@ class frmProfiles : public Dialog {
     static const FormRow& Row();
     using Dialog::Dialog;
 
-    // True when the user chose a profile; `current` is then that one, and the collection's last used name its
-    // name. What the user edits is edited at once and stays when the dialog is cancelled: `changed` tells
-    // whether the collection differs from before, and `current` is null when that profile was removed.
+    // True when the user chose a profile; `current` is then that one. What the user edits is edited
+    // immediately and stays when the dialog is cancelled: `changed` reports whether a profile was added,
+    // renamed or removed, and `current` is null when that profile was removed. Choosing is not a change; the
+    // collection's last used name is the caller's to compare and set.
     // The profile that `command_str` names, when there is one, else `current` is selected at first. `icon`
     // may be null. Raises RuntimeError::ObjectNotSet without a collection.
     bool GetProfile(const std::shared_ptr<Profiles>& profiles, std::shared_ptr<Profile>& current,
