@@ -1,5 +1,6 @@
 // The filter writes the box that it listens to, and so would call itself; the guard ends that. The caret
-// stays at its number, not at its character, when characters before it are dropped.
+// stays at its number, not at its character, when characters before it are dropped. An error ends the filter,
+// not the dialog.
 #include "dialogs/frmNewProfile.h"
 
 #include "base/Convert.h"
@@ -54,9 +55,13 @@ class NewProfileWindow : public Window {
     void txtName_Change() {
         if (filtering) return;
         const Filtering guard;
-        const Selection selection = name_.Selection();
-        name_.SetText(AllowedInProfileName(name_.Text()));
-        name_.SetSelection(selection);
+        try {
+            const Selection selection = name_.Selection();
+            name_.SetText(AllowedInProfileName(name_.Text()));
+            name_.SetSelection(selection);
+        } catch (const std::exception&) {
+            // The box keeps what it has; the next change is filtered again.
+        }
     }
 
     bool ok_ = false;
