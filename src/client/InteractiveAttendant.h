@@ -14,7 +14,7 @@ namespace kq {
 class InteractiveAttendant : public LoginAttendant {
  public:
     explicit InteractiveAttendant(ClientState& state)
-        : state_(state), texts_(state.platform), wait_(state.platform) {}
+        : state_(state), texts_(state.platform, &state.Terminated), wait_(state.platform) {}
 
     LoginStates Meet(LoginFailure failure, const Args& question, const Args& error) override;
     LoginStates MeetUnexpected(std::int32_t text, const Error& error) override;

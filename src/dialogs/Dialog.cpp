@@ -11,8 +11,8 @@ Dialog::~Dialog() {
 
 Window::Window(Dialog& dialog, const FormRow& row)
     : platform_(dialog.platform_),
-      texts_(platform_),
       form_(Form::Load(platform_, row)),
+      texts_(platform_, &form_->Hidden),
       dialog_(dialog.life_.Life()) {
     if (row.caption_id != 0) form_->SetCaption(texts_.LoadText(row.caption_id));
     for (const auto& control : row.controls) {
@@ -33,7 +33,8 @@ void Window::GoBackTo(Control& box) {
 
 void Window::Warn(std::int32_t text_id) {
     const auto dialogs = platform_->dialogs;
-    dialogs->ShowMessageBox(texts_.LoadText(text_id), std::string(kLibrarySource), BoxStyle::Warning);
+    dialogs->ShowMessageBox(texts_.LoadText(text_id), std::string(kLibrarySource), BoxStyle::Warning,
+                            form_->Hidden);
 }
 
 }  // namespace kq

@@ -1,8 +1,8 @@
 // What all dialogs share.
 //
-// A dialog object may be destroyed while its window is open, by code that the event loop runs meanwhile: the
-// window closes, and the call that shows it returns as if the user had cancelled; under a message box of the
-// dialog, only once the user has answered that box. One window of an object at a time.
+// A dialog object may be destroyed while its window is open, by code that the event loop runs in the
+// meantime: the window closes, with a message box or a further dialog of it, and the call that shows it
+// returns as if the user had cancelled. One window of an object at a time.
 #pragma once
 
 #include <cstdint>
@@ -55,8 +55,8 @@ class Window {
     void Warn(std::int32_t text_id);
 
     const PlatformPtr platform_;
-    const modASMsg texts_;
     const std::shared_ptr<Form> form_;
+    const modASMsg texts_;  // its boxes close with the form
 
  private:
     const std::weak_ptr<const void> dialog_;

@@ -163,7 +163,8 @@ class ProfilesWindow : public Window {
                                              .folder = shortcuts->DesktopFolder().value_or(std::string()),
                                              .filter = "Shortcut|*." + shortcuts->Extension(),
                                              .extension = shortcuts->Extension(),
-                                             .file_name = AllowedInProfileName(name)});
+                                             .file_name = AllowedInProfileName(name)},
+                                            form_->Hidden);
         if (!path || Abandoned()) return;
         // Where it cannot be made there is none; nobody is told.
         shortcuts->Create(*path,

@@ -150,7 +150,8 @@ BoxButton modASMsg::Box(const std::string& text, const std::string& caption, Box
         Raise(RuntimeError::InvalidProcedureCall,
               "This program has no dialogs, so the user cannot be asked: " + text);
     }
-    return dialogs->ShowMessageBox(text, caption, style);
+    return withdrawn_ ? dialogs->ShowMessageBox(text, caption, style, *withdrawn_)
+                      : dialogs->ShowMessageBox(text, caption, style);
 }
 
 ASData modASMsg::ParseASData(const std::string& text) {

@@ -11,6 +11,7 @@
 #include <kqappsession/Error.h>
 #include <kqappsession/KQAppSessErrorEnum.h>
 #include <kqappsession/Platform.h>
+#include <kqappsession/Signal.h>
 #include <kqappsession/WebData.h>
 #include <kqappsession/XMLMessage.h>
 
@@ -41,7 +42,9 @@ struct ASData {
 
 class modASMsg {
  public:
-    explicit modASMsg(PlatformPtr platform) : platform_(std::move(platform)) {}
+    // The message boxes close unanswered when `withdrawn` is raised; null: never. It outlives their calls.
+    explicit modASMsg(PlatformPtr platform, Signal<>* withdrawn = nullptr)
+        : platform_(std::move(platform)), withdrawn_(withdrawn) {}
 
     // Replaces every %i% by argument i, in increasing order of i, so an argument that holds a later
     // placeholder is substituted in its turn. An argument without a placeholder is appended after a blank; a
@@ -92,6 +95,7 @@ class modASMsg {
     BoxButton Box(const std::string& text, const std::string& caption, BoxStyle style) const;
 
     PlatformPtr platform_;
+    Signal<>* withdrawn_;
 };
 
 }  // namespace kq

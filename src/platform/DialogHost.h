@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+#include <kqappsession/Signal.h>
+
 namespace kq {
 
 class Form;
@@ -25,6 +27,18 @@ enum class BoxStyle : std::int32_t {
 
 enum class BoxButton : std::int32_t { OK = 1, Cancel = 2, Yes = 6, No = 7 };
 
+// What counts as the answer to a box that nobody answers: the button that asks for nothing.
+constexpr BoxButton Unanswered(BoxStyle style) {
+    switch (style) {
+        case BoxStyle::YesNoCancel:
+            return BoxButton::Cancel;
+        case BoxStyle::YesNo:
+            return BoxButton::No;
+        default:
+            return BoxButton::OK;
+    }
+}
+
 // Where to save a file.
 struct SaveQuestion {
     std::string title;
@@ -37,9 +51,16 @@ struct SaveQuestion {
 class DialogHost {
  public:
     virtual ~DialogHost() = default;
-    // Shows a modal box and returns the button pressed. The event loop keeps running meanwhile. The box
-    // belongs to the modal form on top, when there is one.
-    virtual BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style) = 0;
+    // Shows a modal box and returns the button pressed. The event loop keeps running in the meantime. The box
+    // belongs to the modal form on top, when there is one. It closes as Unanswered when the loop quits and
+    // when `withdrawn` is raised, which must outlive the call.
+    virtual BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style,
+                                     Signal<>& withdrawn) = 0;
+    // The same without an end from outside.
+    BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style) {
+        Signal<> never;
+        return ShowMessageBox(text, caption, style, never);
+    }
 
     // Makes the window of a form, hidden until the form's Visible changes; Modal and OwnerForm stand. Called
     // by the form, which keeps the view until it is unloaded. Never null.
@@ -48,8 +69,12 @@ class DialogHost {
     // the program other than the form's take no input meanwhile. The caller keeps the form.
     virtual void RunModal(Form& form) = 0;
     // Asks modally for a file to save to, an existing one only after the user agreed to replace it. Nothing
-    // when the user cancels.
-    virtual std::optional<std::string> AskSavePath(const SaveQuestion& question) = 0;
+    // when the user cancels, when the loop quits and when `withdrawn` is raised.
+    virtual std::optional<std::string> AskSavePath(const SaveQuestion& question, Signal<>& withdrawn) = 0;
+    std::optional<std::string> AskSavePath(const SaveQuestion& question) {
+        Signal<> never;
+        return AskSavePath(question, never);
+    }
 };
 
 }  // namespace kq

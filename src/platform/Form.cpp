@@ -252,6 +252,7 @@ void Form::ShowTopmost() {
 
 void Form::Hide() {
     SetVisible(false);
+    Hidden();
 }
 
 void Form::Unload() {

@@ -133,6 +133,10 @@ class Form final : public std::enable_shared_from_this<Form> {
     void ShowTopmost();
     // Hides the modal form that it owns, too.
     void Hide();
+    // Raised by each Hide, though the form is not shown: what is asked on the form's behalf is withdrawn.
+    Signal<> Hidden;
+    // Called after the user has closed the form by hand: the close box, or Escape without a cancel button.
+    void OnClosed(Control::Handler handler) { closed_ = std::move(handler); }
     // Hides the form and lets its window go for good; timers stop, no handler is called again.
     void Unload();
 
@@ -164,6 +168,7 @@ class Form final : public std::enable_shared_from_this<Form> {
     const Control* first_focus_ = nullptr;  // null: as the row says
     const Control* focused_ = nullptr;
     std::shared_ptr<FormView> view_;
+    Control::Handler closed_;
     std::exception_ptr failure_;
     kq::Owner timers_;
 };

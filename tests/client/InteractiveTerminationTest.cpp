@@ -13,6 +13,9 @@ class InteractiveTerminationTest : public InteractiveFixture {
             end();
             EXPECT_FALSE(at.IsOpen());
         });
+        ExpectInterrupted();
+    }
+    void ExpectInterrupted() {
         EXPECT_EQ(ErrorOf([this] { Login(); }).Number(), static_cast<std::int32_t>(NetError::Interrupted));
     }
     std::function<void()> Terminates() {
@@ -56,6 +59,66 @@ TEST_F(InteractiveTerminationTest, ClosesTheProfilesDialog) {
         at.Clicks("cmdOK");
     });
     ExpectTheEndAt("frmProfiles", Terminates());
+}
+
+// The end comes while the box is open; whatever was pressed then does not count.
+TEST_F(InteractiveTerminationTest, ClosesAQuestion) {
+    zeb.StopListening();
+    LogsIn();
+    user.Answer(BoxButton::Yes, Terminates());
+    ExpectInterrupted();
+    EXPECT_EQ(user.Withdrawn(), 1U);
+    EXPECT_EQ(client->LoginState(), kqaslsNotLoggedIn);
+}
+
+TEST_F(InteractiveTerminationTest, ClosesAQuestionOfAServerLogin) {
+    LogsIn();
+    ASSERT_TRUE(Login());
+    app.StopListening();
+    user.Answer(BoxButton::Yes, Terminates());
+    EXPECT_EQ(ErrorOf([this] { client->ServerLogin(true); }).Number(),
+              static_cast<std::int32_t>(NetError::Interrupted));
+    EXPECT_EQ(user.Withdrawn(), 1U);
+}
+
+TEST_F(InteractiveTerminationTest, ClosesTheMessageOfADialog) {
+    user.Expect("frmLogin", [](FakeUser& at) { at.Clicks("cmdOK"); });
+    user.Answer(BoxButton::OK, Terminates());
+    ExpectInterrupted();
+    EXPECT_EQ(user.Withdrawn(), 1U);
+}
+
+TEST_F(InteractiveTerminationTest, ClosesTheMessageOfADialogOverAnother) {
+    user.Expect("frmLogin", [](FakeUser& at) {
+        at.Clicks("cmdShowHide");
+        at.Clicks("cmdChangeServer");
+    });
+    user.Expect("frmServer", [](FakeUser& at) {
+        at.Types("txtPort", "x");
+        at.Clicks("cmdOK");
+    });
+    user.Answer(BoxButton::OK, Terminates());
+    ExpectInterrupted();
+    EXPECT_EQ(user.Withdrawn(), 1U);
+}
+
+TEST_F(InteractiveTerminationTest, ClosesAMessageBeforeItsDialogOpens) {
+    zeb.Once(FakeZeb::kLogin, zeb.Answer(FakeZeb::LoginWithProfiles(Profiles())));
+    LogsIn();
+    user.Answer(BoxButton::OK, Terminates());  // what profiles are
+    ExpectInterrupted();
+    EXPECT_EQ(user.Withdrawn(), 1U);
+}
+
+TEST_F(InteractiveTerminationTest, ClosesTheQuestionAfterADownload) {
+    LogsIn();
+    user.Answer(BoxButton::Yes);
+    zeb.Once(FakeZeb::kValidate, FakeZeb::Answer(FakeZeb::ValidationWith("ClientAvailable", "True")));
+    zeb.On("ASDownloadClientRequest", FakeZeb::Drop());
+    user.Expect("frmDownload", [](FakeUser&) {});
+    user.Answer(BoxButton::Yes, Terminates());
+    ExpectInterrupted();
+    EXPECT_EQ(user.Withdrawn(), 1U);
 }
 
 TEST_F(InteractiveTerminationTest, EndsADownloadWithoutAQuestion) {

@@ -226,7 +226,7 @@ TEST_F(NameFilter, WorksInTheNextDialogAsWell) {
 // A face that cannot write into its box. Its user types a colon.
 class BrokenHost final : public DialogHost {
  public:
-    BoxButton ShowMessageBox(const std::string&, const std::string&, BoxStyle) override {
+    BoxButton ShowMessageBox(const std::string&, const std::string&, BoxStyle, Signal<>&) override {
         return BoxButton::OK;
     }
     std::unique_ptr<FormView> CreateView(Form&) override { return std::make_unique<View>(); }
@@ -235,7 +235,7 @@ class BrokenHost final : public DialogHost {
         stayed_open_ = form.Visible();
     }
     bool StayedOpen() const { return stayed_open_; }
-    std::optional<std::string> AskSavePath(const SaveQuestion&) override { return std::nullopt; }
+    std::optional<std::string> AskSavePath(const SaveQuestion&, Signal<>&) override { return std::nullopt; }
 
  private:
     struct View final : FormView {
@@ -248,7 +248,7 @@ class BrokenHost final : public DialogHost {
     bool stayed_open_ = false;
 };
 
-TEST_F(NameFilter, WorksAgainAfterAnErrorInTheMiddleOfIt) {
+TEST_F(NameFilter, AnErrorInTheMiddleOfItEndsTheFilterAndNotTheDialog) {
     auto broken = std::make_shared<Platform>(*machine.platform);
     const auto broken_host = std::make_shared<BrokenHost>();
     broken->dialogs = broken_host;

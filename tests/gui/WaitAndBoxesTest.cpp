@@ -113,6 +113,14 @@ TEST_F(OnTheScreen, BoxEndsWithTheProgram) {
     EXPECT_EQ(Box(BoxStyle::YesNo, [&](QWidget&) { stage.Loop().Quit(); }), BoxButton::No);
 }
 
+TEST_F(OnTheScreen, BoxClosesWhenItIsWithdrawn) {
+    Signal<> withdrawn;
+    stage.When("MessageBox", [&](QWidget&) { withdrawn(); });
+    EXPECT_EQ(stage.Machine()->dialogs->ShowMessageBox("?", "?", BoxStyle::YesNoCancel, withdrawn),
+              BoxButton::Cancel);
+    EXPECT_EQ(FindWindow("MessageBox"), nullptr);
+}
+
 // --- The wait window
 
 class WaitWindow : public OnTheScreen {

@@ -77,14 +77,18 @@ void FakeDialogHost::Unexpected(const std::string& what) {
     throw FakeFailure("unexpected " + what);
 }
 
-BoxButton FakeDialogHost::ShowMessageBox(const std::string& text, const std::string& caption,
-                                         BoxStyle style) {
+BoxButton FakeDialogHost::ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style,
+                                         Signal<>& withdrawn) {
     boxes_.push_back({text, caption, style});
     if (answers_.empty() || !HasButton(style, answers_.front().button)) Unexpected("message box: " + text);
     const Reply reply = std::move(answers_.front());
     answers_.pop_front();
+    Owner owner;
+    bool closed = false;
+    withdrawn.Connect(owner, [&] { closed = true; });
     if (reply.meanwhile) reply.meanwhile();
-    return reply.button;
+    if (closed) ++withdrawn_;
+    return closed ? Unanswered(style) : reply.button;
 }
 
 std::unique_ptr<FormView> FakeDialogHost::CreateView(Form& form) {
@@ -113,7 +117,7 @@ void FakeDialogHost::RunModal(Form& form) {
         throw FakeFailure("the user left " + std::string(form.Name()) + " open");
 }
 
-std::optional<std::string> FakeDialogHost::AskSavePath(const SaveQuestion& question) {
+std::optional<std::string> FakeDialogHost::AskSavePath(const SaveQuestion& question, Signal<>&) {
     questions_.push_back(question);
     if (paths_.empty()) Unexpected("question for a path: " + question.title);
     const auto path = std::move(paths_.front());

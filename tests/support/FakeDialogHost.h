@@ -28,7 +28,7 @@ class FakeDialogHost final : public DialogHost {
     explicit FakeDialogHost(std::shared_ptr<FakeEventLoop> loop) : loop_(std::move(loop)) {}
     ~FakeDialogHost() override;
 
-    // The next unanswered box is answered so; `meanwhile` runs while it is open.
+    // The next unanswered box is answered so; `meanwhile` runs while it is open, and may withdraw it.
     void Answer(BoxButton button, std::function<void()> meanwhile = {});
     // What the user does at the next modal window of the form. Afterwards the loop runs until the window is
     // closed, an hour at most.
@@ -48,6 +48,8 @@ class FakeDialogHost final : public DialogHost {
     const std::vector<SaveQuestion>& Questions() const { return questions_; }
     // Answers that no box has asked for.
     std::size_t AnswersLeft() const { return answers_.size(); }
+    // Boxes that were withdrawn while they were open.
+    std::size_t Withdrawn() const { return withdrawn_; }
     // Scripts whose window has not come.
     std::size_t ScriptsLeft() const;
     // Windows that are not unloaded.
@@ -55,10 +57,13 @@ class FakeDialogHost final : public DialogHost {
     // Boxes, windows and questions that had no answer; reading them tells that the test knows.
     std::size_t TakeUnexpected();
 
-    BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style) override;
+    using DialogHost::AskSavePath;
+    using DialogHost::ShowMessageBox;
+    BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style,
+                             Signal<>& withdrawn) override;
     std::unique_ptr<FormView> CreateView(Form& form) override;
     void RunModal(Form& form) override;
-    std::optional<std::string> AskSavePath(const SaveQuestion& question) override;
+    std::optional<std::string> AskSavePath(const SaveQuestion& question, Signal<>& withdrawn) override;
 
  private:
     struct Reply {
@@ -77,6 +82,7 @@ class FakeDialogHost final : public DialogHost {
     std::vector<std::string> shown_;
     std::vector<SaveQuestion> questions_;
     std::size_t unexpected_ = 0;
+    std::size_t withdrawn_ = 0;
 };
 
 }  // namespace kq

@@ -45,6 +45,13 @@ TEST_F(BoxOnTty, TakesTheEndOfTheInputForTheMildestAnswer) {
     EXPECT_EQ(Box(BoxStyle::YesNoCancel), BoxButton::Cancel);
 }
 
+TEST_F(BoxOnTty, EndsWhenItIsWithdrawn) {
+    Signal<> withdrawn;
+    terminal->Waits([&] { withdrawn(); });
+    EXPECT_EQ(platform->dialogs->ShowMessageBox("Go on?", "Title", BoxStyle::YesNoCancel, withdrawn),
+              BoxButton::Cancel);
+}
+
 TEST_F(BoxOnTty, EndsWhenTheProgramDoes) {
     terminal->Waits([&] { machine.fakes.loop->Quit(); });
     EXPECT_EQ(Box(BoxStyle::YesNo), BoxButton::No);
@@ -179,6 +186,13 @@ TEST_F(SavePathOnTty, ReplacesAFileOnlyAfterTheUserAgreed) {
 TEST_F(SavePathOnTty, TakesAFolderForThePlaceOfTheProposedName) {
     terminal->Types({folder.Path().c_str()});
     EXPECT_EQ(Ask(), folder.File("Sales.lnk"));
+}
+
+TEST_F(SavePathOnTty, EndsWhenItIsWithdrawn) {
+    Signal<> withdrawn;
+    terminal->Waits([&] { withdrawn(); });
+    EXPECT_EQ(platform->dialogs->AskSavePath({"Where?", folder.Path(), "", "", "a"}, withdrawn),
+              std::nullopt);
 }
 
 TEST_F(SavePathOnTty, IsCancelledByTheInterruptKey) {

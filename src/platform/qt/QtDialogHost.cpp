@@ -50,24 +50,23 @@ struct BoxLook {
     QMessageBox::Icon icon;
     QMessageBox::StandardButtons buttons;
     QMessageBox::StandardButton first;
-    BoxButton unanswered;  // when the program ends
 };
 
 BoxLook LookOf(BoxStyle style) {
     using B = QMessageBox;
     switch (style) {
         case BoxStyle::Error:
-            return {B::Critical, B::Ok, B::Ok, BoxButton::OK};
+            return {B::Critical, B::Ok, B::Ok};
         case BoxStyle::Warning:
-            return {B::Warning, B::Ok, B::Ok, BoxButton::OK};
+            return {B::Warning, B::Ok, B::Ok};
         case BoxStyle::YesNoCancel:
-            return {B::Warning, B::Yes | B::No | B::Cancel, B::Yes, BoxButton::Cancel};
+            return {B::Warning, B::Yes | B::No | B::Cancel, B::Yes};
         case BoxStyle::YesNo:
-            return {B::Warning, B::Yes | B::No, B::Yes, BoxButton::No};
+            return {B::Warning, B::Yes | B::No, B::Yes};
         case BoxStyle::Information:
             break;
     }
-    return {B::Information, B::Ok, B::Ok, BoxButton::OK};
+    return {B::Information, B::Ok, B::Ok};
 }
 
 std::optional<BoxButton> ButtonOf(QMessageBox::StandardButton pressed) {
@@ -100,16 +99,16 @@ class QtDialogHost final : public DialogHost {
         if (tongue == Tongue::Spanish) translated_ = translator_.load("qtbase_es", folder);
     }
 
-    BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style) override {
+    BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style,
+                             Signal<>& withdrawn) override {
         const BoxLook look = LookOf(style);
         QMessageBox box(look.icon, ToQt(caption), ToQt(text), look.buttons);
         box.setObjectName("MessageBox");
         box.setTextFormat(Qt::PlainText);
         box.setDefaultButton(look.first);
         Translate(box);
-        RunBox(box);
-        const auto pressed = ButtonOf(box.standardButton(box.clickedButton()));
-        return pressed.value_or(look.unanswered);
+        RunBox(box, withdrawn);
+        return ButtonOf(box.standardButton(box.clickedButton())).value_or(Unanswered(style));
     }
 
     std::unique_ptr<FormView> CreateView(Form& form) override {
@@ -120,7 +119,7 @@ class QtDialogHost final : public DialogHost {
         loop_->RunUntil([&form] { return !form.Visible(); }, EventLoop::TimePoint::max());
     }
 
-    std::optional<std::string> AskSavePath(const SaveQuestion& question) override {
+    std::optional<std::string> AskSavePath(const SaveQuestion& question, Signal<>& withdrawn) override {
         QFileDialog dialog(nullptr, ToQt(question.title), ToQt(question.folder), FilterOf(question.filter));
         dialog.setObjectName("SaveDialog");
         dialog.setAcceptMode(QFileDialog::AcceptSave);
@@ -129,18 +128,20 @@ class QtDialogHost final : public DialogHost {
         dialog.selectFile(ToQt(question.file_name));
         Translate(dialog);
         for (;;) {
-            RunBox(dialog);
+            RunBox(dialog, withdrawn);
             if (dialog.result() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
             QString path = dialog.selectedFiles().first();
             const QString ending = "." + ToQt(question.extension);
             if (!question.extension.empty() && !path.endsWith(ending, Qt::CaseInsensitive)) path += ending;
-            if (!QFileInfo::exists(path) || MayReplace(path)) return FromQt(path);
+            if (!QFileInfo::exists(path) || MayReplace(path, withdrawn)) return FromQt(path);
             dialog.setResult(QDialog::Rejected);
         }
     }
 
  private:
-    void RunBox(QDialog& box) {
+    void RunBox(QDialog& box, Signal<>& withdrawn) {
+        const Owner life;
+        withdrawn.Connect(life, [&box] { box.hide(); });
         QWidget* const owner = screen_->TopOwner();
         box.setAttribute(Qt::WA_QuitOnClose, false);
         box.setWindowModality(Qt::ApplicationModal);
@@ -151,11 +152,11 @@ class QtDialogHost final : public DialogHost {
         screen_->Activate(owner);
     }
 
-    bool MayReplace(const QString& path) {
+    bool MayReplace(const QString& path, Signal<>& withdrawn) {
         const QString question = Translated("QFileDialog", "%1 already exists.\nDo you want to replace it?",
                                             QFileInfo(path).fileName());
-        return ShowMessageBox(FromQt(question), FromQt(Translated("QFileDialog", "Save As")),
-                              BoxStyle::YesNo) == BoxButton::Yes;
+        return ShowMessageBox(FromQt(question), FromQt(Translated("QFileDialog", "Save As")), BoxStyle::YesNo,
+                              withdrawn) == BoxButton::Yes;
     }
 
     // Boxes speak the language of the texts also in programs that install no translation of the toolkit.

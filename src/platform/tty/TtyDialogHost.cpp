@@ -12,7 +12,6 @@ namespace {
 
 using End = TtyPrompter::End;
 
-// The last one is what a user means who gives up.
 std::vector<BoxButton> ButtonsOf(BoxStyle style) {
     switch (style) {
         case BoxStyle::YesNoCancel:
@@ -50,9 +49,20 @@ std::string SignOf(BoxStyle style) {
     }
 }
 
-bool Never() {
-    return false;
-}
+// Whether a question was withdrawn, for as long as it is asked.
+class Withdrawal {
+ public:
+    explicit Withdrawal(Signal<>& withdrawn) {
+        withdrawn.Connect(owner_, [this] { came_ = true; });
+    }
+    Terminated Stop() const {
+        return [this] { return came_; };
+    }
+
+ private:
+    bool came_ = false;
+    Owner owner_;
+};
 
 class TtyDialogHost final : public DialogHost {
  public:
@@ -60,15 +70,17 @@ class TtyDialogHost final : public DialogHost {
         : prompter_(std::make_shared<TtyPrompter>(std::move(loop), std::move(terminal), TtyWordsOf(locale))) {
     }
 
-    BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style) override {
+    BoxButton ShowMessageBox(const std::string& text, const std::string& caption, BoxStyle style,
+                             Signal<>& withdrawn) override {
+        const Withdrawal withdrawal(withdrawn);
         const auto buttons = ButtonsOf(style);
         std::vector<std::string> texts;
         texts.reserve(buttons.size());
         for (const BoxButton button : buttons)
             texts.push_back(TextOf(button, prompter_->Words()));
         const auto choice =
-            prompter_->Choose({"", SignOf(style) + HarmlessLine(caption), text}, texts, 0, Never);
-        return choice.end == End::Answered ? buttons[choice.index] : buttons.back();
+            prompter_->Choose({"", SignOf(style) + HarmlessLine(caption), text}, texts, 0, withdrawal.Stop());
+        return choice.end == End::Answered ? buttons[choice.index] : Unanswered(style);
     }
 
     std::unique_ptr<FormView> CreateView(Form& form) override {
@@ -77,18 +89,19 @@ class TtyDialogHost final : public DialogHost {
 
     void RunModal(Form& form) override { AskForm(form, *prompter_); }
 
-    std::optional<std::string> AskSavePath(const SaveQuestion& question) override {
+    std::optional<std::string> AskSavePath(const SaveQuestion& question, Signal<>& withdrawn) override {
+        const Withdrawal withdrawal(withdrawn);
         const std::string proposed = PathOf(question, question.file_name);
         const std::string prompt = WithoutColon(question.title) + " [" + proposed + "]: ";
         prompter_->Say("");
         for (;;) {
-            const auto reply = prompter_->Ask({}, prompt, true, Never);
+            const auto reply = prompter_->Ask({}, prompt, true, withdrawal.Stop());
             if (reply.end != End::Answered) return std::nullopt;
             const std::string path = reply.line.Empty() ? proposed : PathOf(question, reply.line.Reveal());
             std::error_code ignored;
             if (!std::filesystem::exists(path, ignored)) return path;
-            const auto choice =
-                prompter_->YesOrNo(path + " " + std::string(prompter_->Words().replace), false, Never);
+            const auto choice = prompter_->YesOrNo(path + " " + std::string(prompter_->Words().replace),
+                                                   false, withdrawal.Stop());
             if (choice.end != End::Answered) return std::nullopt;
             if (choice.index == 1) return path;
         }

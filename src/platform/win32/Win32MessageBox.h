@@ -7,8 +7,9 @@
 
 namespace kq {
 
-// A modal box without an owner; its loop serves the event loop. A box that cannot be shown is answered by the
-// button that asks for nothing: Cancel, else No, else OK.
-BoxButton ShowWin32MessageBox(const std::string& text, const std::string& caption, BoxStyle style);
+// A modal box without an owner; its loop serves the event loop. A box that cannot be shown, and one that is
+// open when `withdrawn` is raised, is Unanswered.
+BoxButton ShowWin32MessageBox(const std::string& text, const std::string& caption, BoxStyle style,
+                              Signal<>& withdrawn);
 
 }  // namespace kq

@@ -137,9 +137,13 @@ TEST_F(Share, IsNoErrorWhenTheCommandFails) {
 
 // The tests run without a display, so no box can be shown.
 TEST(MessageBoxes, ThatCannotBeShownAreAnsweredByTheHarmlessButton) {
-    EXPECT_EQ(ShowWin32MessageBox("Again?", "KQAppSessionLib", BoxStyle::YesNo), BoxButton::No);
-    EXPECT_EQ(ShowWin32MessageBox("Again?", "KQAppSessionLib", BoxStyle::YesNoCancel), BoxButton::Cancel);
-    EXPECT_EQ(ShowWin32MessageBox("Done.", "KQAppSessionLib", BoxStyle::Information), BoxButton::OK);
+    Signal<> withdrawn;
+    const auto show = [&](BoxStyle style) {
+        return ShowWin32MessageBox("Text", "KQAppSessionLib", style, withdrawn);
+    };
+    EXPECT_EQ(show(BoxStyle::YesNo), BoxButton::No);
+    EXPECT_EQ(show(BoxStyle::YesNoCancel), BoxButton::Cancel);
+    EXPECT_EQ(show(BoxStyle::Information), BoxButton::OK);
 }
 
 TEST(Win32Clock, CountsTheSecondsOfTheDay) {
