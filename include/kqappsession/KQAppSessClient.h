@@ -23,8 +23,13 @@
 // One thread. The procedures run the event loop while they wait, so events arrive and other code runs in the
 // meantime; starting a procedure inside another one of the same object raises
 // RuntimeError::InvalidProcedureCall. Destroying the object, TerminateClient and EventLoop::Quit inside a
-// procedure end its wait immediately and close its dialog; it raises NetError::Interrupted. So does every
-// procedure that is started after Quit.
+// procedure end its wait immediately and close its dialogs and message boxes; it raises
+// NetError::Interrupted. So does every procedure that is started after Quit.
+//
+// While an interactive procedure waits for a server it shows a small window that says so. That window is
+// modeless: the program's own windows take input in the meantime, so a program disables whatever would start
+// a procedure again. A user who closes the window, or presses Escape in it, gives the procedure up, as with
+// Cancel in a dialog: the wait ends immediately, the connection is released and the result is false.
 //
 // The settings file keeps the login server's address, port and time-out, and what the dialogs remember, for
 // each AppID: $XDG_CONFIG_HOME/HLXApps/AppSess_<AppID>.ini, with ~/.config in place of an unset

@@ -56,12 +56,15 @@ void ClientState::SetProfiles(std::shared_ptr<Profiles> profiles) {
 
 std::shared_ptr<APClient> ClientState::NewLoginClient() {
     ReleaseLoginClient();
-    return login_client_ = NewMessageClient(platform);
+    login_client_ = NewMessageClient(platform);
+    newest_client_ = login_client_;
+    return login_client_;
 }
 
 std::shared_ptr<APClient> ClientState::NewSessionClient() {
     ReleaseSessionClient();
     session_client_ = NewMessageClient(platform);
+    newest_client_ = session_client_;
     session_client_->Disconnected.Connect(session_owner_, [this] {
         ending_session_client_.reset();
         SetLoginState(kqaslsSystemLogin);
@@ -91,6 +94,12 @@ void ClientState::Terminate() {
     Terminated();
 }
 
+void ClientState::GiveUp() {
+    given_up_ = true;
+    Disconnect(newest_client_.lock());
+    platform->loop->Post([] {});  // wakes a pause
+}
+
 float ClientState::TimeOfDay() const {
     return static_cast<float>(platform->clock->SecondsSinceMidnight());
 }
@@ -98,7 +107,7 @@ float ClientState::TimeOfDay() const {
 void ClientState::Pause(float seconds) {
     EventLoop& loop = *platform->loop;
     const auto terminations = terminations_;
-    const auto ended = [&] { return loop.Quitting() || terminations_ != terminations; };
+    const auto ended = [&] { return loop.Quitting() || given_up_ || terminations_ != terminations; };
     const auto wait_for = [&](const std::function<bool()>& done, float at_most) {
         const auto deadline =
             loop.Now() + Milliseconds(std::max<std::int64_t>(1, std::llround(std::ceil(at_most * 1000))));
@@ -127,6 +136,8 @@ Procedure::Procedure(ClientState& state) : state_(state), terminations_(state.Te
 
 Procedure::~Procedure() {
     state_.busy = false;
+    state_.given_up_ = false;
+    state_.newest_client_.reset();
 }
 
 void Procedure::CheckTermination() const {
@@ -136,6 +147,7 @@ void Procedure::CheckTermination() const {
     if (state_.platform->loop->Quitting()) {
         Raise(NetError::Interrupted, kLibrarySource, "The program's event loop was ended");
     }
+    if (state_.GivenUp()) throw UserGaveUp();
 }
 
 }  // namespace kq

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -65,12 +66,18 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     // Raised by Terminate; whoever waits for a user stops waiting.
     Signal<> Terminated;
 
-    // Lets `seconds` pass on the clock of the day while the loop runs. Ends at once when the loop quits or
-    // the client is terminated. The difference of two times of day never reaches `seconds` across midnight,
-    // so a pause that would span it first waits for the new day.
+    // The user gives up the procedure that runs: ends its wait, by way of its connection. Its next look ends
+    // it.
+    void GiveUp();
+    bool GivenUp() const { return given_up_; }
+
+    // Lets `seconds` pass on the clock of the day while the loop runs. Ends at once when the loop quits, the
+    // client is terminated or the user gives up. The difference of two times of day never reaches `seconds`
+    // across midnight, so a pause that would span it first waits for the new day.
     void Pause(float seconds);
 
  private:
+    friend class Procedure;
     float TimeOfDay() const;
 
     KQAppSessLoginState login_state_ = kqaslsNotLoggedIn;
@@ -78,10 +85,16 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     std::shared_ptr<APClient> login_client_;
     std::shared_ptr<APClient> session_client_;
     std::shared_ptr<APClient> ending_session_client_;  // of Terminate, until its end is heard
+    std::weak_ptr<APClient> newest_client_;            // made last: what a procedure waits for
     std::uint32_t terminations_ = 0;
+    bool given_up_ = false;
     Owner profiles_owner_;
     Owner session_owner_;
 };
+
+// Leaves a procedure that its user has given up. Not an Error: nobody asks about it, and the procedure's
+// result is false.
+struct UserGaveUp : std::exception {};
 
 // One run of a long procedure, as the host started it: sets Busy and keeps a second one out, on every way.
 class Procedure {
@@ -93,9 +106,10 @@ class Procedure {
     Procedure(const Procedure&) = delete;
     Procedure& operator=(const Procedure&) = delete;
 
-    // Raises NetError::Interrupted once the client was terminated during the run or the loop has been quit.
+    // Raises NetError::Interrupted once the client was terminated during the run or the loop has been quit,
+    // and UserGaveUp once its user has given up.
     void CheckTermination() const;
-    bool Ended() const { return Terminated() || state_.platform->loop->Quitting(); }
+    bool Ended() const { return Terminated() || state_.GivenUp() || state_.platform->loop->Quitting(); }
 
  private:
     bool Terminated() const { return state_.Terminations() != terminations_; }

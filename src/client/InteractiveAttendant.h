@@ -14,7 +14,9 @@ namespace kq {
 class InteractiveAttendant : public LoginAttendant {
  public:
     explicit InteractiveAttendant(ClientState& state)
-        : state_(state), texts_(state.platform, &state.Terminated), wait_(state.platform) {}
+        : state_(state), texts_(state.platform, &state.Terminated), wait_(state.platform) {
+        wait_.Closed.Connect(owner_, [this] { state_.GiveUp(); });
+    }
 
     LoginStates Meet(LoginFailure failure, const Args& question, const Args& error) override;
     LoginStates MeetUnexpected(std::int32_t text, const Error& error) override;
@@ -36,6 +38,7 @@ class InteractiveAttendant : public LoginAttendant {
     modASMsg texts_;
     frmWait wait_;
     std::optional<PromptedSettings> settings_;
+    Owner owner_;
 };
 
 }  // namespace kq

@@ -60,6 +60,10 @@ void Send(APClient& client, ASProfilesUpdate request, const std::shared_ptr<Prof
 bool Upload(ClientState& state, const Procedure& procedure, LoginAttendant& attendant, UploadTarget& target) {
     try {
         return UploadProfiles(state, procedure, attendant, target);
+    } catch (const UserGaveUp&) {
+        attendant.HideWait();
+        state.ReleaseLoginClient();
+        return false;
     } catch (...) {
         attendant.HideWait();
         throw;

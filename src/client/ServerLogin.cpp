@@ -40,6 +40,8 @@ bool ServerLogin::Run() {
             }
         }
         procedure_.CheckTermination();
+    } catch (const UserGaveUp&) {
+        state = lsFailed;
     } catch (...) {
         attendant_->HideWait();
         state_.ReleaseSessionClient();

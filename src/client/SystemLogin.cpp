@@ -83,6 +83,8 @@ bool SystemLogin::Run() {
             }
         }
         procedure_.CheckTermination();
+    } catch (const UserGaveUp&) {
+        // Ends as lsFailed does.
     } catch (...) {
         Failed();
         throw;

@@ -10,7 +10,9 @@ namespace {
 
 class WaitWindow : public Window {
  public:
-    explicit WaitWindow(Dialog& dialog) : Window(dialog, frmWait::Row()) {}
+    explicit WaitWindow(frmWait& dialog) : Window(dialog, frmWait::Row()) {
+        form_->OnClosed([&dialog] { dialog.Closed(); });  // which holds this window
+    }
 
     void Show(const std::string& caption, const std::string& message) {
         form_->SetCaption(caption);

@@ -1,4 +1,5 @@
-// Tells the user what is being waited for: a window above all others, without buttons.
+// Shows the user what is being waited for: a window above all others, without buttons. It holds nothing up;
+// whoever shows it decides what its closing means.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +21,8 @@ class frmWait : public Dialog {
     void ShowWait(std::int32_t id, const Args& args = {});
     // Nothing happens when the window is not up.
     void HideWait();
+    // The user has closed the window, or pressed Escape in it.
+    Signal<> Closed;
 
  private:
     std::unique_ptr<Window> window_;

@@ -154,7 +154,12 @@ void Form::EscapePressed() {
 }
 
 void Form::CloseAsked() {
-    if (row_.closing == Closing::Hides) Hide();
+    if (!visible_ || row_.closing != Closing::Hides) return;
+    const Control::Handler closed = closed_;
+    Guarded([&] {
+        Hide();
+        if (closed) closed();
+    });
 }
 
 // The next tick is due one interval after this one was delivered, so ticks never pile up.

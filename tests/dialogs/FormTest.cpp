@@ -80,6 +80,40 @@ TEST_F(FormAtWork, MovesTheFocusWhenItIsTold) {
     EXPECT_EQ(heard, "focus ");
 }
 
+TEST_F(FormAtWork, BeginsWhereItWasToldBeforeItWasShown) {
+    form->SetFocus(form->At("cmdOK"));
+    Shows([](FakeUser& user) { EXPECT_EQ(user.Focus(), "cmdOK"); });
+}
+
+TEST_F(FormAtWork, KnowsWhereTheFocusIs) {
+    Shows([&](FakeUser& user) {
+        user.GoesTo("cmdOK");
+        EXPECT_EQ(form->Focused(), form->Find("cmdOK"));
+    });
+    EXPECT_EQ(form->Focused(), nullptr);
+}
+
+TEST_F(FormAtWork, HasItsQuestionsWithdrawnByEachHide) {
+    Owner owner;
+    int withdrawn = 0;
+    form->Hidden.Connect(owner, [&] { ++withdrawn; });
+    form->Hide();  // not shown yet
+    EXPECT_EQ(withdrawn, 1);
+    Shows([&](FakeUser& user) {
+        user.Closes();
+        EXPECT_EQ(withdrawn, 2);
+    });
+}
+
+TEST_F(FormAtWork, TellsWhenItsUserClosesIt) {
+    int closed = 0;
+    form->OnClosed([&] { ++closed; });
+    Shows([&](FakeUser&) { form->Hide(); });
+    EXPECT_EQ(closed, 0);
+    Shows([](FakeUser& user) { user.Closes(); });
+    EXPECT_EQ(closed, 1);
+}
+
 TEST_F(FormAtWork, RaisesTheEventsOfItsUser) {
     Notes("txtOne", &Control::OnChange, "change");
     Notes("txtSecret", &Control::OnChange, "secret");

@@ -61,6 +61,23 @@ TEST_F(WaitDialog, ComesAgainAfterTheUserClosedIt) {
     Says("Logging In...", "Attempting to log in.  Please Wait.");
 }
 
+TEST_F(WaitDialog, ReportsThatTheUserClosedIt) {
+    Owner owner;
+    int closed = 0;
+    wait->Closed.Connect(owner, [&] {
+        ++closed;
+        wait->HideWait();
+    });
+    wait->ShowWait(300);
+    wait->HideWait();
+    EXPECT_EQ(closed, 0);
+    wait->ShowWait(300);
+    host.Window("frmWait").Closes();
+    wait->ShowWait(302);
+    host.Window("frmWait").Presses(Key::Escape);
+    EXPECT_EQ(closed, 2);
+}
+
 TEST_F(WaitDialog, CanBeHiddenAfterTheUserClosedIt) {
     wait->ShowWait(300);
     host.Window("frmWait").Presses(Key::Escape);
