@@ -129,8 +129,55 @@ class WaitWindow : public OnTheScreen {
         wait.ShowWait(id);
         stage.Await([] { return FindWindow("frmWait") != nullptr; }, "the wait window");
     }
+    // The user gives up in this way, and the window is gone.
+    void ExpectClosedBy(const std::function<void(QWidget&)>& act) {
+        int closed = 0;
+        wait.Closed.Connect(owner, [&] { ++closed; });
+        Shows(300);
+        act(*FindWindow("frmWait"));
+        stage.Await([&] { return closed == 1; }, "the end of the wait");
+        EXPECT_EQ(FindWindow("frmWait"), nullptr);
+    }
     frmWait wait{stage.Machine()};
+    Owner owner;
 };
+
+TEST_F(WaitWindow, IsClosedByEscape) {
+    ExpectClosedBy([&](QWidget& window) {
+        stage.Await([&] { return window.isActiveWindow(); }, "the wait window to be active");
+        user.Presses("Escape");
+    });
+}
+
+TEST_F(WaitWindow, IsClosedByItsCloseBox) {
+    ExpectClosedBy([&](QWidget& window) { user.ClosesByTheSystem(window); });
+}
+
+TEST_F(WaitWindow, IsClosedByEscapeAlsoOverAModalWindowOfTheProgram) {
+    QDialog program;
+    program.setModal(true);
+    program.setGeometry(300, 200, 500, 300);
+    program.show();
+    stage.Await([&] { return program.isActiveWindow(); }, "the program's window");
+    ExpectClosedBy([&](QWidget& window) {
+        stage.Await([&] { return window.isActiveWindow(); }, "the wait window to be active");
+        user.Presses("Escape");
+    });
+    stage.Await([&] { return program.isActiveWindow(); }, "the program's window again");
+}
+
+TEST_F(WaitWindow, LeavesTheFocusWhereTheUserHasPutItSince) {
+    QWidget program;
+    program.setGeometry(0, 0, 300, 100);
+    program.show();
+    Shows(300);
+    stage.Await([] { return FindWindow("frmWait")->isActiveWindow(); }, "the wait window to be active");
+    user.ComesBackTo(program);
+    stage.Await([&] { return program.isActiveWindow(); }, "the program's window");
+    wait.ShowWait(302);
+    stage.Loop().ProcessPending();
+    EXPECT_TRUE(program.isActiveWindow());
+}
 
 TEST_F(WaitWindow, StaysOnTopWhileAModalQuestionIsAnswered) {
     Shows(310);

@@ -148,7 +148,7 @@ class QtDialogHost final : public DialogHost {
         box.adjustSize();
         screen_->Present(box, owner, nullptr);
         loop_->RunUntil([&box] { return !box.isVisible(); }, EventLoop::TimePoint::max());
-        box.hide();
+        screen_->Hide(box);
         screen_->Activate(owner);
     }
 

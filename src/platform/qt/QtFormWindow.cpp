@@ -10,6 +10,8 @@
 #include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
+#include <QStyle>
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
@@ -226,7 +228,9 @@ bool QtFormWindow::event(QEvent* event) {
 // Some systems tell only after the showing how thick their frame is.
 void QtFormWindow::FitIntoNewFrame() {
     const auto form = form_.lock();
-    if (form && isVisible() && windowHandle()->frameMargins() != frame_) Fit(*form);
+    if (!form || !isVisible() || windowHandle()->frameMargins() == frame_) return;
+    Fit(*form);
+    screen_->KeepOnScreen(*this);
 }
 
 void QtFormWindow::changeEvent(QEvent* event) {
@@ -311,6 +315,7 @@ void QtFormWindow::Fit(const Form& form) {
     QSize size = layout_->NeededSize(cut_off).expandedTo(QSize(LeastWidth(), LeastHeight(form)));
     if (isVisible()) size = size.expandedTo(QSize(kept_width_, 0));
     kept_width_ = size.width();
+    const QSize before = this->size();
     const bool has_list = std::ranges::any_of(form.Controls(), [&](const Control& control) {
         return control.Kind() == ControlKind::ListView && form.Drawn(control);
     });
@@ -320,6 +325,14 @@ void QtFormWindow::Fit(const Form& form) {
     } else {
         setFixedSize(size);
     }
+    if (isVisible() && before.expandedTo(this->size()) != before) screen_->KeepOnScreen(*this);
+}
+
+// What a window may take of its screen. A frame that is not known yet has a title bar at the least.
+QSize QtFormWindow::Room() const {
+    const int title =
+        std::max(frame_.top() + frame_.bottom(), style()->pixelMetric(QStyle::PM_TitleBarHeight));
+    return screen()->availableGeometry().size() - QSize(frame_.left() + frame_.right(), title);
 }
 
 // So that the title bar has room for the caption, which many systems write in bold, beside its buttons.
@@ -339,16 +352,16 @@ int QtFormWindow::LeastHeight(const Form& form) const {
 void QtFormWindow::ShowOrHide(const Form& form) {
     if (!form.Visible()) {
         const bool active = isActiveWindow();
-        hide();
+        screen_->Hide(*this);
         if (active) screen_->Activate(owner_);
         return;
     }
     if (!isVisible()) {
         setWindowModality(form.Modal() ? Qt::ApplicationModal : Qt::NonModal);
         setWindowFlag(Qt::WindowStaysOnTopHint, !form.Modal());
-        setWindowFlag(Qt::WindowDoesNotAcceptFocus, !form.Modal());
-        setAttribute(Qt::WA_ShowWithoutActivating, !form.Modal());
-        owner_ = form.Modal() ? screen_->OwnerOf(form) : nullptr;
+        setAttribute(Qt::WA_ShowWithoutActivating, !form.Modal() && screen_->Asks());
+        owner_ = screen_->OwnerOf(form);
+        if (owner_) setScreen(owner_->screen());
         focused_ = nullptr;
     }
     screen_->Present(*this, owner_, form.Modal() ? nullptr : &form);

@@ -48,6 +48,7 @@ class QtFormWindow final : public QDialog {
     void DrawDrawn(const Form& form);
     void Fit(const Form& form);
     void FitIntoNewFrame();
+    QSize Room() const;
     int LeastWidth() const;
     int LeastHeight(const Form& form) const;
 
