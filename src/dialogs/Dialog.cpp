@@ -17,6 +17,7 @@ Window::Window(Dialog& dialog, const FormRow& row)
     if (row.caption_id != 0) form_->SetCaption(texts_.LoadText(row.caption_id));
     for (const auto& control : row.controls) {
         if (control.text_id != 0) At(control.name).SetText(texts_.LoadText(control.text_id));
+        if (control.other_text_id != 0) At(control.name).SetOtherText(texts_.LoadText(control.other_text_id));
     }
     dialog.form_ = form_;
 }

@@ -56,6 +56,7 @@ void Control::RaiseChange() const {
 
 void Control::SetText(std::string_view text) {
     if (text_ == text) return;
+    if (text == other_text_) other_text_ = text_;
     text_ = text;
     selection_ = {};
     Tell(ControlChange::Text);

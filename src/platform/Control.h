@@ -47,7 +47,8 @@ struct ControlRow {
     Place place = Place::NextRow;
     bool visible = true;
     bool enabled = true;
-    std::int32_t interval = 0;  // Timer: milliseconds
+    std::int32_t interval = 0;       // Timer: milliseconds
+    std::int32_t other_text_id = 0;  // a second text that takes turns with the first; 0: none
 };
 
 struct Selection {
@@ -78,6 +79,9 @@ class Control {
     std::string_view Name() const { return row_.name; }
     // Caption or typed text. Of a masked box always empty.
     const std::string& Text() const { return text_; }
+    // What takes turns with the text: setting one makes the other this. There is room for both, so that
+    // nothing moves. Empty: none.
+    const std::string& OtherText() const { return other_text_; }
     std::size_t Length() const;  // characters; of a masked box too
     kq::Selection Selection() const { return selection_; }
     bool Visible() const { return visible_; }
@@ -93,7 +97,8 @@ class Control {
     // selection is made again.
     // SetText puts the caret at the start and raises Change for a text box, before it returns.
     void SetText(std::string_view text);
-    void SetSelection(kq::Selection selection);  // cut to the text
+    void SetOtherText(std::string_view text) { other_text_ = text; }  // before the form is shown
+    void SetSelection(kq::Selection selection);                       // cut to the text
     void SelectAll() { SetSelection({0, Length()}); }
     void SetVisible(bool on);
     void SetEnabled(bool on);
@@ -125,6 +130,7 @@ class Control {
     Form& form_;
     const ControlRow row_;
     std::string text_;
+    std::string other_text_;
     Secret secret_;
     kq::Selection selection_;
     bool visible_;

@@ -50,6 +50,11 @@ std::string TextOf(const modASMsg& texts, std::int32_t id) {
     return id == 0 ? std::string() : std::to_string(id) + " \"" + texts.LoadText(id) + "\"";
 }
 
+std::string TextsOf(const modASMsg& texts, const ControlRow& control) {
+    const std::string other = TextOf(texts, control.other_text_id);
+    return TextOf(texts, control.text_id) + (other.empty() ? "" : " or " + other);
+}
+
 std::string RemarksOn(const FormRow& form, const ControlRow& control) {
     std::string remarks;
     const auto add = [&](const std::string& remark) { remarks += (remarks.empty() ? "" : ", ") + remark; };
@@ -77,7 +82,7 @@ std::string DialogDocument() {
         page += "| Control | Kind | Text | |\n|---|---|---|---|\n";
         for (const auto& control : form->controls) {
             page += "| `" + std::string(control.name) + "` | " + std::string(NameOf(control.kind)) + " | " +
-                    TextOf(texts, control.text_id) + " | " + RemarksOn(*form, control) + " |\n";
+                    TextsOf(texts, control) + " | " + RemarksOn(*form, control) + " |\n";
         }
     }
     return page;

@@ -19,6 +19,8 @@ namespace {
 
 using testing::IsEmpty;
 
+constexpr int kLargest = 289;  // percent of 9 points: 26 points, which still fit on a screen of 1280 by 720
+
 using LanguageAndScale = std::tuple<std::int32_t, int>;
 
 class Windows : public testing::TestWithParam<LanguageAndScale> {
@@ -44,6 +46,25 @@ class Windows : public testing::TestWithParam<LanguageAndScale> {
 
 TEST_P(Windows, ShowEveryTextInFull) {
     VisitAll([](QWidget& window) { EXPECT_THAT(LayoutFaults(window), IsEmpty()); });
+}
+
+TEST_P(Windows, HaveOkAndCancelOfOneSize) {
+    VisitAll([](QWidget& window) {
+        const auto* const ok = window.findChild<QPushButton*>("cmdOK");
+        const auto* const cancel = window.findChild<QPushButton*>("cmdCancel");
+        if (ok && cancel) {
+            EXPECT_EQ(ok->size(), cancel->size());
+        }
+    });
+}
+
+TEST_P(Windows, LeaveTheSameSpaceBelowTheirButtonsInEveryLanguage) {
+    const QFontMetrics metrics(QApplication::font());
+    VisitAll([&](QWidget& window) {
+        const auto* const ok = window.findChild<QPushButton*>("cmdOK");
+        if (!ok || ok->parentWidget() != &window) return;
+        EXPECT_LE(window.height() - ok->geometry().bottom(), metrics.height() + 1);
+    });
 }
 
 TEST_P(Windows, HaveEachAccessKeyOnce) {
@@ -126,7 +147,8 @@ TEST(WindowsOnADesktopThatEndsWithOk, HaveTheirButtonsAndTabsInThatOrder) {
 }
 
 INSTANTIATE_TEST_SUITE_P(InEveryLanguageAtEveryScale, Windows,
-                         testing::Combine(testing::ValuesIn(kLanguages), testing::Values(100, 150, 200)),
+                         testing::Combine(testing::ValuesIn(kLanguages),
+                                          testing::Values(100, 150, 200, kLargest)),
                          [](const testing::TestParamInfo<LanguageAndScale>& which) {
                              return std::to_string(std::get<0>(which.param)) + "_" +
                                     std::to_string(std::get<1>(which.param));

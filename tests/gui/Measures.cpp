@@ -102,7 +102,8 @@ std::vector<std::string> LayoutFaults(const QWidget& window) {
     if (window.fontMetrics().horizontalAdvance(window.windowTitle()) + kTitleButtons > window.width())
         faults.push_back("the title is clipped");
     if (!window.screen()->availableGeometry().contains(window.frameGeometry()))
-        faults.push_back("the window leaves the screen");
+        faults.push_back("the window leaves the screen: " + std::to_string(window.frameGeometry().width()) +
+                         " x " + std::to_string(window.frameGeometry().height()));
     return faults;
 }
 

@@ -4,7 +4,6 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -12,10 +11,6 @@
 
 namespace kq {
 namespace {
-
-constexpr int kWrapWidth = 66;  // average characters, from where on a label is broken into lines
-constexpr int kWrapLeast = 44;  // the least that lines are shortened to when they are made even
-constexpr int kBoxWidth = 28;   // average characters, the least for a box
 
 enum Column { kLabels, kBoxes, kBehind };
 
@@ -78,30 +73,41 @@ QHBoxLayout* ButtonRow(const Form& form, const Cells& buttons, const Widgets& wi
     return row;
 }
 
-// One line, or as many as it needs at the most, of about the same length, so that no word is left alone.
-int WidthOf(const QLabel& label, int character) {
-    const QFontMetrics metrics = label.fontMetrics();
-    const int whole = metrics.boundingRect(label.text()).width() + character;
-    const int most = kWrapWidth * character;
-    if (whole <= most) return whole;
-    const auto height = [&](int width) {
-        return metrics.boundingRect(QRect(0, 0, width, 0), Qt::TextWordWrap, label.text()).height();
-    };
-    const int needed = height(most);
-    int width = most;
-    while (width - character >= kWrapLeast * character && height(width - character) == needed)
-        width -= character;
-    return std::min(width + character, most);
-}
-
 }  // namespace
+
+// How closely the controls stand. Lengths in average characters, spaces in fifths of a line.
+struct QtFormLayout::Density {
+    int line;   // from where on a label alone is broken
+    int label;  // the same for a label beside its box
+    int box;    // the least for a box
+    int space;  // between controls
+    int edge;   // above and below all of them
+};
 
 QtFormLayout::QtFormLayout(QWidget& window, const Form& form, const Widgets& widgets) : window_(window) {
     MakePart(window, form, {}, widgets);
-    // Room to spare is the list's; without one it is left below.
+    for (const Control* const button : {form.DefaultButton(), form.CancelButton()}) {
+        if (button) pair_.push_back(widgets.at(button));
+    }
+    GiveAwaySpareRoom(form);
+}
+
+// It is the list's, else the last frame's, around its controls; else it is left below.
+void QtFormLayout::GiveAwaySpareRoom(const Form& form) {
     const bool has_list = std::ranges::any_of(
         form.Controls(), [](const Control& control) { return control.Kind() == ControlKind::ListView; });
-    if (!has_list) grids_.front()->setRowStretch(grids_.front()->rowCount(), 1);
+    if (has_list) return;
+    QGridLayout& all = *grids_.front();
+    const QLayoutItem* const last = all.itemAtPosition(all.rowCount() - 1, kLabels);
+    const auto part = std::ranges::find_if(
+        grids_, [&](const QGridLayout* grid) { return last && grid->parentWidget() == last->widget(); });
+    if (part == grids_.end()) {
+        all.setRowStretch(all.rowCount(), 1);
+        return;
+    }
+    all.setRowStretch(all.rowCount() - 1, 1);
+    (*part)->setRowStretch(0, 1);
+    (*part)->setRowStretch((*part)->rowCount(), 1);
 }
 
 void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_view frame,
@@ -118,7 +124,7 @@ void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_vi
     const int all_columns = columns + (rows.side.empty() ? 0 : 1);
     grid->setColumnStretch(kBoxes, 1);
     int side_row = -1;
-    int row = -1;
+    int row = &container == &window_ ? -1 : 0;  // above a frame's controls is a row for room to spare
     for (const auto& cells : rows.rows) {
         ++row;
         if (cells.empty()) {
@@ -128,7 +134,7 @@ void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_vi
         }
         QWidget& first = *widgets.at(cells[0]);
         if (IsLabelledRow(cells)) {
-            beside_boxes_.push_back(qobject_cast<QLabel*>(&first));
+            beside_boxes_.push_back(dynamic_cast<QtLabel*>(&first));
             grid->addWidget(&first, row, kLabels);
             grid->addWidget(widgets.at(cells[1]), row, kBoxes, 1, cells.size() > 2 ? 1 : columns - kBoxes);
             for (std::size_t i = 2; i < cells.size(); ++i)
@@ -144,8 +150,8 @@ void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_vi
         } else {
             grid->addWidget(&first, row, 0, 1, columns);
         }
-        if (auto* const label = qobject_cast<QLabel*>(&first); label && cells.size() == 1)
-            wrapped_.push_back(label);
+        if (auto* const label = dynamic_cast<QtLabel*>(&first); label && cells.size() == 1)
+            alone_.push_back(label);
         if (cells[0]->Kind() == ControlKind::ListView && (side_row < 0 || cells[0]->Visible())) {
             side_row = row;
             grid->setRowStretch(row, 1);
@@ -160,29 +166,53 @@ void QtFormLayout::MakePart(QWidget& container, const Form& form, std::string_vi
     grid->addLayout(side, std::max(side_row, 0), columns);
 }
 
-QSize QtFormLayout::NeededSize(bool cut_off) {
-    const int character = window_.fontMetrics().averageCharWidth();
-    for (auto* const label : wrapped_)
-        label->setMinimumWidth(WidthOf(*label, character));
+QSize QtFormLayout::NeededSize(const QSize& room, bool cut_off) {
+    static constexpr Density kDensities[] = {{66, 66, 28, 3, 4}, {66, 18, 14, 3, 4}, {66, 18, 14, 1, 2}};
+    QSize size;
+    for (const Density& density : kDensities) {
+        size = SizeAt(density, room.width(), cut_off);
+        if (size.expandedTo(room) == room) break;
+    }
+    return size;
+}
+
+QSize QtFormLayout::SizeAt(const Density& density, int room, bool cut_off) {
+    const QFontMetrics metrics = window_.fontMetrics();
+    const int character = metrics.averageCharWidth();
+    const int line = metrics.height();
+    const int space = line * density.space / 5;
+    const int edge = line * density.edge / 5;
+    for (auto* const label : alone_)
+        label->SetLine(std::min(density.line * character, room - 2 * line));
     int widest = 0;
-    for (const auto* const label : beside_boxes_)
+    for (auto* const label : beside_boxes_) {
+        label->SetLine(density.label * character);
         widest = std::max(widest, label->sizeHint().width());
+    }
+    int wider = 0;
+    for (const auto* const button : pair_)
+        wider = std::max(wider, button->sizeHint().width());
+    for (auto* const button : pair_)
+        button->setMinimumWidth(wider);
     for (auto* const grid : grids_) {
         if (!beside_boxes_.empty()) grid->setColumnMinimumWidth(kLabels, widest);
-        if (!beside_boxes_.empty()) grid->setColumnMinimumWidth(kBoxes, kBoxWidth * character);
-        const int line = window_.fontMetrics().height();
-        const int between = line * 3 / 5;
-        const int edge = line * 4 / 5;
-        grid->setSpacing(between);
-        if (grid == grids_.front()) grid->setContentsMargins(line, edge, line, cut_off ? between : edge);
+        if (!beside_boxes_.empty()) grid->setColumnMinimumWidth(kBoxes, density.box * character);
+        grid->setSpacing(space);
+        if (grid == grids_.front()) grid->setContentsMargins(line, edge, line, cut_off ? space : edge);
     }
-    // A text that has just changed counts at once; the toolkit by itself would measure it a turn later.
+    // A text that has just changed counts immediately; the toolkit by itself would measure it a turn later.
     for (auto* const layout : window_.findChildren<QLayout*>())
         layout->invalidate();
     for (auto* const grid : grids_)
         grid->parentWidget()->updateGeometry();
     const QLayout& all = *window_.layout();
-    return all.totalSizeHint().expandedTo(all.totalMinimumSize());
+    QSize size = all.totalSizeHint().expandedTo(all.totalMinimumSize());
+    for (auto* const grid : grids_) {
+        if (grid == grids_.front() || !grid->parentWidget()->isHidden()) continue;
+        size.setWidth(std::max(size.width(), grid->totalSizeHint().width() + 2 * line));
+    }
+    if (!all.hasHeightForWidth()) return size;
+    return {size.width(), std::max(all.totalHeightForWidth(size.width()), all.totalMinimumSize().height())};
 }
 
 void QtFormLayout::SetTabOrder(const Form& form, const Widgets& widgets) {

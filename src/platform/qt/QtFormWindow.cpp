@@ -302,7 +302,8 @@ void QtFormWindow::DrawTexts(const Form& form) {
 void QtFormWindow::DrawDrawn(const Form& form) {
     const Widgets widgets = widgets_;
     for (const auto& [control, widget] : widgets) {
-        widget->setVisible(form.Drawn(*control));
+        const bool is_part = !control->Row().frame.empty();  // seen with its frame, and measured without
+        widget->setVisible(is_part ? control->Visible() : form.Drawn(*control));
         if (let_go_) return;
     }
     DrawTexts(form);
@@ -312,8 +313,10 @@ void QtFormWindow::DrawDrawn(const Form& form) {
 void QtFormWindow::Fit(const Form& form) {
     frame_ = windowHandle() ? windowHandle()->frameMargins() : QMargins();
     const bool cut_off = form.Height().rule == FormHeight::Rule::EndsAt;
-    QSize size = layout_->NeededSize(cut_off).expandedTo(QSize(LeastWidth(), LeastHeight(form)));
-    if (isVisible()) size = size.expandedTo(QSize(kept_width_, 0));
+    const QSize room = Room();
+    const QSize least(std::min(LeastWidth(), room.width()), LeastHeight(form));
+    QSize size = layout_->NeededSize(room, cut_off).expandedTo(least);
+    if (isVisible()) size = size.expandedTo(QSize(std::min(kept_width_, room.width()), 0));
     kept_width_ = size.width();
     const QSize before = this->size();
     const bool has_list = std::ranges::any_of(form.Controls(), [&](const Control& control) {
@@ -363,6 +366,7 @@ void QtFormWindow::ShowOrHide(const Form& form) {
         owner_ = screen_->OwnerOf(form);
         if (owner_) setScreen(owner_->screen());
         focused_ = nullptr;
+        Fit(form);
     }
     screen_->Present(*this, owner_, form.Modal() ? nullptr : &form);
     if (let_go_ || !form.Visible()) return;

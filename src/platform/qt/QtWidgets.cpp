@@ -14,13 +14,13 @@
 namespace kq {
 namespace {
 
-constexpr int kSteps = 1000;  // of a progress bar
+constexpr int kSteps = 1000;    // of a progress bar
+constexpr int kLeastLine = 44;  // average characters, to which lines are shortened at most
 
 // Plain text: what a server sends is shown as it is.
-QLabel* MakeLabel(const Control& control, QWidget& parent) {
-    auto* const label = new QLabel(&parent);
+QLabel* MakeLabel(QWidget& parent) {
+    auto* const label = new QtLabel(&parent);
     label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(control.Row().place == Place::NextRow && control.Row().buddy.empty());
     return label;
 }
 
@@ -72,10 +72,31 @@ void ShowSelectedItem(const Control& control, QListWidget& list) {
 
 }  // namespace
 
+void QtLabel::SetLine(int line) {
+    const int character = fontMetrics().averageCharWidth();
+    setWordWrap(false);
+    const bool several = QLabel::sizeHint().width() > line;
+    setWordWrap(several);
+    if (!several) return;
+    const int least = std::min(line, kLeastLine * character);
+    const int lines = heightForWidth(line);
+    for (width_ = line; width_ - character >= least && heightForWidth(width_ - character) == lines;)
+        width_ -= character;
+    updateGeometry();
+}
+
+QSize QtLabel::sizeHint() const {
+    return wordWrap() ? QSize(width_, heightForWidth(width_)) : QLabel::sizeHint();
+}
+
+QSize QtLabel::minimumSizeHint() const {
+    return wordWrap() ? QSize(width_, fontMetrics().height()) : QLabel::sizeHint();
+}
+
 QWidget* MakeWidget(const Control& control, QWidget& parent) {
     switch (control.Kind()) {
         case ControlKind::Label:
-            return MakeLabel(control, parent);
+            return MakeLabel(parent);
         case ControlKind::TextBox:
         case ControlKind::MaskedBox:
             return MakeBox(control, parent);
@@ -100,6 +121,12 @@ void ShowCaption(const Control& control, QWidget& widget, const QString& caption
         // Without a buddy the toolkit takes every "&" as it is.
         label->setText(label->buddy() ? caption : ToQt(control.Text()));
     } else if (auto* const button = qobject_cast<QAbstractButton*>(&widget)) {
+        button->setText(caption);
+        if (control.OtherText().empty()) return;
+        // As wide as with its other text, too.
+        const int width = button->sizeHint().width();
+        button->setText(ToQt(control.OtherText()));
+        button->setMinimumWidth(std::max(width, button->sizeHint().width()));
         button->setText(caption);
     }
 }

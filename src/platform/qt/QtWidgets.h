@@ -1,6 +1,7 @@
 // A widget for each kind of control, and what it shows.
 #pragma once
 
+#include <QLabel>
 #include <QString>
 #include <map>
 
@@ -13,6 +14,20 @@ class QWidget;
 namespace kq {
 
 using Widgets = std::map<const Control*, QWidget*>;
+
+// A text that asks for no wider line than it is given; what is longer goes on in further lines.
+class QtLabel final : public QLabel {
+ public:
+    using QLabel::QLabel;
+    // `line`: the most that it may ask for. Several lines are of about the same length, so that no word is
+    // left alone.
+    void SetLine(int line);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;  // of a wider label the lines are fewer
+
+ private:
+    int width_ = 0;  // of several lines
+};
 
 // The widget of the control as a child of `parent`, without texts. Null for kinds that are not shown.
 QWidget* MakeWidget(const Control& control, QWidget& parent);
