@@ -4,10 +4,10 @@
 //   kq::KQAppSessClient client(kq::MakeQtPlatform());
 //   client.SystemLogin(true, login);   // asks the user through dialogs
 //
-// Dialogs that ask are modal for all of the program's windows and come above its active one. While one is open,
-// the program's windows go on drawing, and its connections, timers and sockets are served. The window that is
-// shown while a procedure waits for a server is not modal: the program's windows take input in the meantime.
-// Disable what started the procedure until it returns.
+// Dialogs that ask are modal for all of the program's windows and come above its active one. While one is
+// open, the program's windows go on drawing, and its connections, timers and sockets are served. The window
+// that is shown while a procedure waits for a server is not modal: the program's windows take input in the
+// meantime. Disable what started the procedure until it returns.
 #pragma once
 
 #include <cstdint>
