@@ -8,11 +8,6 @@
 
 namespace kq::zeb {
 
-std::string AddressAndPort(const std::string& address, std::int32_t port) {
-    const bool brackets = address.find(':') != std::string::npos && address.front() != '[';
-    return (brackets ? "[" + address + "]" : address) + ":" + std::to_string(port);
-}
-
 std::optional<std::string> NumericAddress(const std::string& text) {
     if (text.find('\0') != std::string::npos) return std::nullopt;
     const bool brackets = text.size() > 2 && text.front() == '[' && text.back() == ']';

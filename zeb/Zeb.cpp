@@ -3,7 +3,7 @@
 
 #include <kqappsession/Error.h>
 
-#include "zeb/Addresses.h"
+#include "tools/program/OneLine.h"
 
 namespace kq::zeb {
 namespace {

@@ -1,17 +1,10 @@
-// Addresses as they are read and shown.
+// Addresses as they are read.
 #include <gtest/gtest.h>
 
 #include "zeb/Addresses.h"
 
 namespace kq::zeb {
 namespace {
-
-TEST(Addresses, AreShownWithTheirPort) {
-    EXPECT_EQ(AddressAndPort("192.0.2.1", 7700), "192.0.2.1:7700");
-    EXPECT_EQ(AddressAndPort("2001:db8::1", 7700), "[2001:db8::1]:7700");
-    EXPECT_EQ(AddressAndPort("[2001:db8::1]", 7700), "[2001:db8::1]:7700");
-    EXPECT_EQ(AddressAndPort("", 7700), ":7700");
-}
 
 TEST(Addresses, AreReadInEverySpelling) {
     EXPECT_EQ(NumericAddress("192.0.2.1"), "192.0.2.1");

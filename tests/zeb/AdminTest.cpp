@@ -121,6 +121,11 @@ TEST_F(AdminProfiles, AreListedByApplicationWithTheirSizes) {
     EXPECT_EQ(ListProfiles(store, "bob"), "APP\tBYTES\tPROFILES\n");
 }
 
+TEST_F(AdminProfiles, AreListedOnALineEachWhateverTheApplicationIsCalled) {
+    Put("A\nB", {});
+    EXPECT_NE(ListProfiles(store, "ana").find("\nA\\u000aB\t"), std::string::npos);
+}
+
 TEST_F(AdminProfiles, AreShownAsTheyAreStored) {
     EXPECT_EQ(ShowProfiles(store, "ana", "Demo"), UserData(store).Profiles(uid, "Demo"));
 }

@@ -92,7 +92,7 @@ std::string ShortLine(std::string_view text) {
 }
 
 std::string AddressAndPort(std::string_view address, std::int32_t port) {
-    const bool brackets = address.find(':') != std::string_view::npos;
+    const bool brackets = address.find(':') != std::string_view::npos && address.front() != '[';
     std::string text(address);
     if (brackets) text = "[" + text + "]";
     return text + ":" + std::to_string(port);

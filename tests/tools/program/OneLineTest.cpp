@@ -55,6 +55,8 @@ TEST(ShortLine, CutsBetweenCharacters) {
 TEST(AddressAndPort, PutsOnlyIPv6IntoBrackets) {
     EXPECT_EQ(AddressAndPort("127.0.0.1", 7700), "127.0.0.1:7700");
     EXPECT_EQ(AddressAndPort("::1", 7700), "[::1]:7700");
+    EXPECT_EQ(AddressAndPort("[2001:db8::1]", 7700), "[2001:db8::1]:7700");
+    EXPECT_EQ(AddressAndPort("", 7700), ":7700");
 }
 
 }  // namespace
