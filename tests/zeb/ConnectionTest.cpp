@@ -42,7 +42,7 @@ TEST_F(Connection, MessagesOfTheBusAreUnknownHere) {
 }
 
 // The refusal of what is no message, after which the connection has ended.
-void ExpectRefused(const std::shared_ptr<APClient>& client, const std::string& tag) {
+void ExpectNotAMessage(const std::shared_ptr<APClient>& client, const std::string& tag) {
     const Block block = client->TakeBlock(0);
     XMLMessage reply;
     reply.LoadXML(block.data);
@@ -56,14 +56,14 @@ TEST_F(Connection, TextThatIsNoMessageIsAnsweredAndTheConnectionClosed) {
     StartZeb();
     const auto client = NewClient();
     client->SendText("hello", "7");
-    ExpectRefused(client, "7");
+    ExpectNotAMessage(client, "7");
 }
 
 TEST_F(Connection, RawBytesAreAnsweredAndTheConnectionClosed) {
     StartZeb();
     const auto client = NewClient();
     client->SendBytes("bytes", "7");
-    ExpectRefused(client, "7");
+    ExpectNotAMessage(client, "7");
 }
 
 TEST_F(Connection, AMessageOfMoreThanAHundredThousandElementsIsRefused) {
@@ -73,7 +73,7 @@ TEST_F(Connection, AMessageOfMoreThanAHundredThousandElementsIsRefused) {
         text += "<a/>";
     const auto client = NewClient();
     client->SendText(text + "</ASMessage>");
-    ExpectRefused(client, "");
+    ExpectNotAMessage(client, "");
 }
 
 TEST_F(Connection, TheTagOfARequestComesBackWithItsAnswer) {
