@@ -97,8 +97,8 @@ std::string ListUsers(Store& store) {
 std::string ListProfiles(Store& store, const std::string& login) {
     std::string text = "APP\tBYTES\tPROFILES\n";
     for (const auto& stored : UserData(store).AllProfiles(UidOf(store, login))) {
-        text += OneLine(stored.app_id) + "\t" + std::to_string(stored.xml.size()) + "\t" + CountProfiles(stored.xml) +
-                "\n";
+        text += OneLine(stored.app_id) + "\t" + std::to_string(stored.xml.size()) + "\t" +
+                CountProfiles(stored.xml) + "\n";
     }
     return text;
 }
