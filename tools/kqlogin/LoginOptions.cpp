@@ -77,8 +77,8 @@ std::optional<LoginOptions> ParseLoginOptions(int argc, const char* const* argv,
         "Example: kqlogin --address 127.0.0.1 --port 7700 --app Demo --user ann",
         "kqlogin");
     app.footer(
-        "Settings file: $XDG_CONFIG_HOME/HLXApps/AppSess_APP.ini (default: ~/.config/HLXApps/), where APP is "
-        "the application identifier\n\n" +
+        "Settings file: $XDG_CONFIG_HOME/HLXApps/AppSess_APP.ini, where APP is the\n"
+        "application identifier; XDG_CONFIG_HOME defaults to ~/.config\n\n" +
         ExitCodeHelp());
     PrepareCommandLine(app);
     AddOptions(app, options);
