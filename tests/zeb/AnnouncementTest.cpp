@@ -207,7 +207,10 @@ class LostServer : public Announcement {
         session = LoginAndRegister("ana", *server);
     }
     // As the hub says it.
-    void LosesTheBus() { zeb->Reachable(server->Reply(), false); }
+    void LosesTheBus() {
+        zeb->Reachable(server->Reply(), false);
+        machine.loop->RunReady();
+    }
     void IsBackOnTheBus() {
         zeb->Reachable(server->Reply(), true);
         machine.loop->RunReady();
