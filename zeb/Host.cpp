@@ -8,7 +8,7 @@
 
 #include "tools/program/KeyFile.h"
 #include "tools/program/OneLine.h"
-#include "zeb/Admin.h"
+#include "zeb/admin/Admin.h"
 
 namespace kq::zeb {
 namespace {

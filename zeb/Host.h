@@ -6,8 +6,8 @@
 
 #include "libs/xmlbus/Hub.h"
 #include "zeb/Config.h"
-#include "zeb/PrivateFiles.h"
 #include "zeb/Zeb.h"
+#include "zeb/store/PrivateFiles.h"
 
 namespace kq::zeb {
 

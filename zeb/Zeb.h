@@ -11,9 +11,9 @@
 #include <kqappsession/Timer.h>
 #include <kqappsession/XMLBusClient.h>
 
-#include "zeb/ClientRequests.h"
-#include "zeb/ServerMessages.h"
-#include "zeb/Services.h"
+#include "zeb/bus/ServerMessages.h"
+#include "zeb/requests/ClientRequests.h"
+#include "zeb/store/Services.h"
 
 namespace kq::zeb {
 

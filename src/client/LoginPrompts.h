@@ -11,7 +11,7 @@
 #include "client/ClientState.h"
 #include "client/LoginAttendant.h"
 #include "client/SessConfig.h"
-#include "platform/Form.h"
+#include "forms/Form.h"
 
 namespace kq {
 

@@ -12,9 +12,9 @@
 #include <kqappsession/Platform.h>
 #include <kqappsession/Signal.h>
 
+#include "forms/DialogHost.h"
+#include "forms/Form.h"
 #include "messages/modASMsg.h"
-#include "platform/DialogHost.h"
-#include "platform/Form.h"
 
 namespace kq {
 

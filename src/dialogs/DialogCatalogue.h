@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "platform/Form.h"
+#include "forms/Form.h"
 
 namespace kq {
 

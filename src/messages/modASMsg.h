@@ -15,7 +15,7 @@
 #include <kqappsession/WebData.h>
 #include <kqappsession/XMLMessage.h>
 
-#include "platform/DialogHost.h"
+#include "forms/DialogHost.h"
 
 namespace kq {
 

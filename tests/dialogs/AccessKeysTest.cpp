@@ -4,7 +4,7 @@
 
 #include "dialogs/DialogCatalogue.h"
 #include "dialogs/DialogsTesting.h"
-#include "platform/AccessKeys.h"
+#include "forms/AccessKeys.h"
 #include "platform/posix/StringTables.h"
 
 namespace kq {

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "forms/Form.h"
 #include "gui/Stage.h"
-#include "platform/Form.h"
 
 namespace kq {
 namespace {

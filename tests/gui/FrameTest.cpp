@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/frmLogin.h"
+#include "forms/qt/QtWindowPlacement.h"
 #include "gui/User.h"
-#include "platform/qt/QtWindowPlacement.h"
 
 namespace kq {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/qt/QtWindowPlacement.h"
+#include "forms/qt/QtWindowPlacement.h"
 
 namespace kq {
 namespace {

@@ -10,12 +10,14 @@ import os
 import re
 import sys
 
-# Which rooms the files of a room may include besides their own. A room of src/ is a folder; sessioninfo is the part
-# of server/ that the client uses too. Public headers count as files of the room that owns them.
+# Which rooms the files of a room may include besides their own. A room is a folder, the longest one that is named
+# here; rooms of src/ are named without it. Public headers count as files of the room that owns them.
 LIBS = {"libs/xmlmessage", "libs/webdata", "libs/statistics", "libs/timer", "libs/appprotocol", "libs/xmlbus"}
 GROUND = {"base", "platform"}
 PORT = GROUND | {"platform/loop", "platform/net"}
-BELOW = GROUND | LIBS | {"util", "messages", "sessioninfo"}
+RENDERER = GROUND | {"forms", "platform/loop"}
+BELOW = GROUND | LIBS | {"util", "forms", "messages", "session"}
+PROGRAM = BELOW | {"tools/program"}
 MAY_USE = {
     "base": set(),
     "platform": {"base"},
@@ -23,8 +25,10 @@ MAY_USE = {
     "platform/net": GROUND,
     "platform/posix": PORT,
     "platform/win32": PORT,
-    "platform/qt": PORT,
-    "platform/tty": GROUND,
+    "forms": GROUND,
+    "forms/qt": RENDERER,
+    "forms/tty": RENDERER,
+    "forms/win32": RENDERER | {"platform/win32"},
     "libs/xmltext": GROUND,
     "libs/xmlmessage": GROUND | {"libs/xmltext"},
     "libs/webdata": GROUND | {"libs/xmltext"},
@@ -33,29 +37,32 @@ MAY_USE = {
     "libs/appprotocol": GROUND | {"libs/xmlmessage"},
     "libs/xmlbus": GROUND | {"libs/xmlmessage", "libs/appprotocol", "libs/timer"},
     "util": GROUND,
-    "messages": GROUND | {"util", "libs/xmlmessage", "libs/webdata"},
-    "dialogs": {"base", "platform", "messages", "libs/webdata", "libs/appprotocol"},
-    "sessioninfo": {"base"} | LIBS,
+    "messages": GROUND | {"util", "forms", "libs/xmlmessage", "libs/webdata"},
+    "session": {"base", "messages"} | LIBS,
+    "dialogs": GROUND | {"forms", "messages", "libs/webdata", "libs/appprotocol"},
     "client": BELOW | {"dialogs"},
     "server": BELOW,
     "library": BELOW | {"client", "server"},
     "automation": BELOW | {"client", "server", "dialogs"},
     "tools/program": GROUND,
-    "zeb": BELOW | {"tools/program"},
-    "tools": BELOW | {"platform/tty", "tools/program"},
+    "tools": PROGRAM | {"forms/tty"},
+    "zeb/store": PROGRAM,
+    "zeb/requests": PROGRAM | {"zeb/store"},
+    "zeb/bus": PROGRAM | {"zeb/store"},
+    "zeb/admin": PROGRAM | {"zeb/store"},
+    "zeb": PROGRAM | {"zeb/store", "zeb/requests", "zeb/bus", "zeb/admin"},
 }
-# Of the platform's interfaces, a dialog knows these.
-DIALOGS_SEE = {"platform/DialogHost.h", "platform/Form.h", "platform/Shortcuts.h", "platform/TempFiles.h"}
-# Programs know client and server by their public headers only.
-PUBLIC_ONLY = {("zeb", "client"), ("zeb", "server"), ("tools", "client"), ("tools", "server")}
+# The folders of programs. Programs know these two rooms by their public headers only.
+PROGRAM_FOLDERS = ("tools", "zeb")
+PUBLIC_ONLY = {"client", "server"}
 
 PUBLIC_HEADERS = {
     "Export": "base", "Error": "base", "Signal": "base", "Secret": "base", "AppObject": "base",
-    "EventLoop": "platform", "Platform": "platform", "AsioEventLoop": "platform", "QtPlatform": "platform/qt",
-    "TtyPlatform": "platform/tty",
+    "EventLoop": "platform", "Platform": "platform", "AsioEventLoop": "platform", "QtPlatform": "forms/qt",
+    "TtyPlatform": "forms/tty",
     "XMLMessage": "libs/xmlmessage", "WebData": "libs/webdata", "Statistics": "libs/statistics",
     "Timer": "libs/timer", "APClient": "libs/appprotocol", "Listener": "libs/appprotocol",
-    "XMLBusClient": "libs/xmlbus", "KQAppSessErrorEnum": "messages", "KQAppSessionInfo": "sessioninfo",
+    "XMLBusClient": "libs/xmlbus", "KQAppSessErrorEnum": "messages", "KQAppSessionInfo": "session",
     "KQAppSessClient": "client", "KQAppSessServer": "server",
 }
 # The one public header that is for hosts with an event loop of their own.
@@ -71,8 +78,8 @@ STANDARD = set("""
     strstream syncstream system_error thread tuple type_traits typeindex typeinfo unordered_map unordered_set utility
     valarray variant vector version""".split())
 THIRD_PARTY = re.compile(r"(asio|pugixml|sqlite3|sodium|spdlog|fmt|CLI|toml|nats|benchmark|gtest|gmock|Q[A-Z]\w*)\b")
-MAY_SEE_SYSTEM = ("platform/posix", "platform/win32", "platform/qt", "automation", "zeb", "tools")
-MAY_SEE_THIRD_PARTY = ("libs/", "platform/posix", "platform/win32", "platform/qt", "zeb", "tools")
+MAY_SEE_SYSTEM = ("platform/posix", "platform/win32", "forms/qt", "forms/win32", "automation", "zeb", "tools")
+MAY_SEE_THIRD_PARTY = ("libs/", "platform/posix", "platform/win32", "forms/qt", "zeb", "tools")
 
 INCLUDE = re.compile(r'\s*#\s*include\s*([<"])([^>"]+)[>"]')
 WINDOWS_SWITCH = re.compile(r"\s*#\s*(if|ifdef|ifndef|elif)\b.*\b_WIN(32|64)\b")
@@ -100,14 +107,11 @@ def lines(root, path):
         return list(enumerate(file.read().split("\n"), start=1))
 
 
-def room_of_source(path):
-    """The room of a path that starts below src/: the longest known room that is a folder of it, else None."""
-    if re.match(r"server/KQAppSessionInfo\w*\.", path):
-        return "sessioninfo"
-    folders = path.split("/")[:-1]
+def room_of_folder(folders):
+    """The longest known room that is a folder of these, else None."""
     for length in range(len(folders), 0, -1):
         room = "/".join(folders[:length])
-        if room in MAY_USE and room not in ("zeb", "tools", "tools/program", "sessioninfo"):
+        if room in MAY_USE:
             return room
     return None
 
@@ -118,10 +122,8 @@ def room_of_file(path):
     if first == "include":
         return PUBLIC_HEADERS.get(os.path.splitext(os.path.basename(path))[0])
     if first == "src":
-        return room_of_source(rest)
-    if path.startswith("tools/program/"):
-        return "tools/program"
-    return first if first in ("zeb", "tools") else None
+        return room_of_folder(rest.split("/")[:-1])
+    return room_of_folder(path.split("/")[:-1]) if first in PROGRAM_FOLDERS else None
 
 
 def wrong_include(path, room, bracket, name):
@@ -133,22 +135,17 @@ def wrong_include(path, room, bracket, name):
             return f"<{name}> is no public header"
     elif bracket == "<":
         return wrong_foreign_include(path, room, name)
-    elif name.startswith(("zeb/", "tools/")) or "/" not in name:
-        owner = room_of_file(name) if "/" in name else room
     else:
-        owner = room_of_source(name)
+        path_of_name = name if name.startswith(tuple(f"{folder}/" for folder in PROGRAM_FOLDERS)) else f"src/{name}"
+        owner = room_of_file(path_of_name) if "/" in name else room
         if owner is None:
             return f'"{name}" is in no room'
     if owner == room:
         return None
-    if not public and (room, owner) in PUBLIC_ONLY:
-        return f"{room} may use the public headers of {owner} only, not \"{name}\""
-    if public and (room, owner) in PUBLIC_ONLY:
-        return None
+    if owner in PUBLIC_ONLY and room.split("/")[0] in PROGRAM_FOLDERS:
+        return None if public else f"{room} may use the public headers of {owner} only, not \"{name}\""
     if owner not in MAY_USE[room]:
         return f"{room} may not use {owner} ({name})"
-    if room == "dialogs" and owner == "platform" and not public and name not in DIALOGS_SEE:
-        return f"dialogs may not use {name}"
     return None
 
 
@@ -195,7 +192,7 @@ def check_headers(root):
 def check_platforms(root):
     for path in files(root, ("include", "src", "zeb", "tools"), (".h", ".cpp")):
         room = room_of_file(path) or ""
-        if room.startswith(("platform", "automation")):
+        if room.startswith(("platform", "forms/win32", "automation")):
             continue
         for number, line in lines(root, path):
             if WINDOWS_SWITCH.match(line):

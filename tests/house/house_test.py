@@ -39,9 +39,9 @@ class House(unittest.TestCase):
     def test_client_and_server_do_not_know_each_other(self):
         self.assertEqual(1, len(self.includes_of("src/client/A.cpp", "<kqappsession/KQAppSessServer.h>")))
 
-    def test_the_client_uses_the_session_record_but_no_other_part_of_the_server(self):
-        self.assertEqual(1, len(self.includes_of("src/client/A.cpp", '"server/KQAppSessionInfos.h"',
-                                                 '"server/Announcement.h"')))
+    def test_the_client_uses_the_session_record_but_nothing_of_the_server(self):
+        self.assertEqual(['src/client/A.cpp:2: client may not use server (server/Announcement.h)'],
+                         self.includes_of("src/client/A.cpp", '"session/A.h"', '"server/Announcement.h"'))
 
     def test_a_library_does_not_know_its_siblings(self):
         self.assertEqual(1, len(self.includes_of("src/libs/webdata/A.cpp", "<kqappsession/Timer.h>")))
@@ -70,12 +70,19 @@ class House(unittest.TestCase):
         self.assertEqual([], self.includes_of("tools/A.cpp", "<kqappsession/KQAppSessClient.h>"))
         self.assertEqual(1, len(self.includes_of("tools/A.cpp", '"client/ClientState.h"')))
 
-    def test_dialogs_know_two_interfaces_of_the_platform(self):
-        self.assertEqual([], self.includes_of("src/dialogs/A.cpp", '"platform/DialogHost.h"'))
-        self.assertEqual(1, len(self.includes_of("src/dialogs/A.cpp", '"platform/Folders.h"')))
+    def test_dialogs_know_forms_but_no_renderer_and_no_port(self):
+        self.assertEqual([], self.includes_of("src/dialogs/A.cpp", '"forms/DialogHost.h"', '"platform/Shortcuts.h"'))
+        self.assertEqual(2, len(self.includes_of("src/dialogs/A.cpp", '"forms/qt/A.h"', '"platform/posix/B.h"')))
+
+    def test_renderers_do_not_know_each_other_nor_a_dialog(self):
+        self.assertEqual(2, len(self.includes_of("src/forms/qt/A.cpp", '"forms/tty/B.h"', '"dialogs/frmLogin.h"')))
+
+    def test_the_folders_of_the_login_server_are_rooms(self):
+        self.assertEqual([], self.includes_of("zeb/requests/A.cpp", '"zeb/store/B.h"', '"tools/program/C.h"'))
+        self.assertEqual(1, len(self.includes_of("zeb/store/A.cpp", '"zeb/requests/B.h"')))
 
     def test_ports_do_not_know_each_other(self):
-        self.assertEqual(1, len(self.includes_of("src/platform/qt/A.cpp", '"platform/posix/B.h"')))
+        self.assertEqual(1, len(self.includes_of("src/platform/posix/A.cpp", '"platform/win32/B.h"')))
 
     def test_a_file_in_no_room_is_found(self):
         self.assertEqual(1, len(self.includes_of("src/misc/A.cpp", "<string>")))

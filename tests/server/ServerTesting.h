@@ -16,7 +16,7 @@
 #include <kqappsession/KQAppSessServer.h>
 
 #include "libs/xmlbus/LocalBus.h"
-#include "server/SessionTesting.h"
+#include "session/SessionTesting.h"
 #include "support/FakePlatform.h"
 
 namespace kq {

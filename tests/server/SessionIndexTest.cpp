@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "server/SessionIndex.h"
-#include "server/SessionTesting.h"
+#include "session/SessionTesting.h"
 #include "support/FakePlatform.h"
 
 namespace kq {

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/DialogHost.h"
+#include "forms/DialogHost.h"
 #include "support/FakeUser.h"
 
 namespace kq {

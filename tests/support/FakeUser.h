@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Form.h"
+#include "forms/Form.h"
 #include "support/FakeEventLoop.h"
 
 namespace kq {

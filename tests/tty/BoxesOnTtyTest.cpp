@@ -2,8 +2,8 @@
 #include <fstream>
 
 #include "dialogs/frmWait.h"
+#include "forms/tty/TtyPrompter.h"
 #include "platform/TemporaryFolder.h"
-#include "platform/tty/TtyPrompter.h"
 #include "tty/TtyScene.h"
 
 namespace kq {

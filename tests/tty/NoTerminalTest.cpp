@@ -6,7 +6,7 @@
 
 #include <kqappsession/Error.h>
 
-#include "platform/DialogHost.h"
+#include "forms/DialogHost.h"
 #include "platform/TemporaryFolder.h"
 #include "tty/RealTerminal.h"
 

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "forms/tty/TtyDialogHost.h"
 #include "messages/MessagesTesting.h"
-#include "platform/tty/TtyDialogHost.h"
 #include "tty/FakeTerminal.h"
 
 namespace kq {

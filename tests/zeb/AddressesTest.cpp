@@ -1,7 +1,7 @@
 // Addresses as they are read.
 #include <gtest/gtest.h>
 
-#include "zeb/Addresses.h"
+#include "zeb/requests/Addresses.h"
 
 namespace kq::zeb {
 namespace {

@@ -5,11 +5,11 @@
 
 #include <kqappsession/WebData.h>
 
-#include "zeb/Admin.h"
 #include "zeb/ExpectError.h"
-#include "zeb/PrivateFiles.h"
 #include "zeb/TemporaryFolder.h"
-#include "zeb/UserData.h"
+#include "zeb/admin/Admin.h"
+#include "zeb/store/PrivateFiles.h"
+#include "zeb/store/UserData.h"
 
 namespace kq::zeb {
 namespace {

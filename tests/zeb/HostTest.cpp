@@ -7,9 +7,9 @@
 #include <kqappsession/Error.h>
 
 #include "tools/program/KeyFile.h"
-#include "zeb/Admin.h"
 #include "zeb/Host.h"
 #include "zeb/TemporaryFolder.h"
+#include "zeb/admin/Admin.h"
 
 namespace kq::zeb {
 namespace {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "zeb/Log.h"
-#include "zeb/Services.h"
+#include "zeb/store/Services.h"
 
 namespace kq::zeb {
 namespace {

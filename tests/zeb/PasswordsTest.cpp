@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "support/FakePlatform.h"
-#include "zeb/FailedAttempts.h"
-#include "zeb/PasswordPool.h"
+#include "zeb/store/FailedAttempts.h"
+#include "zeb/store/PasswordPool.h"
 
 namespace kq::zeb {
 namespace {

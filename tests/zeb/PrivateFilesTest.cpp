@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include "zeb/Admin.h"
 #include "zeb/ExpectError.h"
-#include "zeb/PrivateFiles.h"
 #include "zeb/TemporaryFolder.h"
+#include "zeb/admin/Admin.h"
+#include "zeb/store/PrivateFiles.h"
 
 namespace kq::zeb {
 namespace {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "zeb/Config.h"
-#include "zeb/Refusal.h"
+#include "zeb/store/Refusal.h"
 
 namespace kq::zeb {
 namespace {

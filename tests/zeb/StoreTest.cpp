@@ -8,11 +8,11 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "zeb/Accounts.h"
 #include "zeb/ExpectError.h"
-#include "zeb/Passwords.h"
-#include "zeb/PrivateFiles.h"
 #include "zeb/TemporaryFolder.h"
+#include "zeb/store/Accounts.h"
+#include "zeb/store/Passwords.h"
+#include "zeb/store/PrivateFiles.h"
 
 namespace kq::zeb {
 namespace {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "forms/win32/Win32MessageBox.h"
 #include "platform/Clock.h"
 #include "platform/FileShare.h"
 #include "platform/Folders.h"
@@ -12,7 +13,6 @@
 #include "platform/Process.h"
 #include "platform/StringTable.h"
 #include "platform/TemporaryFolder.h"
-#include "platform/win32/Win32MessageBox.h"
 #include "platform/win32/Win32Platform.h"
 #include "platform/win32/Win32Text.h"
 
