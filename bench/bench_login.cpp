@@ -56,7 +56,7 @@ class AppServerThread {
  private:
     void Run(std::int32_t bus_port, std::promise<EventLoop*>& ready) {
         const auto platform = MakePlatform();
-        EventLoop& loop = *platform->loop;
+        EventLoop& loop = *platform->Loop();
         KQAppSessServer server(platform);
         try {
             const auto bus = XMLBusClient::Create(platform, BusSettings{"127.0.0.1", bus_port, {}});

@@ -13,9 +13,8 @@ constexpr std::int32_t kTick = 5'000;  // ms
 // heard.
 constexpr std::int64_t kTicksToAskAfterStart = 6;
 constexpr std::int64_t kTicksToAsk = ServerRegistry::kAskInterval.count() / kTick;
-// A client's time from its connection to a request, and from one request to the next until it has logged in:
-// its user may have to be asked in between.
-constexpr Milliseconds kTimeToAsk{10'000};
+// A client's time from one request to the next until it has logged in: its user may have to be asked in
+// between.
 constexpr Milliseconds kTimeToAskAgain{300'000};
 
 // What a client was given it must be able to send back over a connection that has not logged in, with the
@@ -36,9 +35,9 @@ Zeb::Zeb(PlatformPtr platform, Store& store, Executor& executor, const PasswordH
       accounts_(store),
       user_data_(store, MaxProfiles(settings_)),
       sessions_(store, platform_, settings_.sessions),
-      servers_(platform_->loop),
-      passwords_(platform_->loop, executor, hasher),
-      attempts_(platform_->loop, settings_.attempts),
+      servers_(platform_->Loop()),
+      passwords_(platform_->Loop(), executor, hasher),
+      attempts_(platform_->Loop(), settings_.attempts),
       services_{platform_,  store,
                 accounts_,  user_data_,
                 sessions_,  servers_,
@@ -70,7 +69,6 @@ void Zeb::Stop() {
 void Zeb::ListenForClients() {
     APLimits limits;
     limits.frame = settings_.max_request;
-    limits.proof = kTimeToAsk;
     listener_->SetLimits(limits);
     listener_->SetMaxClients(settings_.max_connections);
     listener_->SetKeepAlive(true);

@@ -95,11 +95,11 @@ void LogStrayExceptions(const std::shared_ptr<spdlog::logger>& log) {
 void Serve(const Config& config, StopSignals& signals, const std::shared_ptr<spdlog::logger>& log) {
     const auto platform = MakePlatform();
     bool stopping = false;
-    signals.Watch(*platform->loop, [&] { stopping = true; });
+    signals.Watch(*platform->Loop(), [&] { stopping = true; });
     Host host(platform, config, log);
     Print("zebd: listening on " + host.Listening() + "\nzebd: bus on " + host.BusListening() + "\n",
           {.time = std::chrono::seconds(1)});
-    platform->loop->RunUntil([&] { return stopping; }, EventLoop::TimePoint::max());
+    platform->Loop()->RunUntil([&] { return stopping; }, EventLoop::TimePoint::max());
     log->info("Stopping");
     host.Stop();
 }

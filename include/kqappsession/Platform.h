@@ -13,37 +13,26 @@
 
 namespace kq {
 
-class Clock;
-class Crypto;
-class DialogHost;
-class FileShare;
-class Folders;
-class Locale;
-class Network;
-class Process;
-class ProfileFile;
-class Resolver;
-class Shortcuts;
-class StringTable;
-class TempFiles;
-class VersionResource;
+// Opaque: made by MakePlatform, MakeQtPlatform or MakeTtyPlatform, and never changed.
+class KQ_EXPORT Platform {
+ public:
+    struct Machine;  // the parts, which only the library knows
+    explicit Platform(std::unique_ptr<const Machine> machine);
+    ~Platform();
+    Platform(const Platform&) = delete;
+    Platform& operator=(const Platform&) = delete;
 
-struct Platform {
-    std::shared_ptr<EventLoop> loop;
-    std::shared_ptr<Clock> clock;
-    std::shared_ptr<Network> network;
-    std::shared_ptr<Resolver> resolver;
-    std::shared_ptr<Folders> folders;
-    std::shared_ptr<ProfileFile> profile_file;
-    std::shared_ptr<Locale> locale;
-    std::shared_ptr<StringTable> strings;
-    std::shared_ptr<Process> process;
-    std::shared_ptr<FileShare> file_share;
-    std::shared_ptr<VersionResource> version_resource;
-    std::shared_ptr<Crypto> crypto;
-    std::shared_ptr<Shortcuts> shortcuts;
-    std::shared_ptr<TempFiles> temp_files;
-    std::shared_ptr<DialogHost> dialogs;  // null in a program without a face: nothing can be asked of a user
+    // The loop that everything made with this bundle runs on: a program that waits calls its RunUntil. Never
+    // null.
+    const std::shared_ptr<EventLoop>& Loop() const;
+    // Whether a user can be asked: the bundle has dialogs. Without them an interactive procedure raises
+    // RuntimeError::InvalidProcedureCall where it would have to ask.
+    bool Interactive() const;
+
+    const Machine& Parts() const { return *machine_; }
+
+ private:
+    std::unique_ptr<const Machine> machine_;
 };
 
 using PlatformPtr = std::shared_ptr<const Platform>;

@@ -71,8 +71,8 @@ class KQ_EXPORT XMLBusClient : public std::enable_shared_from_this<XMLBusClient>
     static constexpr Milliseconds kNoExpiry{0};
 
     // A client of a hub, and a client over any transport (one inside the process for tests). Raises
-    // RuntimeError::InvalidProcedureCall when `platform` is null or lacks what the bus needs, or `transport`
-    // is null.
+    // RuntimeError::ObjectNotSet when `platform` is null, RuntimeError::InvalidProcedureCall when `transport`
+    // is.
     static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform, BusSettings settings);
     static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform,
                                                 std::shared_ptr<BusTransport> transport);

@@ -8,6 +8,7 @@
 
 #include "client/ProfilesOnClient.h"
 #include "platform/Clock.h"
+#include "platform/Machine.h"
 
 namespace kq {
 
@@ -90,22 +91,22 @@ void ClientState::Terminate() {
     Disconnect(session_client_);
     login_client_.reset();
     if (session_client_) ending_session_client_ = std::move(session_client_);
-    platform->loop->Post([] {});  // wakes a pause, which sees the count
+    platform->Loop()->Post([] {});  // wakes a pause, which sees the count
     Terminated();
 }
 
 void ClientState::GiveUp() {
     given_up_ = true;
     Disconnect(newest_client_.lock());
-    platform->loop->Post([] {});  // wakes a pause
+    platform->Loop()->Post([] {});  // wakes a pause
 }
 
 float ClientState::TimeOfDay() const {
-    return static_cast<float>(platform->clock->SecondsSinceMidnight());
+    return static_cast<float>(platform->Parts().clock->SecondsSinceMidnight());
 }
 
 void ClientState::Pause(float seconds) {
-    EventLoop& loop = *platform->loop;
+    EventLoop& loop = *platform->Loop();
     const auto terminations = terminations_;
     const auto ended = [&] { return loop.Quitting() || given_up_ || terminations_ != terminations; };
     const auto wait_for = [&](const std::function<bool()>& done, float at_most) {
@@ -144,7 +145,7 @@ void Procedure::CheckTermination() const {
     if (Terminated()) {
         Raise(NetError::Interrupted, kLibrarySource, "The client was terminated while the procedure ran");
     }
-    if (state_.platform->loop->Quitting()) {
+    if (state_.platform->Loop()->Quitting()) {
         Raise(NetError::Interrupted, kLibrarySource, "The program's event loop was ended");
     }
     if (state_.GivenUp()) throw UserGaveUp();

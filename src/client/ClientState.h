@@ -109,7 +109,7 @@ class Procedure {
     // Raises NetError::Interrupted once the client was terminated during the run or the loop has been quit,
     // and UserGaveUp once its user has given up.
     void CheckTermination() const;
-    bool Ended() const { return Terminated() || state_.GivenUp() || state_.platform->loop->Quitting(); }
+    bool Ended() const { return Terminated() || state_.GivenUp() || state_.platform->Loop()->Quitting(); }
 
  private:
     bool Terminated() const { return state_.Terminations() != terminations_; }

@@ -42,7 +42,7 @@ LoginStates InteractiveAttendant::Meet(LoginFailure failure, const Args& questio
 }
 
 LoginStates InteractiveAttendant::MeetUnexpected(std::int32_t text, const Error& error) {
-    if (!state_.platform->dialogs) throw;
+    if (!state_.platform->Interactive()) throw;
     return texts_.AskYesNo(text, {error.Description()}) ? lsGetLoginInfo : lsFailed;
 }
 

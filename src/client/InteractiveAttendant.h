@@ -21,7 +21,7 @@ class InteractiveAttendant : public LoginAttendant {
     LoginStates Meet(LoginFailure failure, const Args& question, const Args& error) override;
     LoginStates MeetUnexpected(std::int32_t text, const Error& error) override;
     void ShowWait(std::int32_t caption) override {
-        if (state_.platform->dialogs) wait_.ShowWait(caption);
+        if (state_.platform->Interactive()) wait_.ShowWait(caption);
     }
     void HideWait() override { wait_.HideWait(); }
     bool GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments, bool use_profiles,

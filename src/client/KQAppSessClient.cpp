@@ -9,6 +9,7 @@
 #include "client/ProfilesOnClient.h"
 #include "client/ServerLogin.h"
 #include "client/SystemLogin.h"
+#include "platform/Machine.h"
 #include "util/ResolveDomain.h"
 
 namespace kq {
@@ -34,8 +35,7 @@ std::shared_ptr<Profile> InitialProfile(const Profiles& profiles, const std::str
 }
 
 std::shared_ptr<ClientState> NewState(PlatformPtr platform) {
-    if (!platform) Raise(RuntimeError::ObjectNotSet, "A KQAppSessClient needs a platform");
-    return std::make_shared<ClientState>(std::move(platform));
+    return std::make_shared<ClientState>(RequirePlatform(std::move(platform), "A client object"));
 }
 
 // The first setting is the address; without one nothing is written.

@@ -8,6 +8,7 @@
 #include "client/TerminableDialog.h"
 #include "dialogs/frmLogin.h"
 #include "dialogs/frmServer.h"
+#include "platform/Machine.h"
 
 namespace kq {
 
@@ -21,7 +22,7 @@ void PromptedSettings::Write(const ServerSettings& settings) {
     unsaved_ = settings;
     if (std::exchange(warned_, true)) return;
     state_.texts.ShowWarning(
-        ClientText(ClientSentence::SettingsNotSaved, *state_.platform->locale, {config_.Path()}));
+        ClientText(ClientSentence::SettingsNotSaved, *state_.platform->Parts().locale, {config_.Path()}));
 }
 
 bool ChangeConfiguration(ClientState& state, PromptedSettings& settings) {

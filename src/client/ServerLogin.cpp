@@ -7,6 +7,7 @@
 #include "base/Convert.h"
 #include "messages/ASMessages.h"
 #include "platform/Locale.h"
+#include "platform/Machine.h"
 
 namespace kq {
 
@@ -86,7 +87,7 @@ LoginStates ServerLogin::AttemptRegister() {
     ASRegisterRequest request;
     request.AppID = state_.session_info->AppID();
     request.SessionID = state_.session_info->SessionID();
-    request.LocaleID = TextOf(state_.platform->locale->UserLocaleId());
+    request.LocaleID = TextOf(state_.platform->Parts().locale->UserLocaleId());
     state_.Pause(kLoginPause);
     try {
         connection_->SendText(request.Build().ToXML());

@@ -8,6 +8,7 @@
 #include "client/ClientTexts.h"
 #include "messages/ASMessages.h"
 #include "platform/Folders.h"
+#include "platform/Machine.h"
 #include "platform/Process.h"
 
 namespace kq {
@@ -58,7 +59,7 @@ SystemLogin::SystemLogin(ClientState& state, bool interactive, SystemLoginArgume
       procedure_(state),
       attendant_(MakeAttendant(interactive, state)),
       arguments_(std::move(arguments)) {
-    if (interactive && !state.platform->dialogs) {
+    if (interactive && !state.platform->Interactive()) {
         Raise(RuntimeError::InvalidProcedureCall,
               "An interactive login asks its user through dialogs, and this program has none");
     }
@@ -103,7 +104,7 @@ void SystemLogin::Prepare() {
 void SystemLogin::RemoveDownloadedClient() {
     const std::string old_client = config_->Setting(kLastDownloadedClient, "");
     if (old_client.empty()) return;
-    state_.platform->folders->DeleteFile(old_client);
+    state_.platform->Parts().folders->DeleteFile(old_client);
     config_->SetSetting(kLastDownloadedClient, "");
 }
 
@@ -211,10 +212,10 @@ void SystemLogin::StartDownloadedClient(const std::string& path) {
     RemoveDownloadedClient();
     config_->SetSetting(kLastDownloadedClient, path);
     procedure_.CheckTermination();
-    const Platform& platform = *state_.platform;
-    if (const std::string reason = platform.process->Start(path); !reason.empty()) {
+    const Platform::Machine& machine = state_.platform->Parts();
+    if (const std::string reason = machine.process->Start(path); !reason.empty()) {
         Raise(RuntimeError::InvalidProcedureCall,
-              ClientText(ClientSentence::ClientNotStarted, *platform.locale, {path, reason}));
+              ClientText(ClientSentence::ClientNotStarted, *machine.locale, {path, reason}));
     }
 }
 

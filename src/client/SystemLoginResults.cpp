@@ -8,6 +8,7 @@
 #include "client/ProfilesOnClient.h"
 #include "client/SystemLogin.h"
 #include "dialogs/frmProfiles.h"
+#include "platform/Machine.h"
 #include "platform/Process.h"
 #include "util/VersionInfo.h"
 
@@ -115,7 +116,7 @@ std::string ClientVersionOf(const AppObject* app, const PlatformPtr& platform) {
         if (major && minor && revision) return *major + "." + *minor + "." + *revision;
     }
     VersionInfo version(platform);
-    version.Initialize(platform->process->ExecutablePath());
+    version.Initialize(platform->Parts().process->ExecutablePath());
     return version.Initialized() && version.CodePageCount() > 0 ? version.FileVersion(1) : std::string();
 }
 

@@ -3,6 +3,8 @@
 
 #include <kqappsession/Error.h>
 
+#include "platform/Machine.h"
+
 namespace kq {
 
 Dialog::~Dialog() {
@@ -33,7 +35,7 @@ void Window::GoBackTo(Control& box) {
 }
 
 void Window::Warn(std::int32_t text_id) {
-    const auto dialogs = platform_->dialogs;
+    const auto dialogs = platform_->Parts().dialogs;
     dialogs->ShowMessageBox(texts_.LoadText(text_id), std::string(kLibrarySource), BoxStyle::Warning,
                             form_->Hidden);
 }

@@ -9,6 +9,7 @@
 
 #include "base/Convert.h"
 #include "messages/ASMessages.h"
+#include "platform/Machine.h"
 #include "platform/TempFiles.h"
 
 namespace kq {
@@ -131,11 +132,11 @@ class DownloadWindow : public Window {
 
     void Save(const std::string& bytes) {
         std::string path;
-        FileResult result = platform_->temp_files->CreateUnique(kPrefix, path);
+        FileResult result = platform_->Parts().temp_files->CreateUnique(kPrefix, path);
         if (result.error == 0) {
             path.resize(path.size() - kTemporary.size());
             path += kProgram;
-            result = platform_->temp_files->WriteNewProgram(path, bytes);
+            result = platform_->Parts().temp_files->WriteNewProgram(path, bytes);
         }
         if (result.error != 0) return Fail(result.error, result.description);
         path_ = path;

@@ -8,6 +8,7 @@
 #include "base/Convert.h"
 #include "dialogs/UniqueName.h"
 #include "dialogs/frmNewProfile.h"
+#include "platform/Machine.h"
 #include "platform/Shortcuts.h"
 
 namespace kq {
@@ -60,7 +61,7 @@ class ProfilesWindow : public Window {
 
  private:
     bool MustGoOn() {
-        if (profiles_->Count() != 0 || Abandoned() || platform_->loop->Quitting()) return false;
+        if (profiles_->Count() != 0 || Abandoned() || platform_->Loop()->Quitting()) return false;
         return texts_.AskYesNo(kNoProfileYet) && !Abandoned();
     }
 
@@ -87,7 +88,7 @@ class ProfilesWindow : public Window {
         const bool selected = Selected() != nullptr;
         for (const auto button : {"cmdChoose", "cmdCopy", "cmdRename", "cmdRemove"})
             At(button).SetEnabled(selected);
-        const bool can_make = platform_->shortcuts && !program_.exe_name.empty();
+        const bool can_make = platform_->Parts().shortcuts && !program_.exe_name.empty();
         At("cmdShortcut").SetEnabled(selected && can_make);
     }
 
@@ -155,16 +156,16 @@ class ProfilesWindow : public Window {
 
     void cmdShortcut_Click() {
         const auto profile = Selected();
-        const auto shortcuts = platform_->shortcuts;
+        const auto shortcuts = platform_->Parts().shortcuts;
         if (!profile || !shortcuts) return;
         const std::string name = profile->Name();
-        const auto path =
-            platform_->dialogs->AskSavePath({.title = texts_.Text(kShortcutTitle, {name}),
-                                             .folder = shortcuts->DesktopFolder().value_or(std::string()),
-                                             .filter = "Shortcut|*." + shortcuts->Extension(),
-                                             .extension = shortcuts->Extension(),
-                                             .file_name = AllowedInProfileName(name)},
-                                            form_->Hidden);
+        const auto path = platform_->Parts().dialogs->AskSavePath(
+            {.title = texts_.Text(kShortcutTitle, {name}),
+             .folder = shortcuts->DesktopFolder().value_or(std::string()),
+             .filter = "Shortcut|*." + shortcuts->Extension(),
+             .extension = shortcuts->Extension(),
+             .file_name = AllowedInProfileName(name)},
+            form_->Hidden);
         if (!path || Abandoned()) return;
         // Where it cannot be made there is none; nobody is told.
         shortcuts->Create(*path,

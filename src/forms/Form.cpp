@@ -8,6 +8,7 @@
 #include <kqappsession/Error.h>
 
 #include "forms/DialogHost.h"
+#include "platform/Machine.h"
 
 namespace kq {
 
@@ -23,7 +24,7 @@ Form::Form(PlatformPtr platform, const FormRow& row) : platform_(std::move(platf
 // Nobody may be told any more: the form is no longer held.
 Form::~Form() {
     for (auto& control : controls_)
-        platform_->loop->CancelTimer(control.timer_);
+        platform_->Loop()->CancelTimer(control.timer_);
 }
 
 const Control* Form::Find(std::string_view name) const {
@@ -164,10 +165,10 @@ void Form::CloseAsked() {
 
 // The next tick is due one interval after this one was delivered, so ticks never pile up.
 void Form::RunTimer(Control& timer) {
-    platform_->loop->CancelTimer(std::exchange(timer.timer_, 0));
+    platform_->Loop()->CancelTimer(std::exchange(timer.timer_, 0));
     if (unloaded_ || !timer.timer_enabled_ || timer.row_.interval <= 0) return;
     timer.timer_ =
-        platform_->loop->StartTimer(Milliseconds(timer.row_.interval), timers_.Bind([this, &timer] {
+        platform_->Loop()->StartTimer(Milliseconds(timer.row_.interval), timers_.Bind([this, &timer] {
             const auto self = shared_from_this();
             timer.timer_ = 0;
             Fire(&Control::tick_, timer);
@@ -221,9 +222,9 @@ void Form::SetVisible(bool on) {
 }
 
 void Form::Show() {
-    if (!platform_->dialogs)
+    if (!platform_->Interactive())
         Raise(RuntimeError::InvalidProcedureCall, "There is nobody to ask: the program has no dialogs");
-    if (!view_) view_ = platform_->dialogs->CreateView(*this);
+    if (!view_) view_ = platform_->Parts().dialogs->CreateView(*this);
     SetVisible(true);
 }
 
@@ -237,7 +238,7 @@ void Form::ShowModal(const std::shared_ptr<Form>& owner) {
     Show();
     running_ = true;
     try {
-        platform->dialogs->RunModal(*this);
+        platform->Parts().dialogs->RunModal(*this);
     } catch (...) {
         if (!failure_) failure_ = std::current_exception();
     }
@@ -263,7 +264,7 @@ void Form::Hide() {
 void Form::Unload() {
     if (std::exchange(unloaded_, true)) return;
     for (auto& control : controls_)
-        platform_->loop->CancelTimer(control.timer_);
+        platform_->Loop()->CancelTimer(control.timer_);
     timers_.Cancel();
     Hide();
     view_.reset();

@@ -10,6 +10,7 @@
 
 #include "base/Utf.h"
 #include "platform/FileShare.h"
+#include "platform/Machine.h"
 #include "platform/Process.h"
 #include "platform/StringTable.h"
 
@@ -97,7 +98,7 @@ std::string modASMsg::FormatText(std::string text, const Args& args) {
 }
 
 std::string modASMsg::LoadText(std::int32_t text_id) const {
-    auto text = platform_->strings->Load(text_id);
+    auto text = platform_->Parts().strings->Load(text_id);
     if (!text) Raise(RuntimeError::ResourceNotFound);
     return *std::move(text);
 }
@@ -145,7 +146,7 @@ void modASMsg::ShowWarning(const std::string& text) const {
 
 // This object may be destroyed when the box closes, so the host is held and nothing is touched afterwards.
 BoxButton modASMsg::Box(const std::string& text, const std::string& caption, BoxStyle style) const {
-    const auto dialogs = platform_->dialogs;
+    const auto dialogs = platform_->Parts().dialogs;
     if (!dialogs) {
         Raise(RuntimeError::InvalidProcedureCall,
               "This program has no dialogs, so the user cannot be asked: " + text);
@@ -163,7 +164,7 @@ ASData modASMsg::ParseASData(const std::string& text) {
 }
 
 std::string modASMsg::GetLocalComputerName() const {
-    return std::string(FirstCharacters(platform_->process->ComputerName(), kComputerNameLength));
+    return std::string(FirstCharacters(platform_->Parts().process->ComputerName(), kComputerNameLength));
 }
 
 // The folder is named inside quotation marks when it is shared, so one of its own cannot be told from the
@@ -173,8 +174,8 @@ std::string modASMsg::EnsureShare(const std::string& folder_path, const std::str
     try {
         path = "\\\\" + GetLocalComputerName() + "\\" + share_name + "\\";
         const bool quotable = (folder_path + share_name).find('"') == std::string::npos;
-        if (quotable && !platform_->file_share->CanList(path))
-            platform_->file_share->Share(share_name, folder_path);
+        if (quotable && !platform_->Parts().file_share->CanList(path))
+            platform_->Parts().file_share->Share(share_name, folder_path);
     } catch (const std::exception&) {
         // The path is told whether or not the share stands.
     }

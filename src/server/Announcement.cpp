@@ -9,6 +9,7 @@
 #include "base/Convert.h"
 #include "messages/modASMsg.h"
 #include "platform/Folders.h"
+#include "platform/Machine.h"
 #include "util/VersionInfo.h"
 
 namespace kq {
@@ -98,10 +99,10 @@ Installer FindInstaller(const PlatformPtr& platform, const AppObject* app_obj, c
     if (app_obj == nullptr) return {};
     const auto path = app_obj->Property("Path");
     if (!path) return {};
-    const char separator = platform->folders->Separator();
+    const char separator = platform->Parts().folders->Separator();
     const std::string folder = *path + separator + "Install";
     const std::string file = folder + separator + file_name;
-    if (!platform->folders->FileExists(file)) return {};
+    if (!platform->Parts().folders->FileExists(file)) return {};
 
     Installer installer;
     installer.path = modASMsg(platform).EnsureShare(folder, "ClientInstall_" + app_id) + file_name;

@@ -130,7 +130,7 @@ void KQAppSessServer::Impl::OnASLogoutUser(const MessagePtr& message, bool& hand
         const auto client = index_.ClientOf(session_id);
         if (!client) continue;
         client->Disconnect();
-        platform->loop->ProcessPending();
+        platform->Loop()->ProcessPending();
     }
     handled = true;
     Raise(&KQAppSessServer::XMLBusReceive, message, 0, "");

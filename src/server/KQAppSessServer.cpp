@@ -10,6 +10,7 @@
 #include <kqappsession/KQAppSessServer.h>
 
 #include "base/Convert.h"
+#include "platform/Machine.h"
 #include "server/KQAppSessServerImpl.h"
 
 namespace kq {
@@ -53,12 +54,6 @@ InterfaceVersions InterfaceVersions::Invalid() {
 
 namespace {
 
-PlatformPtr Required(PlatformPtr platform) {
-    if (!platform)
-        Raise(RuntimeError::ObjectNotSet, "A session manager cannot be created without a platform");
-    return platform;
-}
-
 APLimits ListenerLimits() {
     APLimits limits;
     limits.frame = kMostBytes;
@@ -69,7 +64,7 @@ APLimits ListenerLimits() {
 }  // namespace
 
 KQAppSessServer::Impl::Impl(KQAppSessServer& face, PlatformPtr machine)
-    : platform(Required(std::move(machine))),
+    : platform(RequirePlatform(std::move(machine), "A session manager")),
       listener(kq::Listener::Create(platform)),
       sessions(std::make_shared<KQAppSessionInfos>()),
       face_(&face),

@@ -26,7 +26,7 @@ KQAppSessServer::ClientPtr KQAppSessServer::Impl::ConnectedClient(const std::str
 }
 
 bool KQAppSessServer::Impl::Open(OpenRequest request) {
-    request.since = platform->loop->Now();
+    request.since = platform->Loop()->Now();
     if (!open_.Add(request)) {
         RefuseUnanswered(request);
         return false;
@@ -39,14 +39,14 @@ bool KQAppSessServer::Impl::Open(OpenRequest request) {
 void KQAppSessServer::Impl::AwaitOldest() {
     const auto oldest = open_.Oldest();
     if (!oldest) return;
-    const auto left = std::chrono::ceil<Milliseconds>(*oldest + kAnswerTime - platform->loop->Now());
-    oldest_timer_ = platform->loop->StartTimer(left, owner_.Bind([this] { OnTooOld(); }));
+    const auto left = std::chrono::ceil<Milliseconds>(*oldest + kAnswerTime - platform->Loop()->Now());
+    oldest_timer_ = platform->Loop()->StartTimer(left, owner_.Bind([this] { OnTooOld(); }));
 }
 
 void KQAppSessServer::Impl::OnTooOld() {
     const auto self = shared_from_this();
     oldest_timer_ = 0;
-    for (const auto& request : open_.TakeUntil(platform->loop->Now() - kAnswerTime))
+    for (const auto& request : open_.TakeUntil(platform->Loop()->Now() - kAnswerTime))
         IgnoreErrors([&] { RefuseUnanswered(request); });
     AwaitOldest();
 }

@@ -11,6 +11,7 @@
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"
+#include "platform/Machine.h"
 #include "platform/VersionResource.h"
 
 namespace kq {
@@ -41,7 +42,7 @@ VersionInfo::~VersionInfo() = default;
 
 // A file without a version resource changes nothing, so what an earlier file gave stays.
 void VersionInfo::Initialize(const std::string& file_path) {
-    if (auto block = platform_->version_resource->Load(file_path)) block_ = std::move(block);
+    if (auto block = platform_->Parts().version_resource->Load(file_path)) block_ = std::move(block);
 }
 
 const VersionBlock& VersionInfo::Block() const {

@@ -24,7 +24,7 @@ class Loopback : public testing::Test {
     }
     void Connect() { client_->Connect("127.0.0.1", listener_->Port(), "", 5000); }
     bool RunUntil(const std::function<bool()>& done) {
-        return platform_->loop->RunUntil(done, platform_->loop->Now() + Milliseconds(5000));
+        return platform_->Loop()->RunUntil(done, platform_->Loop()->Now() + Milliseconds(5000));
     }
 
     PlatformPtr platform_;
@@ -78,9 +78,9 @@ TEST_F(Loopback, FindsTheLocalHostByName) {
 
 TEST_F(Loopback, TimesOutInRealTime) {
     Connect();
-    const auto start = platform_->loop->Now();
+    const auto start = platform_->Loop()->Now();
     EXPECT_EQ(NumberRaisedBy([&] { client_->TakeBlock(60); }), 10060);
-    EXPECT_GE(platform_->loop->Now() - start, Milliseconds(60));
+    EXPECT_GE(platform_->Loop()->Now() - start, Milliseconds(60));
 }
 
 TEST_F(Loopback, RaisesThatThePortIsInUse) {

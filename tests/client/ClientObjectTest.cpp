@@ -35,7 +35,7 @@ TEST_F(ClientObjectTest, AFreshOneIsNotLoggedInAndUsesProfiles) {
 
 TEST_F(ClientObjectTest, NeedsAPlatform) {
     ExpectError(ErrorOf([] { KQAppSessClient(nullptr); }), NumberOf(RuntimeError::ObjectNotSet),
-                "A KQAppSessClient needs a platform");
+                "A client object needs a platform, such as that of MakePlatform");
 }
 
 TEST_F(ClientObjectTest, StoresAnyValueOfItsSimpleProperties) {

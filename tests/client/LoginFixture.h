@@ -15,6 +15,7 @@
 
 #include "client/SessConfig.h"
 #include "messages/modASMsg.h"
+#include "platform/Machine.h"
 #include "platform/posix/PosixStringTable.h"
 #include "support/FakeZeb.h"
 
@@ -97,9 +98,9 @@ class LoginFixture : public testing::Test {
 
  private:
     PlatformPtr WithEnglishTexts() {
-        auto bundle = std::make_shared<Platform>(*machine.platform);
-        bundle->strings = MakePosixStringTable(*machine.locale);
-        return bundle;
+        Platform::Machine parts = machine.platform->Parts();
+        parts.strings = MakePosixStringTable(*machine.locale);
+        return MakeBundle(parts);
     }
 };
 

@@ -179,8 +179,8 @@ TEST(DialogsWithoutAFace, RaiseAnError) {
 }
 
 TEST_F(DialogLife, EndsWithTheErrorOfAMissingText) {
-    auto bundle = std::make_shared<Platform>(*machine.fakes.platform);
-    const Error error = ErrorOf([&] { frmPassword(bundle).GetPassword(secret, secret, nullptr); });
+    const Error error =
+        ErrorOf([&] { frmPassword(machine.fakes.platform).GetPassword(secret, secret, nullptr); });
     EXPECT_EQ(error.Number(), NumberOf(RuntimeError::ResourceNotFound));
     EXPECT_TRUE(host.Shown().empty());
 }

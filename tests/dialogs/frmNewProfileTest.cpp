@@ -1,6 +1,7 @@
 // The dialog that asks for a profile's name, in its two modes, and its filter.
 #include "dialogs/DialogsTesting.h"
 #include "dialogs/frmNewProfile.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -249,10 +250,10 @@ class BrokenHost final : public DialogHost {
 };
 
 TEST_F(NameFilter, AnErrorInTheMiddleOfItEndsTheFilterAndNotTheDialog) {
-    auto broken = std::make_shared<Platform>(*machine.platform);
+    Platform::Machine parts = machine.platform->Parts();
     const auto broken_host = std::make_shared<BrokenHost>();
-    broken->dialogs = broken_host;
-    EXPECT_FALSE(frmNewProfile(broken).GetNewProfile(name, nullptr));
+    parts.dialogs = broken_host;
+    EXPECT_FALSE(frmNewProfile(MakeBundle(parts)).GetNewProfile(name, nullptr));
     EXPECT_TRUE(broken_host->StayedOpen());
     EXPECT_EQ(name, "Main");
     EXPECT_EQ(LeavesOfTyped("b:"), "b");

@@ -33,7 +33,7 @@ class HostApplication : public testing::Test {
         return held;
     }
 
-    std::shared_ptr<EventLoop> loop_ = MakeQtPlatform()->loop;
+    std::shared_ptr<EventLoop> loop_ = MakeQtPlatform()->Loop();
     std::string heard_;
 };
 

@@ -11,6 +11,7 @@
 
 #include <kqappsession/QtPlatform.h>
 
+#include "platform/Machine.h"
 #include "platform/StringTable.h"
 
 namespace kq {
@@ -37,9 +38,9 @@ class FileStrings final : public StringTable {
 };
 
 PlatformPtr MachineSpeaking(std::int32_t language) {
-    auto machine = std::make_shared<Platform>(*MakeQtPlatform(language));
-    if (language == kPseudoLanguage) machine->strings = std::make_shared<FileStrings>(KQ_PSEUDO_STRINGS);
-    return machine;
+    Platform::Machine machine = MakeQtPlatform(language)->Parts();
+    if (language == kPseudoLanguage) machine.strings = std::make_shared<FileStrings>(KQ_PSEUDO_STRINGS);
+    return MakeBundle(std::move(machine));
 }
 
 }  // namespace
@@ -51,7 +52,7 @@ Stage::Stage(std::int32_t language) : machine_(MachineSpeaking(language)) {
 
 Stage::~Stage() {
     EXPECT_EQ(acts_.size(), 0U) << "a window did not come";
-    machine_->loop->ProcessPending();
+    machine_->Loop()->ProcessPending();
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "a window is left";
 }
 

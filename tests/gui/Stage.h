@@ -31,7 +31,7 @@ class Stage {
     ~Stage();
 
     const PlatformPtr& Machine() const { return machine_; }
-    EventLoop& Loop() const { return *machine_->loop; }
+    EventLoop& Loop() const { return *machine_->Loop(); }
     // The next act of the user: once the window of this name (a form's, "MessageBox", "SaveDialog") is the
     // modal one on top, or stands above all others.
     void When(const std::string& window, Act act, Milliseconds patience = kPatience) {

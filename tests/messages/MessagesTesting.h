@@ -7,6 +7,7 @@
 #include <kqappsession/Error.h>
 
 #include "messages/modASMsg.h"
+#include "platform/Machine.h"
 #include "platform/posix/PosixStringTable.h"
 #include "support/FakePlatform.h"
 
@@ -14,9 +15,9 @@ namespace kq {
 
 struct EnglishMachine {
     explicit EnglishMachine(FakePlatform::Face face = FakePlatform::Face::WithDialogs) : fakes(face) {
-        auto bundle = std::make_shared<Platform>(*fakes.platform);
-        bundle->strings = MakePosixStringTable(*fakes.locale);
-        platform = bundle;
+        Platform::Machine parts = fakes.platform->Parts();
+        parts.strings = MakePosixStringTable(*fakes.locale);
+        platform = MakeBundle(parts);
     }
 
     FakePlatform fakes;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "messages/MessagesTesting.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -41,9 +42,9 @@ struct FailingShare : FileShare {
 };
 
 TEST_F(Share, HasItsPathEvenWhenSharingFails) {
-    auto bundle = std::make_shared<Platform>(*machine.platform);
-    bundle->file_share = std::make_shared<FailingShare>();
-    EXPECT_EQ(modASMsg(bundle).EnsureShare("C:\\Install", "Setup"), "\\\\HOST\\Setup\\");
+    Platform::Machine parts = machine.platform->Parts();
+    parts.file_share = std::make_shared<FailingShare>();
+    EXPECT_EQ(modASMsg(MakeBundle(parts)).EnsureShare("C:\\Install", "Setup"), "\\\\HOST\\Setup\\");
 }
 
 TEST_F(Share, IsNamedByAtMostFifteenCharactersOfTheComputer) {

@@ -6,12 +6,13 @@
 #include <kqappsession/Platform.h>
 
 #include "platform/Crypto.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
 
 TEST(PortCrypto, MakesTheWellKnownKeyedHashes) {
-    const auto crypto = MakePlatform()->crypto;
+    const auto crypto = MakePlatform()->Parts().crypto;
     EXPECT_EQ(crypto->HmacSha256Hex("Jefe", "what do ya want for nothing?"),
               "5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843");
     EXPECT_EQ(crypto->HmacSha256Hex(std::string(131, '\xAA'),
@@ -21,7 +22,7 @@ TEST(PortCrypto, MakesTheWellKnownKeyedHashes) {
 }
 
 TEST(PortCrypto, DrawsDifferentNumbersOfTheRightLength) {
-    const auto crypto = MakePlatform()->crypto;
+    const auto crypto = MakePlatform()->Parts().crypto;
     const std::string one = crypto->RandomHex(16);
     EXPECT_EQ(one.size(), 32U);
     EXPECT_EQ(one.find_first_not_of("0123456789abcdef"), std::string::npos);
@@ -30,7 +31,7 @@ TEST(PortCrypto, DrawsDifferentNumbersOfTheRightLength) {
 }
 
 TEST(PortCrypto, ComparesWholeTexts) {
-    const auto crypto = MakePlatform()->crypto;
+    const auto crypto = MakePlatform()->Parts().crypto;
     EXPECT_TRUE(crypto->EqualConstantTime("same", "same"));
     EXPECT_TRUE(crypto->EqualConstantTime("", ""));
     EXPECT_FALSE(crypto->EqualConstantTime("same", "sama"));

@@ -17,6 +17,7 @@
 #include "platform/FileShare.h"
 #include "platform/Folders.h"
 #include "platform/Locale.h"
+#include "platform/Machine.h"
 #include "platform/Patience.h"
 #include "platform/Process.h"
 #include "platform/StringTable.h"
@@ -66,7 +67,7 @@ std::int32_t LocaleFor(const std::optional<std::string>& all, const std::optiona
 std::optional<std::string> GreetingFor(const std::string& setting) {
     Environment environment;
     environment.Set("LC_ALL", setting);
-    return MakePlatform()->strings->Load(200);
+    return MakePlatform()->Parts().strings->Load(200);
 }
 
 TEST(PosixLocale, KnowsTheLanguagesOfTheTextsAndOthers) {
@@ -117,12 +118,12 @@ TEST(PosixLocale, AsksTheVariablesInTheirOrderAndSkipsEmptyOnes) {
 TEST(PosixPlatform, SpeaksTheLanguageThatTheHostHasChosen) {
     Environment environment;
     environment.Set("LC_ALL", "pt_BR.UTF-8");
-    EXPECT_EQ(MakePlatform()->locale->UserLocaleId(), 1046);
-    EXPECT_EQ(MakePlatform()->strings->Load(105), "Cancelar");
-    EXPECT_EQ(MakePlatform(nullptr, 1033)->locale->UserLocaleId(), 1033);
-    EXPECT_EQ(MakePlatform(nullptr, 1033)->strings->Load(105), "Cancel");
-    EXPECT_EQ(MakePlatform(nullptr, 1031)->locale->UserLocaleId(), 1031);
-    EXPECT_EQ(MakePlatform(nullptr, 1031)->strings->Load(105), "Cancel");
+    EXPECT_EQ(MakePlatform()->Parts().locale->UserLocaleId(), 1046);
+    EXPECT_EQ(MakePlatform()->Parts().strings->Load(105), "Cancelar");
+    EXPECT_EQ(MakePlatform(nullptr, 1033)->Parts().locale->UserLocaleId(), 1033);
+    EXPECT_EQ(MakePlatform(nullptr, 1033)->Parts().strings->Load(105), "Cancel");
+    EXPECT_EQ(MakePlatform(nullptr, 1031)->Parts().locale->UserLocaleId(), 1031);
+    EXPECT_EQ(MakePlatform(nullptr, 1031)->Parts().strings->Load(105), "Cancel");
 }
 
 class XdgFolder : public testing::Test {
@@ -294,12 +295,14 @@ TEST(PosixClock, CountsTheSecondsOfTheDay) {
 
 TEST(PosixPlatform, IsWholeButForTheDialogs) {
     const PlatformPtr platform = MakePlatform();
-    EXPECT_TRUE(platform->loop && platform->clock && platform->network && platform->resolver &&
-                platform->folders);
-    EXPECT_TRUE(platform->profile_file && platform->locale && platform->strings && platform->process);
-    EXPECT_TRUE(platform->file_share && platform->version_resource && platform->crypto);
-    EXPECT_EQ(platform->dialogs, nullptr);
-    EXPECT_TRUE(platform->strings->Load(101).has_value());
+    EXPECT_TRUE(platform->Loop() && platform->Parts().clock && platform->Parts().network &&
+                platform->Parts().resolver && platform->Parts().folders);
+    EXPECT_TRUE(platform->Parts().profile_file && platform->Parts().locale && platform->Parts().strings &&
+                platform->Parts().process);
+    EXPECT_TRUE(platform->Parts().file_share && platform->Parts().version_resource &&
+                platform->Parts().crypto);
+    EXPECT_EQ(platform->Parts().dialogs, nullptr);
+    EXPECT_TRUE(platform->Parts().strings->Load(101).has_value());
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <kqappsession/Platform.h>
 
 #include "platform/Locale.h"
+#include "platform/Machine.h"
 #include "platform/StringTable.h"
 #include "platform/posix/StringTables.h"
 
@@ -21,9 +22,9 @@ const LanguageTable& TableOf(std::int32_t language) {
 // A program in `language` has all texts of the table `texts`, and its own identifier.
 void ExpectTexts(std::int32_t language, std::int32_t texts) {
     const auto platform = MakePlatform(nullptr, language);
-    EXPECT_EQ(platform->locale->UserLocaleId(), language);
+    EXPECT_EQ(platform->Parts().locale->UserLocaleId(), language);
     for (const auto& entry : TableOf(texts).entries)
-        EXPECT_EQ(platform->strings->Load(entry.id), entry.text) << language;
+        EXPECT_EQ(platform->Parts().strings->Load(entry.id), entry.text) << language;
 }
 
 std::string RefusalOf(std::int32_t language) {

@@ -1,6 +1,8 @@
 // Puts the fakes together.
 #include "support/FakePlatform.h"
 
+#include "platform/Machine.h"
+
 namespace kq {
 
 FakePlatform::FakePlatform(Face face)
@@ -19,9 +21,8 @@ FakePlatform::FakePlatform(Face face)
       shortcuts(std::make_shared<FakeShortcuts>()),
       temp_files(std::make_shared<FakeTempFiles>()),
       dialogs(face == Face::WithDialogs ? std::make_shared<FakeDialogHost>(loop) : nullptr) {
-    platform = std::make_shared<const Platform>(
-        Platform{loop, clock, network, resolver, folders, profile_file, locale, strings, process, file_share,
-                 version_resource, crypto, shortcuts, temp_files, dialogs});
+    platform = MakeBundle({loop, clock, network, resolver, folders, profile_file, locale, strings, process,
+                           file_share, version_resource, crypto, shortcuts, temp_files, dialogs});
 }
 
 }  // namespace kq

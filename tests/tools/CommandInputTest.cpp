@@ -31,7 +31,7 @@ class CommandInputTest : public testing::Test {
         ends_[1] = -1;
     }
     bool RunUntilLines(std::size_t count) {
-        auto& loop = *platform_->loop;
+        auto& loop = *platform_->Loop();
         return loop.RunUntil([&] { return lines_.size() >= count; }, loop.Now() + std::chrono::seconds(10));
     }
 
@@ -44,14 +44,14 @@ class CommandInputTest : public testing::Test {
 };
 
 TEST_F(CommandInputTest, HandsOutLineByLineOnTheLoop) {
-    const CommandInput input(*platform_->loop, ends_[0], keep_);
+    const CommandInput input(*platform_->Loop(), ends_[0], keep_);
     Write("sessions\nquit\n");
     EXPECT_TRUE(RunUntilLines(2));
     EXPECT_EQ((std::vector<std::string>{"sessions", "quit"}), lines_);
 }
 
 TEST_F(CommandInputTest, WaitsForTheEndOfALine) {
-    const CommandInput input(*platform_->loop, ends_[0], keep_);
+    const CommandInput input(*platform_->Loop(), ends_[0], keep_);
     Write("sess");
     Write("ions\nqu");
     EXPECT_TRUE(RunUntilLines(1));
@@ -59,14 +59,14 @@ TEST_F(CommandInputTest, WaitsForTheEndOfALine) {
 }
 
 TEST_F(CommandInputTest, DeliversWhatCameBeforeTheEndOfTheInput) {
-    const CommandInput input(*platform_->loop, ends_[0], keep_);
+    const CommandInput input(*platform_->Loop(), ends_[0], keep_);
     Write("quit\n");
     End();
     EXPECT_TRUE(RunUntilLines(1));
 }
 
 TEST_F(CommandInputTest, CutsALineThatIsTooLong) {
-    const CommandInput input(*platform_->loop, ends_[0], keep_);
+    const CommandInput input(*platform_->Loop(), ends_[0], keep_);
     Write(std::string(5'000, 'x') + "\nquit\n");
     EXPECT_TRUE(RunUntilLines(2));
     EXPECT_EQ(4'096U, lines_[0].size());
@@ -75,10 +75,10 @@ TEST_F(CommandInputTest, CutsALineThatIsTooLong) {
 
 TEST_F(CommandInputTest, DoesNotCallAfterItHasGone) {
     {
-        const CommandInput input(*platform_->loop, ends_[0], [](const std::string&) { FAIL(); });
+        const CommandInput input(*platform_->Loop(), ends_[0], [](const std::string&) { FAIL(); });
         Write("quit\n");
     }
-    platform_->loop->ProcessPending();
+    platform_->Loop()->ProcessPending();
 }
 
 }  // namespace

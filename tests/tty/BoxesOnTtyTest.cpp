@@ -3,6 +3,7 @@
 
 #include "dialogs/frmWait.h"
 #include "forms/tty/TtyPrompter.h"
+#include "platform/Machine.h"
 #include "platform/TemporaryFolder.h"
 #include "tty/TtyScene.h"
 
@@ -48,7 +49,7 @@ TEST_F(BoxOnTty, TakesTheEndOfTheInputForTheMildestAnswer) {
 TEST_F(BoxOnTty, EndsWhenItIsWithdrawn) {
     Signal<> withdrawn;
     terminal->Waits([&] { withdrawn(); });
-    EXPECT_EQ(platform->dialogs->ShowMessageBox("Go on?", "Title", BoxStyle::YesNoCancel, withdrawn),
+    EXPECT_EQ(platform->Parts().dialogs->ShowMessageBox("Go on?", "Title", BoxStyle::YesNoCancel, withdrawn),
               BoxButton::Cancel);
 }
 
@@ -87,7 +88,8 @@ TEST_F(BoxOnTty, AsksAgainAfterWhatNoKeyboardTypes) {
 TEST_F(BoxOnTty, BreaksLongTextsAtBlanks) {
     terminal->SetWidth(12);
     terminal->Types({""});
-    platform->dialogs->ShowMessageBox("No server.  Start again, please?", "A long caption", BoxStyle::Error);
+    platform->Parts().dialogs->ShowMessageBox("No server.  Start again, please?", "A long caption",
+                                              BoxStyle::Error);
     EXPECT_EQ(terminal->Screen(),
               "\n!! A long\ncaption\nNo server.\nStart again,\nplease?\n  1. OK\n[1]: \n");
 }
@@ -95,19 +97,19 @@ TEST_F(BoxOnTty, BreaksLongTextsAtBlanks) {
 TEST_F(BoxOnTty, KeepsLinesAndBlanksThatFit) {
     terminal->SetWidth(80);
     terminal->Types({""});
-    platform->dialogs->ShowMessageBox("One.  Two.\r\n\nThree.", "Title", BoxStyle::Error);
+    platform->Parts().dialogs->ShowMessageBox("One.  Two.\r\n\nThree.", "Title", BoxStyle::Error);
     EXPECT_TRUE(terminal->Shows("\nOne.  Two.\n\nThree.\n"));
 }
 
 TEST_F(BoxOnTty, LetsNoCaptionMakeLines) {
     terminal->Types({""});
-    platform->dialogs->ShowMessageBox("Text", "Title\nPassword:", BoxStyle::Error);
+    platform->Parts().dialogs->ShowMessageBox("Text", "Title\nPassword:", BoxStyle::Error);
     EXPECT_TRUE(terminal->Shows("!! Title Password:\nText\n"));
 }
 
 TEST_F(BoxOnTty, LetsNoTextSteerTheTerminal) {
     terminal->Types({""});
-    platform->dialogs->ShowMessageBox(
+    platform->Parts().dialogs->ShowMessageBox(
         "a\x1b[2Jb\xc2\x9b"
         "c\rd\x7f\ne",
         "Title", BoxStyle::Error);
@@ -116,7 +118,8 @@ TEST_F(BoxOnTty, LetsNoTextSteerTheTerminal) {
 
 TEST_F(BoxOnTty, LetsNoTextTurnTheDirectionOfReading) {
     terminal->Types({""});
-    platform->dialogs->ShowMessageBox("a\u202Eb\u2066c\u2028d \xff\x9b e\tf", "Title", BoxStyle::Error);
+    platform->Parts().dialogs->ShowMessageBox("a\u202Eb\u2066c\u2028d \xff\x9b e\tf", "Title",
+                                              BoxStyle::Error);
     EXPECT_TRUE(terminal->Shows("a?b?c?d \uFFFD\uFFFD e f\n")) << terminal->Screen();
 }
 
@@ -163,7 +166,7 @@ TEST(WordsOfOtherLanguages, AreThoseOfTheirTexts) {
 
 struct SavePathOnTty : TtyScene {
     std::optional<std::string> Ask() {
-        return platform->dialogs->AskSavePath(
+        return platform->Parts().dialogs->AskSavePath(
             {"Where?", folder.Path(), "Shortcut|*.lnk", "lnk", "Sales.lnk"});
     }
     TemporaryFolder folder;
@@ -191,7 +194,7 @@ TEST_F(SavePathOnTty, TakesAFolderForThePlaceOfTheProposedName) {
 TEST_F(SavePathOnTty, EndsWhenItIsWithdrawn) {
     Signal<> withdrawn;
     terminal->Waits([&] { withdrawn(); });
-    EXPECT_EQ(platform->dialogs->AskSavePath({"Where?", folder.Path(), "", "", "a"}, withdrawn),
+    EXPECT_EQ(platform->Parts().dialogs->AskSavePath({"Where?", folder.Path(), "", "", "a"}, withdrawn),
               std::nullopt);
 }
 

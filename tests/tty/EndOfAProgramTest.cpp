@@ -23,7 +23,7 @@ class EndOfAProgram : public RealTerminal {
     // Runs the question in a child process and waits until it is asked.
     void Ask(const std::function<void(EventLoop&)>& meanwhile = {}) {
         Run([&] {
-            const auto loop = MakePlatform()->loop;
+            const auto loop = MakePlatform()->Loop();
             if (meanwhile) meanwhile(*loop);
             MakeTerminal(loop, program_, program_)->ReadLine("", false, [] { return false; });
         });
@@ -103,7 +103,7 @@ TEST_F(EndOfAProgram, IsNotTheEndOfASuspendedOne) {
 
 TEST_F(EndOfAProgram, IsNotTheEndOfASuspendedOneThatAsksWithinAQuestion) {
     Run([&] {
-        const auto loop = MakePlatform()->loop;
+        const auto loop = MakePlatform()->Loop();
         const auto terminal = MakeTerminal(loop, program_, program_);
         const auto never = [] { return false; };
         loop->StartTimer(Milliseconds(10), [&] { terminal->ReadLine("", false, never); });
@@ -153,7 +153,7 @@ TEST_F(ProgramInTheBackground, AsksForNoPasswordThatWouldBeShown) {
     int told[2] = {-1, -1};
     ASSERT_EQ(::pipe(told), 0);
     RunInTheBackground(true, [&] {
-        const auto terminal = MakeTerminal(MakePlatform()->loop, program_, program_);
+        const auto terminal = MakeTerminal(MakePlatform()->Loop(), program_, program_);
         const auto answer = terminal->ReadLine("Password: ", false, [] { return false; });
         const char end = answer.end == End::GivenUp ? 'g' : 'x';
         static_cast<void>(!::write(told[1], &end, 1));
@@ -178,7 +178,7 @@ TEST_F(ProgramInTheBackground, HidesAPasswordAlthoughASignalInterruptsTheChangeO
         struct sigaction to_front {};
         to_front.sa_handler = [](int) { ::tcsetpgrp(terminal, ::getpgrp()); };
         ::sigaction(SIGTTOU, &to_front, nullptr);
-        MakeTerminal(MakePlatform()->loop, program_, program_)->ReadLine("", false, [] { return false; });
+        MakeTerminal(MakePlatform()->Loop(), program_, program_)->ReadLine("", false, [] { return false; });
     });
     EXPECT_TRUE(AwaitQuestion());
 }

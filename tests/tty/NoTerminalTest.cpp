@@ -7,6 +7,7 @@
 #include <kqappsession/Error.h>
 
 #include "forms/DialogHost.h"
+#include "platform/Machine.h"
 #include "platform/TemporaryFolder.h"
 #include "tty/RealTerminal.h"
 
@@ -14,7 +15,7 @@ namespace kq {
 namespace {
 
 BoxButton Ask(const PlatformPtr& platform) {
-    return platform->dialogs->ShowMessageBox("Go on?", "Title", BoxStyle::YesNoCancel);
+    return platform->Parts().dialogs->ShowMessageBox("Go on?", "Title", BoxStyle::YesNoCancel);
 }
 
 struct Pipe {
@@ -91,7 +92,7 @@ TEST(WrongAnswers, LeaveTheLoopRunning) {
     const int input = ::open(folder.File("answers").c_str(), O_RDONLY | O_CLOEXEC);
     const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
     const auto platform = MakeTtyPlatform(nullptr, input, nowhere);
-    platform->loop->StartTimer(Milliseconds(0), [&] { platform->loop->Quit(); });
+    platform->Loop()->StartTimer(Milliseconds(0), [&] { platform->Loop()->Quit(); });
     EXPECT_EQ(Ask(platform), BoxButton::Cancel);
     char byte = 0;
     EXPECT_EQ(::read(input, &byte, 1), 1) << "every answer was taken";

@@ -60,7 +60,7 @@ class RealTerminal : public testing::Test {
     }
 
     int person_ = -1, program_ = -1;
-    std::shared_ptr<EventLoop> loop_ = MakePlatform()->loop;
+    std::shared_ptr<EventLoop> loop_ = MakePlatform()->Loop();
     std::shared_ptr<Terminal> terminal_;
 };
 

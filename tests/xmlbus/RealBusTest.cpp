@@ -2,6 +2,7 @@
 #include "libs/xmlbus/BusControl.h"
 #include "libs/xmlbus/Hub.h"
 #include "platform/Crypto.h"
+#include "platform/Machine.h"
 #include "xmlbus/BusTesting.h"
 
 namespace kq {
@@ -18,7 +19,7 @@ struct RealBusTest : testing::Test {
     }
     // False when it took longer than a machine ever should.
     bool Await(const std::function<bool()>& done) {
-        return platform->loop->RunUntil(done, platform->loop->Now() + Milliseconds(20'000));
+        return platform->Loop()->RunUntil(done, platform->Loop()->Now() + Milliseconds(20'000));
     }
     // Both have their places and subscriptions: each has heard itself.
     bool AwaitPlaces(const std::vector<Party*>& parties) {
@@ -109,9 +110,9 @@ TEST_F(RealBusTest, CarriesManyMessagesInOrder) {
 TEST_F(RealBusTest, ProvesTheKeyAsTheWireDocumentShows) {
     const BusGreeting greeting{"00112233445566778899aabbccddeeff", std::string(64, '1'),
                                std::string(64, '2')};
-    EXPECT_EQ(BusProofOf(*platform->crypto, "open sesame", kPeerRole, greeting),
+    EXPECT_EQ(BusProofOf(*platform->Parts().crypto, "open sesame", kPeerRole, greeting),
               "b3280e5064b6d3b02cc90278c6c955c29fc8a7d9b9498edc8b7c462fecf80885");
-    EXPECT_EQ(BusProofOf(*platform->crypto, "open sesame", kHubRole, greeting),
+    EXPECT_EQ(BusProofOf(*platform->Parts().crypto, "open sesame", kHubRole, greeting),
               "f47d45d1dbc525f2540d7672e886bdeca96d113dd2c29059a08ca110df43ae97");
 }
 

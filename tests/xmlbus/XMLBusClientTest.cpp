@@ -43,13 +43,12 @@ TEST_F(XMLBusClientTest, StartsAndStopsRunning) {
 }
 
 TEST_F(XMLBusClientTest, NeedsAPlatformAndATransport) {
-    const auto lame = std::make_shared<Platform>();
-    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(nullptr, bus.MakeTransport()); }), kInvalid);
-    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(nullptr, BusSettings()); }), kInvalid);
-    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(lame, BusSettings()); }), kInvalid);
+    constexpr auto kNotSet = NumberOf(RuntimeError::ObjectNotSet);
+    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(nullptr, bus.MakeTransport()); }), kNotSet);
+    EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(nullptr, BusSettings()); }), kNotSet);
     EXPECT_EQ(ErrorOf([&] { XMLBusClient::Create(machine.platform, nullptr); }), kInvalid);
-    EXPECT_EQ(ErrorOf([&] { LocalBus{nullptr}; }), kInvalid);
-    EXPECT_EQ(ErrorOf([&] { Hub{nullptr}; }), kInvalid);
+    EXPECT_EQ(ErrorOf([&] { LocalBus{nullptr}; }), kNotSet);
+    EXPECT_EQ(ErrorOf([&] { Hub{nullptr}; }), kNotSet);
 }
 
 TEST_F(XMLBusClientTest, NamesThePlatformThatIsMissing) {
@@ -57,7 +56,7 @@ TEST_F(XMLBusClientTest, NamesThePlatformThatIsMissing) {
         XMLBusClient::Create(nullptr, BusSettings());
         ADD_FAILURE() << "no error";
     } catch (const Error& error) {
-        EXPECT_EQ(error.Description(), "The bus needs a platform, such as that of MakePlatform");
+        EXPECT_EQ(error.Description(), "A bus client needs a platform, such as that of MakePlatform");
     }
 }
 

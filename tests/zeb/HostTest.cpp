@@ -76,8 +76,8 @@ std::shared_ptr<XMLBusClient> ZebHost::Announce(const Host& host, const std::str
     });
     client->Start();
     client->Send(message);
-    const auto deadline = platform->loop->Now() + std::chrono::seconds(20);
-    while (!Serves(host) && platform->loop->Now() < deadline) {
+    const auto deadline = platform->Loop()->Now() + std::chrono::seconds(20);
+    while (!Serves(host) && platform->Loop()->Now() < deadline) {
     }
     return client;
 }
@@ -121,13 +121,13 @@ TEST_F(ZebHost, NeedsAKeyFileThatHoldsAKey) {
 
 TEST_F(ZebHost, DoesNotUseAnApplicationServerThatHasLostTheBus) {
     const auto host = Start();
-    const auto start = platform->loop->Now();
+    const auto start = platform->Loop()->Now();
     auto server = Announce(*host);
     ASSERT_TRUE(Serves(*host));
     owner.Cancel();
     server.reset();
     const auto deadline = start + std::chrono::seconds(20);
-    while (Serves(*host) && platform->loop->Now() < deadline) {
+    while (Serves(*host) && platform->Loop()->Now() < deadline) {
     }
     EXPECT_FALSE(Serves(*host));
     host->Stop();

@@ -63,7 +63,7 @@ void AppServer::Stop() {
     if (!server_.IsInitialized()) return;
     try {
         server_.StopListening(true);
-        auto& loop = *platform_->loop;
+        auto& loop = *platform_->Loop();
         loop.RunUntil([this] { return server_.Sessions()->Count() == 0; }, loop.Now() + kFarewell);
     } catch (const Error& error) {
         write_line_(ErrorEventLine("Error", error.Number(), error.Description()));

@@ -17,7 +17,7 @@ namespace {
 
 void Serve(const AppServerOptions& options, StopSignals& signals, LineWriter& lines) {
     const PlatformPtr platform = MakePlatform();
-    EventLoop& loop = *platform->loop;
+    EventLoop& loop = *platform->Loop();
     AppServer server(platform, options, [&lines](const std::string& line) { lines.Write(line); });
     // The first signal lets the server take its leave; a second one ends that as well.
     signals.Watch(loop, [&loop, &server] {

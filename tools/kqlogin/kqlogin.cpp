@@ -88,7 +88,7 @@ bool LogIn(EventLoop& loop, KQAppSessClient& client, const LoginOptions& options
 // What comes of a login, as an exit code.
 ExitCode Outcome(const LoginOptions& options, StopSignals& signals, LoginReport& report, Secret password) {
     const PlatformPtr platform = options.tty ? MakeTtyPlatform() : MakePlatform();
-    EventLoop& loop = *platform->loop;
+    EventLoop& loop = *platform->Loop();
     signals.Watch(loop, [&loop] { loop.Quit(); });
     KQAppSessClient client(platform);
     try {

@@ -7,6 +7,7 @@
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"
+#include "platform/Machine.h"
 #include "platform/Socket.h"
 #include "zeb/requests/Addresses.h"
 
@@ -122,7 +123,7 @@ bool ClientRequests::ReadRestriction(const PeerPtr& peer, const ASLoginRequest& 
 Restriction ClientRequests::DirectRestriction(const Peer& peer, const std::vector<std::string>& addresses,
                                               std::int32_t port) const {
     const std::string local = peer.LocalAddress();
-    const std::string own = services_.platform->network->OwnAddress();
+    const std::string own = services_.platform->Parts().network->OwnAddress();
     Restriction restriction;
     restriction.addresses.insert(addresses.begin(), addresses.end());
     restriction.port = port;

@@ -1,6 +1,7 @@
 // One question to the resolver for each name, whose answer goes to everybody who waits for it.
 #include "zeb/requests/HostNames.h"
 
+#include "platform/Machine.h"
 #include "platform/Resolver.h"
 
 namespace kq::zeb {
@@ -33,7 +34,8 @@ bool HostNames::Find(const Asker& asker, const std::string& host,
     auto& requests = waiting_[host];
     requests.push_back({asker, std::move(then)});
     if (requests.size() > 1) return true;
-    platform_->resolver->Resolve(host, owner_, [this, host](const Addresses& found) { Answer(host, found); });
+    platform_->Parts().resolver->Resolve(host, owner_,
+                                         [this, host](const Addresses& found) { Answer(host, found); });
     return true;
 }
 

@@ -6,6 +6,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Crypto.h"
+#include "platform/Machine.h"
 
 namespace kq::zeb {
 namespace {
@@ -32,7 +33,8 @@ Sessions::Sessions(Store& store, PlatformPtr platform, const Rule& rule)
 }
 
 std::int64_t Sessions::Now() const {
-    return std::chrono::duration_cast<std::chrono::seconds>(platform_->clock->Now().time_since_epoch())
+    return std::chrono::duration_cast<std::chrono::seconds>(
+               platform_->Parts().clock->Now().time_since_epoch())
         .count();
 }
 
@@ -44,7 +46,7 @@ bool Sessions::Expired(const Session& session) const {
 
 Session Sessions::Issue(std::int32_t user_uid, const std::string& app_id) {
     Session session;
-    session.id = platform_->crypto->RandomHex(kIdBytes);
+    session.id = platform_->Parts().crypto->RandomHex(kIdBytes);
     session.user_uid = user_uid;
     session.app_id = app_id;
     session.since = Now();

@@ -9,6 +9,7 @@
 #include "forms/qt/QtIcon.h"
 #include "forms/qt/QtText.h"
 #include "platform/Locale.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -25,9 +26,9 @@ PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language) {
     if (QCoreApplication::instance()->thread() != QThread::currentThread())
         Raise(RuntimeError::InvalidProcedureCall,
               "MakeQtPlatform must be called on the thread of the QApplication");
-    auto bundle = std::make_shared<Platform>(*MakePlatform(MakeQtEventLoop(), language));
-    bundle->dialogs = MakeQtDialogHost(bundle->loop, bundle->locale->UserLocaleId());
-    return bundle;
+    Platform::Machine machine = MakePlatform(MakeQtEventLoop(), language)->Parts();
+    machine.dialogs = MakeQtDialogHost(machine.loop, machine.locale->UserLocaleId());
+    return MakeBundle(std::move(machine));
 }
 
 std::shared_ptr<const Icon> MakeQtIcon(const std::string& path) {

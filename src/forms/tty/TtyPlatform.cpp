@@ -2,15 +2,16 @@
 
 #include "forms/tty/TtyDialogHost.h"
 #include "platform/Locale.h"
+#include "platform/Machine.h"
 
 namespace kq {
 
 PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop, int input, int output,
                             std::optional<std::int32_t> language) {
-    auto bundle = std::make_shared<Platform>(*MakePlatform(std::move(loop), language));
-    bundle->dialogs = MakeTtyDialogHost(bundle->loop, MakeTerminal(bundle->loop, input, output),
-                                        bundle->locale->UserLocaleId());
-    return bundle;
+    Platform::Machine machine = MakePlatform(std::move(loop), language)->Parts();
+    machine.dialogs = MakeTtyDialogHost(machine.loop, MakeTerminal(machine.loop, input, output),
+                                        machine.locale->UserLocaleId());
+    return MakeBundle(std::move(machine));
 }
 
 }  // namespace kq

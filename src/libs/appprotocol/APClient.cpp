@@ -5,12 +5,12 @@
 #include <kqappsession/Error.h>
 
 #include "libs/appprotocol/APClientImpl.h"
+#include "platform/Machine.h"
 
 namespace kq {
 
 std::shared_ptr<APClient> APClient::Create(PlatformPtr platform) {
-    if (!platform) Raise(RuntimeError::ObjectNotSet, "A connection cannot be created without a platform");
-    return std::shared_ptr<APClient>(new APClient(std::move(platform)));
+    return std::shared_ptr<APClient>(new APClient(RequirePlatform(std::move(platform), "A connection")));
 }
 
 APClient::APClient(PlatformPtr platform) : impl_(std::make_unique<Impl>(*this, std::move(platform))) {}

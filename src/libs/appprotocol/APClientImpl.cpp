@@ -61,7 +61,7 @@ class APClient::Impl::WaitingForAnswer {
 };
 
 APClient::Impl::Impl(APClient& face, PlatformPtr platform)
-    : face_(face), platform_(std::move(platform)), loop_(*platform_->loop), identifier_(NextIdentifier()) {}
+    : face_(face), platform_(std::move(platform)), loop_(*platform_->Loop()), identifier_(NextIdentifier()) {}
 
 APClient::Impl::~Impl() {
     GiveUpAttempt();

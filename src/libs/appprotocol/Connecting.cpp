@@ -6,6 +6,7 @@
 #include <kqappsession/Error.h>
 
 #include "libs/appprotocol/APClientImpl.h"
+#include "platform/Machine.h"
 #include "platform/Resolver.h"
 
 namespace kq {
@@ -81,10 +82,11 @@ void APClient::Impl::BeginConnect(const std::string& address, std::int32_t port,
         return;
     }
     LimitAttempt(attempt_->deadline, [this] { EndAttempt(static_cast<std::int32_t>(NetError::TimedOut)); });
-    platform_->resolver->Resolve(address, attempt_->owner, [this](std::vector<std::string> addresses) {
-        attempt_->addresses = std::move(addresses);
-        TryNextAddress();
-    });
+    platform_->Parts().resolver->Resolve(address, attempt_->owner,
+                                         [this](std::vector<std::string> addresses) {
+                                             attempt_->addresses = std::move(addresses);
+                                             TryNextAddress();
+                                         });
 }
 
 void APClient::Impl::TryNextAddress() {
@@ -95,7 +97,7 @@ void APClient::Impl::TryNextAddress() {
     const auto& address = attempt.addresses[attempt.tried++];
     made_ = true;
     connection_ = std::make_unique<Connection>(
-        loop_, platform_->network->Connect(address, attempt.port, attempt.local_address),
+        loop_, platform_->Parts().network->Connect(address, attempt.port, attempt.local_address),
         Connection::State::Connecting, CurrentFrameLimits(), *this);
     // An address that never answers must not use up the time of those behind it.
     const auto now = loop_.Now();

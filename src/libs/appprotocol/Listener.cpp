@@ -11,6 +11,7 @@
 #include <kqappsession/Listener.h>
 
 #include "libs/appprotocol/APClientImpl.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -76,8 +77,8 @@ void Listener::Impl::Listen(std::int32_t port, const std::string& local_address)
         Raise(RuntimeError::InvalidProcedureCall,
               "The port " + std::to_string(port) + " is outside 0 to 65535");
     }
-    socket_ = platform_->network->Listen(local_address, port);
-    local_address_ = local_address.empty() ? platform_->network->OwnAddress() : local_address;
+    socket_ = platform_->Parts().network->Listen(local_address, port);
+    local_address_ = local_address.empty() ? platform_->Parts().network->OwnAddress() : local_address;
     socket_->SetHandler([this] { OnWaiting(); });
 }
 
@@ -160,8 +161,7 @@ void Listener::Impl::OnDisconnected(const ClientPtr& client) {
 }
 
 std::shared_ptr<Listener> Listener::Create(PlatformPtr platform) {
-    if (!platform) Raise(RuntimeError::ObjectNotSet, "A listener cannot be created without a platform");
-    return std::shared_ptr<Listener>(new Listener(std::move(platform)));
+    return std::shared_ptr<Listener>(new Listener(RequirePlatform(std::move(platform), "A listener")));
 }
 
 Listener::Listener(PlatformPtr platform) : impl_(std::make_unique<Impl>(*this, std::move(platform))) {}

@@ -9,7 +9,7 @@ namespace kq {
 Timer::Timer(PlatformPtr platform) : platform_(std::move(platform)) {}
 
 Timer::~Timer() {
-    platform_->loop->CancelTimer(timer_);
+    platform_->Loop()->CancelTimer(timer_);
 }
 
 void Timer::SetEnabled(bool on) {
@@ -24,10 +24,10 @@ void Timer::SetInterval(std::int32_t milliseconds) {
 }
 
 void Timer::Start() {
-    platform_->loop->CancelTimer(timer_);
+    platform_->Loop()->CancelTimer(timer_);
     timer_ = 0;
     if (!enabled_ || interval_ <= 0) return;
-    timer_ = platform_->loop->StartTimer(Milliseconds(interval_), owner_.Bind([this] { OnTimer(); }));
+    timer_ = platform_->Loop()->StartTimer(Milliseconds(interval_), owner_.Bind([this] { OnTimer(); }));
 }
 
 void Timer::OnTimer() {

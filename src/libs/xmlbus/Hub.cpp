@@ -9,8 +9,8 @@
 #include <kqappsession/XMLBusClient.h>
 
 #include "libs/xmlbus/BusNames.h"
-#include "libs/xmlbus/RequirePlatform.h"
 #include "platform/Crypto.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -28,7 +28,7 @@ bool IsLoopback(const std::string& address) {
 
 }  // namespace
 
-Hub::Hub(PlatformPtr platform) : platform_(RequireNetwork(std::move(platform))) {}
+Hub::Hub(PlatformPtr platform) : platform_(RequirePlatform(std::move(platform), "A hub")) {}
 
 Hub::~Hub() {
     Stop();
@@ -199,7 +199,7 @@ void Hub::Send(PeerId id, const XMLMessage& control) {
 // One count answers all messages of one turn of the loop.
 void Hub::TellTakenSoon(PeerId id) {
     if (std::exchange(peers_.at(id).telling, true)) return;
-    platform_->loop->Post(owner_.Bind([this, id] {
+    platform_->Loop()->Post(owner_.Bind([this, id] {
         const auto peer = peers_.find(id);
         if (peer == peers_.end()) return;
         peer->second.telling = false;
@@ -222,12 +222,12 @@ void Hub::Refuse(PeerId id, const std::string& text) {
 }
 
 void Hub::NoteSoon(const std::string& text) {
-    platform_->loop->Post(owner_.Bind([this, text] { Note(text); }));
+    platform_->Loop()->Post(owner_.Bind([this, text] { Note(text); }));
 }
 
 void Hub::ReachableSoon(const std::string& name, bool there) {
     const auto address = BusAddressOf(name).value();
-    platform_->loop->Post(owner_.Bind([this, address, there] { Reachable(address, there); }));
+    platform_->Loop()->Post(owner_.Bind([this, address, there] { Reachable(address, there); }));
 }
 
 void Hub::OnGone(const Listener::ClientPtr& connection) {
@@ -242,7 +242,7 @@ void Hub::Remove(PeerId id) {
         remembered_.emplace_back(peer.greeting.client, peer.taken);
         if (remembered_.size() > limits_.remembered) remembered_.pop_front();
     }
-    platform_->loop->CancelTimer(peer.deadline);
+    platform_->Loop()->CancelTimer(peer.deadline);
     ids_.erase(peer.connection->Identifier());
     const auto names = routes_.NamesOf(id);
     routes_.Remove(id);

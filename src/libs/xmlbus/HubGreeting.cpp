@@ -4,6 +4,7 @@
 
 #include "libs/xmlbus/Hub.h"
 #include "platform/Crypto.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -34,7 +35,7 @@ void Hub::OnAccepted(const Listener::ClientPtr& connection) {
     connection->SetSendType(DataType::XML);
     auto& peer = peers_[id];
     peer.connection = connection;
-    peer.deadline = platform_->loop->StartTimer(
+    peer.deadline = platform_->Loop()->StartTimer(
         limits_.greeting_time, owner_.Bind([this, id] { Refuse(id, "The key was not proven in time"); }));
     ids_[connection->Identifier()] = id;
 }
@@ -42,7 +43,7 @@ void Hub::OnAccepted(const Listener::ClientPtr& connection) {
 void Hub::OnHello(PeerId id, const XMLMessage& message) {
     auto& peer = peers_.at(id);
     peer.greeting = {message.Field("Client"), message.Field("Nonce"),
-                     platform_->crypto->RandomHex(kBusRandomBytes)};
+                     platform_->Parts().crypto->RandomHex(kBusRandomBytes)};
     peer.taken = BusCount(message, "Taken");
     if (!IsRandomText(peer.greeting.client) || !IsRandomText(peer.greeting.nonce) || peer.taken < 0) {
         return Refuse(id, "The greeting is malformed");
@@ -55,14 +56,14 @@ void Hub::OnHello(PeerId id, const XMLMessage& message) {
 
 void Hub::OnProof(PeerId id, const XMLMessage& message) {
     auto& peer = peers_.at(id);
-    const auto& crypto = *platform_->crypto;
+    const auto& crypto = *platform_->Parts().crypto;
     const auto proof = BusProofOf(crypto, key_.Reveal(), kPeerRole, peer.greeting);
     if (!crypto.EqualConstantTime(proof, message.Field("Proof"))) return Refuse(id, "Wrong key");
     if (PeersIn(true) >= limits_.peers && OlderPlaceOf(peer.greeting.client) == peers_.end()) {
         return Refuse(id, "Too many peers");
     }
     ReplaceOlderPlace(id);
-    platform_->loop->CancelTimer(peer.deadline);
+    platform_->Loop()->CancelTimer(peer.deadline);
     peer.connection->Admit();
     peer.stage = Stage::Admitted;
     auto welcome = MakeBusControl(kBusWelcome);

@@ -7,8 +7,8 @@
 #include <kqappsession/Error.h>
 
 #include "libs/xmlbus/BusNames.h"
-#include "libs/xmlbus/RequirePlatform.h"
 #include "platform/Crypto.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -27,7 +27,7 @@ constexpr char kBrokenProtocol[] = "The other side does not speak the protocol o
 
 std::shared_ptr<HubTransport> HubTransport::Create(PlatformPtr platform, BusSettings settings) {
     return std::shared_ptr<HubTransport>(
-        new HubTransport(RequireNetwork(std::move(platform)), std::move(settings)));
+        new HubTransport(RequirePlatform(std::move(platform), "A bus client"), std::move(settings)));
 }
 
 HubTransport::HubTransport(PlatformPtr platform, BusSettings settings)
@@ -35,7 +35,7 @@ HubTransport::HubTransport(PlatformPtr platform, BusSettings settings)
       address_(std::move(settings.address)),
       port_(settings.port),
       key_(std::move(settings.key)) {
-    greeting_.client = platform_->crypto->RandomHex(kBusRandomBytes / 2);
+    greeting_.client = platform_->Parts().crypto->RandomHex(kBusRandomBytes / 2);
 }
 
 HubTransport::~HubTransport() {
@@ -77,7 +77,7 @@ void HubTransport::Close() {
 void HubTransport::OnConnected() {
     state_ = State::Greeting;
     ExpectAnswerWithin(kGreetingTime, "The hub does not answer");
-    greeting_.nonce = platform_->crypto->RandomHex(kBusRandomBytes);
+    greeting_.nonce = platform_->Parts().crypto->RandomHex(kBusRandomBytes);
     auto hello = MakeBusControl(kBusHello);
     hello.SetField("Client", greeting_.client);
     hello.SetField("Nonce", greeting_.nonce);
@@ -124,13 +124,13 @@ void HubTransport::OnChallenge(const XMLMessage& message) {
         return Fail(kBrokenProtocol);
     state_ = State::Proving;
     auto proof = MakeBusControl(kBusProof);
-    proof.SetField("Proof", BusProofOf(*platform_->crypto, key_.Reveal(), kPeerRole, greeting_));
+    proof.SetField("Proof", BusProofOf(*platform_->Parts().crypto, key_.Reveal(), kPeerRole, greeting_));
     Send(proof);
 }
 
 void HubTransport::OnWelcome(const XMLMessage& message) {
-    const auto proof = BusProofOf(*platform_->crypto, key_.Reveal(), kHubRole, greeting_);
-    if (!platform_->crypto->EqualConstantTime(proof, message.Field("Proof"))) {
+    const auto proof = BusProofOf(*platform_->Parts().crypto, key_.Reveal(), kHubRole, greeting_);
+    if (!platform_->Parts().crypto->EqualConstantTime(proof, message.Field("Proof"))) {
         return Fail("The hub does not know the key of this bus");
     }
     if (!Confirm(BusCount(message, "Taken"))) return Fail(kBrokenProtocol);
@@ -142,7 +142,7 @@ void HubTransport::OnWelcome(const XMLMessage& message) {
     writing_again_ = true;
     // By a task: subscriptions are made first, and a handler of Ready that waits does not hold the messages
     // back.
-    platform_->loop->Post(attempt_.Bind([this] { WriteAgain(); }));
+    platform_->Loop()->Post(attempt_.Bind([this] { WriteAgain(); }));
     Ready();
 }
 
@@ -158,7 +158,7 @@ void HubTransport::WriteAgain() {
 // Only right after the hub's count is known: the hub has none of what is unconfirmed then, and both sides
 // count on from the same number whatever is left out.
 void HubTransport::DropExpired() {
-    const auto now = platform_->loop->Now();
+    const auto now = platform_->Loop()->Now();
     expired_ += static_cast<std::int64_t>(std::erase_if(unconfirmed_, [&](const Written& written) {
         const bool expired = written.expiry <= now;
         if (expired) unconfirmed_bytes_ -= written.text.size();
@@ -229,16 +229,16 @@ void HubTransport::Send(const XMLMessage& control) {
 }
 
 void HubTransport::ExpectAnswerWithin(Milliseconds time, const char* else_text) {
-    platform_->loop->CancelTimer(deadline_);
-    deadline_ = platform_->loop->StartTimer(time, attempt_.Bind([this, else_text] { Fail(else_text); }));
+    platform_->Loop()->CancelTimer(deadline_);
+    deadline_ = platform_->Loop()->StartTimer(time, attempt_.Bind([this, else_text] { Fail(else_text); }));
 }
 
 void HubTransport::ExpectNothing() {
-    platform_->loop->CancelTimer(std::exchange(deadline_, 0));
+    platform_->Loop()->CancelTimer(std::exchange(deadline_, 0));
 }
 
 void HubTransport::FailSoon(const std::string& text) {
-    platform_->loop->Post(attempt_.Bind([this, text] { Fail(text); }));
+    platform_->Loop()->Post(attempt_.Bind([this, text] { Fail(text); }));
 }
 
 void HubTransport::Fail(const std::string& text) {

@@ -8,7 +8,7 @@
 
 #include "libs/xmlbus/BusNames.h"
 #include "libs/xmlbus/BusRoutes.h"
-#include "libs/xmlbus/RequirePlatform.h"
+#include "platform/Machine.h"
 
 namespace kq {
 
@@ -131,7 +131,7 @@ class LocalBus::Transport final : public BusTransport, public std::enable_shared
 };
 
 LocalBus::LocalBus(const PlatformPtr& platform) : core_(std::make_shared<Core>()) {
-    core_->loop = RequirePlatform(platform)->loop;
+    core_->loop = RequirePlatform(platform, "A local bus")->Loop();
 }
 
 LocalBus::~LocalBus() {

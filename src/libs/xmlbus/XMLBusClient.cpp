@@ -14,9 +14,9 @@
 #include "libs/xmlbus/BusNames.h"
 #include "libs/xmlbus/BusTransport.h"
 #include "libs/xmlbus/HubTransport.h"
-#include "libs/xmlbus/RequirePlatform.h"
 #include "libs/xmlbus/SendQueue.h"
 #include "platform/Crypto.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -87,7 +87,7 @@ class XMLBusClient::Impl {
 };
 
 XMLBusClient::Impl::Impl(XMLBusClient& face, PlatformPtr platform, std::shared_ptr<BusTransport> transport)
-    : reply{"Reply", platform->crypto->RandomHex(kReplyBytes)},
+    : reply{"Reply", platform->Parts().crypto->RandomHex(kReplyBytes)},
       face_(face),
       platform_(std::move(platform)),
       statistics_timer_(platform_) {
@@ -102,7 +102,7 @@ XMLBusClient::Impl::Impl(XMLBusClient& face, PlatformPtr platform, std::shared_p
 XMLBusClient::Impl::~Impl() {
     transport_owner_.Cancel();
     owner_.Cancel();
-    platform_->loop->CancelTimer(retry_);
+    platform_->Loop()->CancelTimer(retry_);
     transport_->Close();
 }
 
@@ -149,14 +149,14 @@ void XMLBusClient::Impl::Stop() {
     const auto written_out = [this] { return queue.Empty() && transport_->Flushed(); };
     if (!connected_ && !written_out()) Attempt();
     WriteWhileThereIsRoom();
-    platform_->loop->RunUntil([&] { return state_ != State::Stopping || written_out(); },
-                              platform_->loop->Now() + kStopTime);
+    platform_->Loop()->RunUntil([&] { return state_ != State::Stopping || written_out(); },
+                                platform_->Loop()->Now() + kStopTime);
     if (state_ == State::Stopping) Close();
 }
 
 void XMLBusClient::Impl::Close() {
     state_ = State::Stopped;
-    platform_->loop->CancelTimer(retry_);
+    platform_->Loop()->CancelTimer(retry_);
     statistics_timer_.SetEnabled(false);
     transport_->Close();
     if (std::exchange(connected_, false)) face_.ConnectionChanged(false, "The bus client was stopped");
@@ -206,9 +206,10 @@ void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option, Mill
         Raise(NetError::MessageTooLong, kSource);
     }
     DropExpired();
-    const auto replaced = queue.Push(
-        message, option,
-        expiry == kNoExpiry ? SendQueue::kNever : platform_->loop->Now() + std::min(expiry, kLongestExpiry));
+    const auto replaced =
+        queue.Push(message, option,
+                   expiry == kNoExpiry ? SendQueue::kNever
+                                       : platform_->Loop()->Now() + std::min(expiry, kLongestExpiry));
     if (replaced < 0) Raise(NetError::NoBufferSpace, kSource, "Too many messages are queued for the bus");
     ++statistics_.sent;
     statistics_.replaced += replaced;
@@ -216,7 +217,7 @@ void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option, Mill
 }
 
 void XMLBusClient::Impl::DropExpired() {
-    statistics_.expired += queue.DropExpired(platform_->loop->Now());
+    statistics_.expired += queue.DropExpired(platform_->Loop()->Now());
 }
 
 BusStatistics XMLBusClient::Impl::Statistics() {
@@ -229,7 +230,7 @@ BusStatistics XMLBusClient::Impl::Statistics() {
 
 void XMLBusClient::Impl::WriteSoon() {
     if (std::exchange(write_posted_, true)) return;
-    platform_->loop->Post(owner_.Bind([this] {
+    platform_->Loop()->Post(owner_.Bind([this] {
         write_posted_ = false;
         WriteWhileThereIsRoom();
     }));
@@ -247,7 +248,7 @@ void XMLBusClient::Impl::WriteWhileThereIsRoom() {
 void XMLBusClient::Impl::OnReady() {
     const auto self = face_.shared_from_this();
     connected_ = true;
-    connected_since_ = platform_->loop->Now();
+    connected_since_ = platform_->Loop()->Now();
     last_loss_.clear();
     if (was_lost_) ++statistics_.reconnects;
     if (Running()) SubscribeAll();
@@ -259,7 +260,7 @@ void XMLBusClient::Impl::OnLost(const std::string& text) {
     const auto self = face_.shared_from_this();
     const bool had_place = std::exchange(connected_, false);
     // A hub that takes the client in and drops it at once is no reason to start over with short delays.
-    if (had_place && platform_->loop->Now() - connected_since_ >= last_delay_) next_delay_ = kFirstDelay;
+    if (had_place && platform_->Loop()->Now() - connected_since_ >= last_delay_) next_delay_ = kFirstDelay;
     was_lost_ = was_lost_ || had_place;
     AttemptLater();
     const bool news = had_place || text != last_loss_;
@@ -268,7 +269,7 @@ void XMLBusClient::Impl::OnLost(const std::string& text) {
 }
 
 void XMLBusClient::Impl::Attempt() {
-    platform_->loop->CancelTimer(retry_);
+    platform_->Loop()->CancelTimer(retry_);
     transport_->Open();
 }
 
@@ -276,8 +277,8 @@ void XMLBusClient::Impl::AttemptLater() {
     if (state_ == State::Stopping) next_delay_ = kFirstDelay;  // there is one second left
     last_delay_ = next_delay_;
     next_delay_ = std::min(next_delay_ * 2, kLongestDelay);
-    platform_->loop->CancelTimer(retry_);
-    retry_ = platform_->loop->StartTimer(last_delay_, owner_.Bind([this] { Attempt(); }));
+    platform_->Loop()->CancelTimer(retry_);
+    retry_ = platform_->Loop()->StartTimer(last_delay_, owner_.Bind([this] { Attempt(); }));
 }
 
 void XMLBusClient::Impl::OnMessage(const std::string& text) {
@@ -309,8 +310,8 @@ std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform,
         Raise(RuntimeError::InvalidProcedureCall, "A bus client needs a transport");
     }
     std::shared_ptr<XMLBusClient> client(new XMLBusClient);
-    client->impl_ =
-        std::make_unique<Impl>(*client, RequirePlatform(std::move(platform)), std::move(transport));
+    client->impl_ = std::make_unique<Impl>(*client, RequirePlatform(std::move(platform), "A bus client"),
+                                           std::move(transport));
     return client;
 }
 

@@ -6,6 +6,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Locale.h"
+#include "platform/Machine.h"
 #include "platform/posix/PosixStringTable.h"
 
 namespace kq {
@@ -34,22 +35,22 @@ std::shared_ptr<Clock> MakePosixClock() {
 
 PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop, std::optional<std::int32_t> language) {
     if (!loop) loop = MakeOwnEventLoop();
-    auto bundle = std::make_shared<Platform>();
-    bundle->clock = MakePosixClock();
-    bundle->network = MakePosixNetwork(loop);
-    bundle->resolver = MakePosixResolver(loop);
-    bundle->folders = MakeXdgFolders();
-    bundle->profile_file = MakePosixProfileFile();
-    bundle->locale = language ? std::make_shared<ChosenLocale>(*language) : MakePosixLocale();
-    bundle->strings = MakePosixStringTable(*bundle->locale);
-    bundle->process = MakePosixProcess();
-    bundle->file_share = MakeSambaShare();
-    bundle->version_resource = MakePeVersionResource();
-    bundle->crypto = MakeSodiumCrypto();
-    bundle->shortcuts = MakeXdgShortcuts(bundle->folders);
-    bundle->temp_files = MakePosixTempFiles();
-    bundle->loop = std::move(loop);
-    return bundle;
+    Platform::Machine machine;
+    machine.clock = MakePosixClock();
+    machine.network = MakePosixNetwork(loop);
+    machine.resolver = MakePosixResolver(loop);
+    machine.folders = MakeXdgFolders();
+    machine.profile_file = MakePosixProfileFile();
+    machine.locale = language ? std::make_shared<ChosenLocale>(*language) : MakePosixLocale();
+    machine.strings = MakePosixStringTable(*machine.locale);
+    machine.process = MakePosixProcess();
+    machine.file_share = MakeSambaShare();
+    machine.version_resource = MakePeVersionResource();
+    machine.crypto = MakeSodiumCrypto();
+    machine.shortcuts = MakeXdgShortcuts(machine.folders);
+    machine.temp_files = MakePosixTempFiles();
+    machine.loop = std::move(loop);
+    return MakeBundle(std::move(machine));
 }
 
 }  // namespace kq

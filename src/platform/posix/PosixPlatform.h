@@ -8,6 +8,8 @@
 #include <kqappsession/EventLoop.h>
 #include <kqappsession/Platform.h>
 
+#include "platform/Machine.h"
+
 namespace kq {
 
 // A loop with an io_context of its own.

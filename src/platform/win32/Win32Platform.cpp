@@ -5,6 +5,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Locale.h"
+#include "platform/Machine.h"
 #include "platform/win32/Win32Api.h"
 
 namespace kq {
@@ -38,22 +39,22 @@ std::shared_ptr<Locale> MakeWin32Locale() {
 
 PlatformPtr MakePlatform(std::shared_ptr<EventLoop> loop, std::optional<std::int32_t> language) {
     if (!loop) loop = MakeWin32EventLoop();
-    auto bundle = std::make_shared<Platform>();
-    bundle->clock = MakeWin32Clock();
-    bundle->network = MakeWin32Network(loop);
-    bundle->resolver = MakeWin32Resolver(loop);
-    bundle->folders = MakeWin32Folders();
-    bundle->profile_file = MakeWin32ProfileFile();
-    bundle->locale = language ? std::make_shared<ChosenLocale>(*language) : MakeWin32Locale();
-    bundle->strings = MakeWin32StringTable(language);
-    bundle->process = MakeWin32Process();
-    bundle->file_share = MakeWin32FileShare();
-    bundle->version_resource = MakeWin32VersionResource();
-    bundle->crypto = MakeWin32Crypto();
-    bundle->shortcuts = MakeWin32Shortcuts(bundle->folders);
-    bundle->temp_files = MakeWin32TempFiles();
-    bundle->loop = std::move(loop);
-    return bundle;
+    Platform::Machine machine;
+    machine.clock = MakeWin32Clock();
+    machine.network = MakeWin32Network(loop);
+    machine.resolver = MakeWin32Resolver(loop);
+    machine.folders = MakeWin32Folders();
+    machine.profile_file = MakeWin32ProfileFile();
+    machine.locale = language ? std::make_shared<ChosenLocale>(*language) : MakeWin32Locale();
+    machine.strings = MakeWin32StringTable(language);
+    machine.process = MakeWin32Process();
+    machine.file_share = MakeWin32FileShare();
+    machine.version_resource = MakeWin32VersionResource();
+    machine.crypto = MakeWin32Crypto();
+    machine.shortcuts = MakeWin32Shortcuts(machine.folders);
+    machine.temp_files = MakeWin32TempFiles();
+    machine.loop = std::move(loop);
+    return MakeBundle(std::move(machine));
 }
 
 }  // namespace kq

@@ -13,6 +13,8 @@
 #include <kqappsession/EventLoop.h>
 #include <kqappsession/Platform.h>
 
+#include "platform/Machine.h"
+
 namespace kq {
 
 // A loop on the messages of the calling thread, which must be the one that runs it. Message loops of others,

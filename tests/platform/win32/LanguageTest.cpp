@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Locale.h"
+#include "platform/Machine.h"
 #include "platform/StringTable.h"
 #include "platform/posix/StringTables.h"
 #include "platform/win32/Win32Api.h"
@@ -65,9 +66,9 @@ TEST(StringResources, HoldEveryTextOfEveryLanguage) {
 TEST(StringResources, AreServedInTheLanguageThatTheHostHasChosen) {
     for (const auto& table : LanguageTables()) {
         const auto platform = MakePlatform(nullptr, table.language);
-        EXPECT_EQ(platform->locale->UserLocaleId(), table.language);
+        EXPECT_EQ(platform->Parts().locale->UserLocaleId(), table.language);
         for (const auto& entry : table.entries)
-            EXPECT_EQ(platform->strings->Load(entry.id), entry.text) << table.language;
+            EXPECT_EQ(platform->Parts().strings->Load(entry.id), entry.text) << table.language;
     }
 }
 

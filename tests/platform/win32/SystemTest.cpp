@@ -9,6 +9,7 @@
 #include "platform/Clock.h"
 #include "platform/FileShare.h"
 #include "platform/Folders.h"
+#include "platform/Machine.h"
 #include "platform/Patience.h"
 #include "platform/Process.h"
 #include "platform/StringTable.h"
@@ -79,7 +80,7 @@ TEST(Win32Process, StartsAProgramAndDoesNotWaitForIt) {
     const TemporaryFolder folder;
     const std::string program = folder.Path() + "\\program.exe";
     std::filesystem::copy_file(KQ_PROGRAM, program);
-    EXPECT_TRUE(MakeWin32Process()->Start(program));
+    EXPECT_EQ(MakeWin32Process()->Start(program), "");
     const auto loop = MakeWin32EventLoop();
     std::function<void()> tick = [&] { loop->StartTimer(Milliseconds(5), tick); };
     tick();
@@ -88,9 +89,9 @@ TEST(Win32Process, StartsAProgramAndDoesNotWaitForIt) {
 
 TEST(Win32Process, TellsWhatCouldNotBeStarted) {
     const TemporaryFolder folder;
-    EXPECT_FALSE(MakeWin32Process()->Start(folder.Path() + "\\missing.exe"));
-    EXPECT_FALSE(MakeWin32Process()->Start(""));
-    EXPECT_FALSE(MakeWin32Process()->Start(std::string("cmd.exe\0x", 9)));
+    EXPECT_NE(MakeWin32Process()->Start(folder.Path() + "\\missing.exe"), "");
+    EXPECT_NE(MakeWin32Process()->Start(""), "");
+    EXPECT_NE(MakeWin32Process()->Start(std::string("cmd.exe\0x", 9)), "");
 }
 
 class Share : public testing::Test {
@@ -154,13 +155,15 @@ TEST(Win32Clock, CountsTheSecondsOfTheDay) {
 
 TEST(Win32Platform, IsWholeButForTheDialogs) {
     const PlatformPtr platform = MakePlatform();
-    EXPECT_TRUE(platform->loop && platform->clock && platform->network && platform->resolver &&
-                platform->folders);
-    EXPECT_TRUE(platform->profile_file && platform->locale && platform->strings && platform->process);
-    EXPECT_TRUE(platform->file_share && platform->version_resource && platform->crypto);
-    EXPECT_TRUE(platform->shortcuts && platform->temp_files);
-    EXPECT_EQ(platform->dialogs, nullptr);
-    EXPECT_TRUE(platform->strings->Load(101).has_value());
+    EXPECT_TRUE(platform->Loop() && platform->Parts().clock && platform->Parts().network &&
+                platform->Parts().resolver && platform->Parts().folders);
+    EXPECT_TRUE(platform->Parts().profile_file && platform->Parts().locale && platform->Parts().strings &&
+                platform->Parts().process);
+    EXPECT_TRUE(platform->Parts().file_share && platform->Parts().version_resource &&
+                platform->Parts().crypto);
+    EXPECT_TRUE(platform->Parts().shortcuts && platform->Parts().temp_files);
+    EXPECT_EQ(platform->Parts().dialogs, nullptr);
+    EXPECT_TRUE(platform->Parts().strings->Load(101).has_value());
 }
 
 }  // namespace

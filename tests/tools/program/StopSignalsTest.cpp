@@ -59,10 +59,10 @@ TEST(StopSignals, ReachTheLoop) {
     StopSignals signals;
     const auto platform = MakePlatform();
     int calls = 0;
-    signals.Watch(*platform->loop, [&] { ++calls; });
+    signals.Watch(*platform->Loop(), [&] { ++calls; });
     kill(getpid(), SIGTERM);
-    EXPECT_TRUE(platform->loop->RunUntil([&] { return calls == 1; },
-                                         platform->loop->Now() + std::chrono::seconds(10)));
+    EXPECT_TRUE(platform->Loop()->RunUntil([&] { return calls == 1; },
+                                           platform->Loop()->Now() + std::chrono::seconds(10)));
     EXPECT_EQ(SIGTERM, signals.Received());
 }
 
