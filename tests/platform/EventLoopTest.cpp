@@ -40,7 +40,7 @@ class Loop : public testing::Test {
         return Await(*loop_, [&] { return heard_ == words; });
     }
 
-    std::shared_ptr<EventLoop> loop_ = MachineUnderTest()->loop;
+    std::shared_ptr<EventLoop> loop_ = MachineUnderTest()->Loop();
     std::string heard_;
 };
 

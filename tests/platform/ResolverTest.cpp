@@ -7,6 +7,7 @@
 
 #include <kqappsession/Platform.h>
 
+#include "platform/Machine.h"
 #include "platform/MachineUnderTest.h"
 #include "platform/Patience.h"
 #include "platform/Resolver.h"
@@ -29,8 +30,8 @@ class Names : public testing::Test {
     }
 
     PlatformPtr machine_ = MachineUnderTest();
-    std::shared_ptr<EventLoop> loop_ = machine_->loop;
-    std::shared_ptr<Resolver> resolver_ = machine_->resolver;
+    std::shared_ptr<EventLoop> loop_ = machine_->Loop();
+    std::shared_ptr<Resolver> resolver_ = machine_->Parts().resolver;
     std::optional<std::vector<std::string>> found_;
     Owner owner_;
 };

@@ -10,6 +10,7 @@
 
 #include <kqappsession/Platform.h>
 
+#include "platform/Machine.h"
 #include "platform/MachineUnderTest.h"
 #include "platform/Patience.h"
 #include "platform/Socket.h"
@@ -64,8 +65,8 @@ class Sockets : public testing::Test {
     int FreePort() { return network_->Listen("127.0.0.1", 0)->LocalPort(); }
 
     PlatformPtr machine_ = MachineUnderTest();
-    std::shared_ptr<EventLoop> loop_ = machine_->loop;
-    std::shared_ptr<Network> network_ = machine_->network;
+    std::shared_ptr<EventLoop> loop_ = machine_->Loop();
+    std::shared_ptr<Network> network_ = machine_->Parts().network;
     std::unique_ptr<ListenSocket> listener_;
     Side server_, client_;
 };
