@@ -17,13 +17,18 @@ import time
 
 from mutations import mutations_of
 
-# The rooms whose tests are put to the test, and the programs that hold those tests.
+# The rooms whose tests are put to the test, and the test program that holds those tests.
 ROOMS = {
-    "src/client": ["client"],
-    "src/server": ["server"],
-    "src/dialogs": ["dialogs"],
-    "src/messages": ["messages"],
-    "zeb": ["zeb"],
+    "src/client": "client/test_client",
+    "src/server": "server/test_server",
+    "src/dialogs": "dialogs/test_dialogs",
+    "src/messages": "messages/test_messages",
+    "zeb": "zeb/test_zeb",
+}
+# What a main function does is only seen by the tests that start its program.
+MAINS = {
+    "zeb/main_zebd.cpp": "tools/test_processes",
+    "zeb/admin/main_zebctl.cpp": "tools/test_processes",
 }
 BUILD = "build"
 BUILD_OPTIONS = ["-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0", "-DKQ_SANITIZE=OFF",
@@ -49,7 +54,7 @@ class Tree:
         self.folder = folder
         self.times = {}
 
-    def prepare(self, rooms):
+    def prepare(self, tests):
         listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], cwd=self.root,
                                 check=True, capture_output=True, text=True).stdout
         for name in filter(None, listed.split("\0")):
@@ -62,48 +67,49 @@ class Tree:
             shutil.copyfile(source, target)
             shutil.copymode(source, target)
         self.must(["cmake", "-B", BUILD, *BUILD_OPTIONS])
-        self.must(["ninja", "-C", BUILD, *sorted({self.target(test) for room in rooms for test in ROOMS[room]})])
-        for room in rooms:
+        for test in tests:
+            self.must(["ninja", "-C", BUILD, target(test)])
             started = time.monotonic()
-            code, output = self.test(room, 600)
+            code, output = self.test(test, 600)
             if code != 0:
-                raise SystemExit(f"mutate: the tests of {room} fail without any change:\n{output[-4000:]}")
-            self.times[room] = time.monotonic() - started
-
-    @staticmethod
-    def target(test):
-        return f"test_{test}"
+                raise SystemExit(f"mutate: {test} fails without any change:\n{output[-4000:]}")
+            self.times[test] = time.monotonic() - started
 
     def must(self, command):
         code, output = run(command, self.folder)
         if code != 0:
             raise SystemExit(f"mutate: {' '.join(command)} failed:\n{output[-4000:]}")
 
-    def test(self, room, timeout):
-        for test in ROOMS[room]:
-            program = self.folder / BUILD / "tests" / test / self.target(test)
-            code, output = run([program, "--gtest_brief=1", "--gtest_fail_fast"], self.folder / BUILD, timeout)
-            if code != 0:
-                return code, output
-        return 0, ""
+    def test(self, test, timeout):
+        return run([self.folder / BUILD / "tests" / test, "--gtest_brief=1", "--gtest_fail_fast"], self.folder / BUILD,
+                   timeout)
 
-    def outcome(self, room, mutation):
+    def outcome(self, mutation):
         """"killed", "survived", or "stillborn" for a change that does not compile."""
         path = self.folder / mutation.path
+        test = test_of(mutation.path)
         text = path.read_text()
         try:
             path.write_text(mutation.applied_to(text))
-            code, _ = run(["ninja", "-C", BUILD, *map(self.target, ROOMS[room])], self.folder)
+            code, _ = run(["ninja", "-C", BUILD, target(test)], self.folder)
             if code != 0:
                 return "stillborn"
-            code, _ = self.test(room, 20 + 10 * self.times[room])
+            code, _ = self.test(test, 20 + 10 * self.times[test])
             return "survived" if code == 0 else "killed"
         finally:
             path.write_text(text)
 
 
+def target(test):
+    return test.rpartition("/")[2]
+
+
 def room_of(path):
     return next(room for room in ROOMS if path.startswith(room + "/"))
+
+
+def test_of(path):
+    return MAINS.get(path) or ROOMS[room_of(path)]
 
 
 def line_of(text, position):
@@ -158,7 +164,7 @@ def try_all(trees, mutations, known, report):
                 return
             text = (tree.folder / mutation.path).read_text()
             name = described(text, mutation)
-            outcome = "equivalent" if name in known else tree.outcome(room_of(mutation.path), mutation)
+            outcome = "equivalent" if name in known else tree.outcome(mutation)
             with lock:
                 report(mutation, name, line_of(text, mutation.start)[0], outcome)
 
@@ -193,7 +199,7 @@ def main():
     work = arguments.work or root / "build" / "mutation"
     trees = [Tree(root, work / str(number)) for number in range(arguments.jobs)]
     for tree in trees:
-        tree.prepare(rooms)
+        tree.prepare(sorted({test_of(mutation.path) for mutation in mutations}))
 
     outcomes = []
 

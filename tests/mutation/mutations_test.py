@@ -74,10 +74,10 @@ class Runs(unittest.TestCase):
 
     def test_know_the_tests_of_every_room(self):
         root = pathlib.Path(__file__).resolve().parents[2]
-        for room, tests in mutate.ROOMS.items():
-            self.assertTrue((root / room).is_dir(), room)
-            for test in tests:
-                self.assertTrue((root / "tests" / test / "CMakeLists.txt").is_file(), test)
+        for mutated, test in [*mutate.ROOMS.items(), *mutate.MAINS.items()]:
+            self.assertTrue((root / mutated).exists(), mutated)
+            room, _, program = test.partition("/")
+            self.assertIn(f"kq_test({program}\n", (root / "tests" / room / "CMakeLists.txt").read_text())
 
     def test_name_a_mutation_by_its_line_and_not_by_its_number(self):
         code = "first();\nif (a == b) return;\n"
