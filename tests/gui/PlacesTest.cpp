@@ -10,6 +10,7 @@
 #include "dialogs/frmServer.h"
 #include "dialogs/frmWait.h"
 #include "gui/Scenes.h"
+#include "platform/Machine.h"
 
 namespace kq {
 namespace {
@@ -34,7 +35,8 @@ class PlacesOfWindows : public testing::Test {
         wait.ShowWait(300);
         stage.Await([] { return FindWindow("frmWait") == nullptr; }, "the end of the wait");
         wait.HideWait();
-        stage.Machine()->dialogs->ShowMessageBox(std::string(200, 'a') + " b", "Title", BoxStyle::YesNo);
+        stage.Machine()->Parts().dialogs->ShowMessageBox(std::string(200, 'a') + " b", "Title",
+                                                         BoxStyle::YesNo);
         frmPassword(stage.Machine()).GetPassword(password, new_password, nullptr);
     }
     // Odd sizes have no pixel in the middle.

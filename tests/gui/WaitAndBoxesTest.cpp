@@ -19,6 +19,7 @@
 #include "dialogs/frmWait.h"
 #include "gui/Scenes.h"
 #include "gui/User.h"
+#include "platform/Machine.h"
 #include "platform/TemporaryFolder.h"
 
 namespace kq {
@@ -28,7 +29,7 @@ class OnTheScreen : public testing::Test {
  protected:
     BoxButton Box(BoxStyle style, Stage::Act act) {
         stage.When("MessageBox", std::move(act));
-        return stage.Machine()->dialogs->ShowMessageBox("Text <b>&amp;", "Caption", style);
+        return stage.Machine()->Parts().dialogs->ShowMessageBox("Text <b>&amp;", "Caption", style);
     }
     Stage stage;
     User user{stage};
@@ -106,7 +107,7 @@ TEST(BoxesInPortuguese, HaveTheirButtonsInTheUsersLanguage) {
     Stage stage(1046);
     User user(stage);
     stage.When("MessageBox", [&](QWidget& box) { user.Answers(box, "Não"); });
-    EXPECT_EQ(stage.Machine()->dialogs->ShowMessageBox("?", "?", BoxStyle::YesNo), BoxButton::No);
+    EXPECT_EQ(stage.Machine()->Parts().dialogs->ShowMessageBox("?", "?", BoxStyle::YesNo), BoxButton::No);
 }
 
 TEST_F(OnTheScreen, BoxEndsWithTheProgram) {
@@ -116,7 +117,7 @@ TEST_F(OnTheScreen, BoxEndsWithTheProgram) {
 TEST_F(OnTheScreen, BoxClosesWhenItIsWithdrawn) {
     Signal<> withdrawn;
     stage.When("MessageBox", [&](QWidget&) { withdrawn(); });
-    EXPECT_EQ(stage.Machine()->dialogs->ShowMessageBox("?", "?", BoxStyle::YesNoCancel, withdrawn),
+    EXPECT_EQ(stage.Machine()->Parts().dialogs->ShowMessageBox("?", "?", BoxStyle::YesNoCancel, withdrawn),
               BoxButton::Cancel);
     EXPECT_EQ(FindWindow("MessageBox"), nullptr);
 }
@@ -248,7 +249,7 @@ TEST_F(WaitWindow, TakesNoFocusWhileADialogIsOpen) {
 class SaveQuestionOnScreen : public OnTheScreen {
  protected:
     std::optional<std::string> Ask() {
-        return stage.Machine()->dialogs->AskSavePath(
+        return stage.Machine()->Parts().dialogs->AskSavePath(
             {"Where?", folder_.Path(), "Shortcut|*.lnk", "lnk", "Sales.lnk"});
     }
     // The next dialog gets a name and Enter.
@@ -293,7 +294,8 @@ TEST(SaveQuestionInPortuguese, HasItsTextsInTheUsersLanguage) {
         user.Presses("Escape");
     });
     const TemporaryFolder folder;
-    stage.Machine()->dialogs->AskSavePath({"Onde?", folder.Path(), "Atalho|*.lnk", "lnk", "Sales.lnk"});
+    stage.Machine()->Parts().dialogs->AskSavePath(
+        {"Onde?", folder.Path(), "Atalho|*.lnk", "lnk", "Sales.lnk"});
 }
 
 // --- While a modal window is open
