@@ -23,9 +23,12 @@ class LoopMessages : public testing::Test {
     }
     // A message loop of the host, which ends when `done` holds.
     void RunHostLoop(const std::function<bool()>& done) {
+        const UINT_PTR wake = SetTimer(nullptr, 0, 1000, nullptr);
+        const auto end = loop_->Now() + kPatience;
         MSG message;
-        while (!done() && GetMessageW(&message, nullptr, 0, 0) > 0)
+        while (!done() && loop_->Now() < end && GetMessageW(&message, nullptr, 0, 0) > 0)
             DispatchMessageW(&message);
+        KillTimer(nullptr, wake);
     }
 
     std::shared_ptr<EventLoop> loop_ = MakeWin32EventLoop();
@@ -64,12 +67,12 @@ TEST_F(LoopMessages, InAHostsLoopServeTasksTimersAndSockets) {
 }
 
 TEST_F(LoopMessages, InAHostsLoopServeEachTimerInItsTime) {
-    loop_->StartTimer(Milliseconds(30), [&] { heard_ += "c"; });
+    loop_->StartTimer(Milliseconds(30), [&] { heard_ += "b"; });
     loop_->StartTimer(Milliseconds(1), [&] {
         heard_ += "a";
-        loop_->StartTimer(Milliseconds(1), [&] { heard_ += "b"; });
+        loop_->StartTimer(Milliseconds(30), [&] { heard_ += "c"; });
     });
-    RunHostLoop([&] { return heard_ == "abc"; });
+    RunHostLoop([&] { return heard_.size() == 3; });
     EXPECT_EQ(heard_, "abc");
 }
 
