@@ -35,6 +35,7 @@ class FakeSockets final : public SocketCalls {
     int OpenSockets() const { return opened_ - closed_; }
     int Shutdowns() const { return shutdowns_; }
     bool KeptAlive() const { return kept_alive_; }
+    void HasAddresses(std::vector<std::string> own) { own_addresses_ = std::move(own); }
 
     // An address is its text.
     std::optional<SocketAddress> Parse(const std::string& text, int) override {
@@ -88,7 +89,7 @@ class FakeSockets final : public SocketCalls {
     End RemoteEnd(Socket) override { return {"2001:db8::2", 5678}; }
     void SendWithoutDelay(Socket) override {}
     void SetKeepAlive(Socket, bool on) override { kept_alive_ = on; }
-    std::string OwnAddress() override { return "192.0.2.1"; }
+    std::vector<std::string> OwnAddresses() override { return own_addresses_; }
 
  private:
     static std::string Text(const SocketAddress& address) {
@@ -105,6 +106,7 @@ class FakeSockets final : public SocketCalls {
     std::int32_t no_ipv6_ = 0;
     int opened_ = 0, closed_ = 0, shutdowns_ = 0;
     bool ended_ = false, kept_alive_ = false;
+    std::vector<std::string> own_addresses_;
 };
 
 // A loop in virtual time whose sockets become ready when the test says so.

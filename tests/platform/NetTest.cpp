@@ -237,5 +237,16 @@ TEST_F(Net, AcceptsWhatCanBeReadAtOnce) {
     EXPECT_TRUE(sockets_->KeptAlive());
 }
 
+TEST_F(Net, TakesTheFirstAddressThatIsNotLoopbackForItsOwn) {
+    sockets_->HasAddresses({"127.0.0.1", "192.0.2.7", "192.0.2.8"});
+    EXPECT_EQ(network_->OwnAddress(), "192.0.2.7");
+}
+
+TEST_F(Net, IsReachedByLoopbackOnAMachineWithoutAnotherAddress) {
+    EXPECT_EQ(network_->OwnAddress(), "127.0.0.1");
+    sockets_->HasAddresses({"127.0.0.2"});
+    EXPECT_EQ(network_->OwnAddress(), "127.0.0.1");
+}
+
 }  // namespace
 }  // namespace kq

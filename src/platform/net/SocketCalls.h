@@ -12,6 +12,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <kqappsession/EventLoop.h>
 
@@ -91,8 +92,8 @@ class SocketCalls {
     virtual void SendWithoutDelay(Socket socket) = 0;
     virtual void SetKeepAlive(Socket socket, bool on) = 0;
 
-    // The machine's first IPv4 address that is not loopback, else "127.0.0.1".
-    virtual std::string OwnAddress() = 0;
+    // The machine's numeric IPv4 addresses in the system's order; empty when they cannot be had.
+    virtual std::vector<std::string> OwnAddresses() = 0;
 };
 
 }  // namespace kq

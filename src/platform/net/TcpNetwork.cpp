@@ -1,5 +1,6 @@
 #include "platform/net/TcpNetwork.h"
 
+#include <string>
 #include <utility>
 
 #include <kqappsession/Error.h>
@@ -29,7 +30,11 @@ class TcpNetwork final : public Network {
         return std::make_unique<TcpListener>(calls_, loop_, opened.socket);
     }
 
-    std::string OwnAddress() const override { return calls_->OwnAddress(); }
+    std::string OwnAddress() const override {
+        for (const std::string& own : calls_->OwnAddresses())
+            if (!own.starts_with("127.")) return own;
+        return "127.0.0.1";
+    }
 
  private:
     // A machine without IPv6 listens on IPv4 alone.

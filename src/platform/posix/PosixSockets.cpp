@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "platform/net/SocketCalls.h"
 #include "platform/net/TcpNetwork.h"
@@ -139,20 +140,17 @@ class PosixSockets final : public SocketCalls {
         SetOption(socket, IPPROTO_TCP, TCP_KEEPCNT, kKeepAliveProbes);
     }
 
-    std::string OwnAddress() override;
+    std::vector<std::string> OwnAddresses() override;
 };
 
-std::string PosixSockets::OwnAddress() {
-    std::string own = "127.0.0.1";
+std::vector<std::string> PosixSockets::OwnAddresses() {
+    std::vector<std::string> own;
     ifaddrs* first = nullptr;
     if (getifaddrs(&first) != 0) return own;
     for (const ifaddrs* entry = first; entry; entry = entry->ifa_next) {
         if (!entry->ifa_addr || entry->ifa_addr->sa_family != AF_INET) continue;
         if ((entry->ifa_flags & IFF_UP) == 0 || (entry->ifa_flags & IFF_LOOPBACK) != 0) continue;
-        const std::string text = TextOf(AddressFrom(entry->ifa_addr, sizeof(sockaddr_in)));
-        if (text.empty() || text.starts_with("127.")) continue;
-        own = text;
-        break;
+        own.push_back(TextOf(AddressFrom(entry->ifa_addr, sizeof(sockaddr_in))));
     }
     freeifaddrs(first);
     return own;

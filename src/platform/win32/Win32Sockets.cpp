@@ -3,6 +3,7 @@
 #include <array>
 #include <limits>
 #include <utility>
+#include <vector>
 
 #include "platform/net/SocketCalls.h"
 #include "platform/net/TcpNetwork.h"
@@ -109,14 +110,14 @@ class Win32Sockets final : public SocketCalls {
             SetOption(socket, SOL_SOCKET, SO_KEEPALIVE, on ? 1 : 0);
     }
 
-    std::string OwnAddress() override;
+    std::vector<std::string> OwnAddresses() override;
 
  private:
     WinsockSession winsock_;
 };
 
-std::string Win32Sockets::OwnAddress() {
-    std::string own = "127.0.0.1";
+std::vector<std::string> Win32Sockets::OwnAddresses() {
+    std::vector<std::string> own;
     std::array<char, 256> name{};
     if (gethostname(name.data(), static_cast<int>(name.size()) - 1) != 0) return own;
     addrinfo hints{};
@@ -124,12 +125,8 @@ std::string Win32Sockets::OwnAddress() {
     hints.ai_socktype = SOCK_STREAM;
     addrinfo* first = nullptr;
     if (getaddrinfo(name.data(), nullptr, &hints, &first) != 0) return own;
-    for (const addrinfo* entry = first; entry; entry = entry->ai_next) {
-        const std::string text = TextOf(AddressFrom(entry->ai_addr, entry->ai_addrlen));
-        if (text.empty() || text.starts_with("127.")) continue;
-        own = text;
-        break;
-    }
+    for (const addrinfo* entry = first; entry; entry = entry->ai_next)
+        own.push_back(TextOf(AddressFrom(entry->ai_addr, entry->ai_addrlen)));
     freeaddrinfo(first);
     return own;
 }
