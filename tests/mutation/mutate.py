@@ -58,14 +58,14 @@ class Tree:
         listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], cwd=self.root,
                                 check=True, capture_output=True, text=True).stdout
         for name in filter(None, listed.split("\0")):
-            source, target = self.root / name, self.folder / name
+            source, copy = self.root / name, self.folder / name
             if not source.is_file():
                 continue
-            if target.is_file() and target.read_bytes() == source.read_bytes():
+            if copy.is_file() and copy.read_bytes() == source.read_bytes():
                 continue
-            target.parent.mkdir(parents=True, exist_ok=True)
-            shutil.copyfile(source, target)
-            shutil.copymode(source, target)
+            copy.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copyfile(source, copy)
+            shutil.copymode(source, copy)
         self.must(["cmake", "-B", BUILD, *BUILD_OPTIONS])
         for test in tests:
             self.must(["ninja", "-C", BUILD, target(test)])
