@@ -34,21 +34,25 @@ enum class BusSubscription : std::int32_t {
     Shared = 1,    // one of the subscribers that share the address gets each message
 };
 
-// The option of a sending.
-enum class BusSending : std::int32_t {
-    Message = 0,  // an ordinary message
-    // A state message ("ApplicationInfos/ApplicationInfo/InfoState" holds its letter). While it waits to be
-    // written, a newer one of this sender that says at least as much takes its place: a "C" replaces the "C"
-    // and "E" that wait behind the last waiting "D" and goes to the end of the queue; "E" and "D" replace
-    // nothing. Only messages about the same application (type, destination, "AppID", "Address" and "Port")
-    // replace one another.
-    State = 1,
+// What a state outdates among the earlier states of its subject that are still queued.
+enum class BusOutdates : std::int32_t {
+    Nothing = 0,  // it is queued behind them
+    Earlier = 1,  // all that a later state may outdate: they are dropped, and it goes to the end of the queue
+    Final = 2,    // nothing, and no later state outdates it or them: all of them are written
+};
+
+// What makes a message a state of something: a newer state may outdate it while it is queued.
+struct BusState {
+    // Whose state it is, any text. Only states of the same subject for the same destination outdate one
+    // another.
+    std::string subject;
+    BusOutdates outdates = BusOutdates::Nothing;
 };
 
 struct BusStatistics {
     std::int64_t sent = 0;      // handed to Send
     std::int64_t written = 0;   // written to the bus
-    std::int64_t replaced = 0;  // state messages that a newer one replaced
+    std::int64_t replaced = 0;  // states that a newer one outdated
     std::int64_t expired = 0;   // dropped because their expiry passed before they reached the bus
     std::int64_t received = 0;
     std::int64_t malformed = 0;  // arrived, but dropped because they are no messages
@@ -122,10 +126,11 @@ class KQ_EXPORT XMLBusClient : public std::enable_shared_from_this<XMLBusClient>
     // `expiry`: milliseconds from now in which the message may be written to the bus; kNoExpiry: no limit.
     // Afterwards it is dropped and counted in BusStatistics::expired, not delivered late. That also holds for
     // a message that was written to a connection that broke before the bus confirmed it. A negative expiry
-    // raises RuntimeError::InvalidProcedureCall, and so does an expiry for a state message: a state stays
-    // true until a newer one replaces it.
-    void Send(const XMLMessage& message, BusSending option = BusSending::Message,
-              Milliseconds expiry = kNoExpiry);
+    // raises RuntimeError::InvalidProcedureCall.
+    void Send(const XMLMessage& message, Milliseconds expiry = kNoExpiry);
+    // The same for a state. It never expires: it is true until a newer one outdates it. Raises
+    // RuntimeError::InvalidProcedureCall also for a value that BusOutdates does not have.
+    void Send(const XMLMessage& message, const BusState& state);
     BusStatistics Statistics() const;
     // For what is sent from now on; what is queued already stays.
     void SetLimits(const Limits& limits);

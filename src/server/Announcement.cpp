@@ -16,6 +16,12 @@ namespace kq {
 namespace {
 
 constexpr std::string_view kInfoPath = "ApplicationInfos/ApplicationInfo";
+constexpr std::string_view kInfoState = "InfoState";
+
+// The letters of the state.
+constexpr std::string_view kAllSessions = "C";
+constexpr std::string_view kEndedSession = "E";
+constexpr std::string_view kDown = "D";
 
 void SetChild(XMLElement& element, std::string_view name, std::string_view text) {
     if (XMLElement* child = element.Find(name)) {
@@ -23,6 +29,21 @@ void SetChild(XMLElement& element, std::string_view name, std::string_view text)
     } else {
         element.Add(name, text);
     }
+}
+
+// The application that the message speaks of: one process may announce several over one bus client.
+std::string SubjectOf(const XMLMessage& message, const XMLElement& application) {
+    std::string subject = message.Type();
+    for (const auto name : {"AppID", "Address", "Port"})
+        subject += '\n' + application.TextOf(name);
+    return subject;
+}
+
+std::optional<BusOutdates> OutdatedBy(std::string_view letter) {
+    if (letter == kAllSessions) return BusOutdates::Earlier;
+    if (letter == kEndedSession) return BusOutdates::Nothing;
+    if (letter == kDown) return BusOutdates::Final;
+    return std::nullopt;
 }
 
 // Moves the list to the end of an element for as long as it lives.
@@ -63,13 +84,13 @@ void Announcement::SetBroadcastInterval(std::int32_t seconds) {
 
 void Announcement::Send(std::string_view letter, const Hand& hand) {
     if (!message_) return;
-    SetChild(Info(), "InfoState", letter);
+    SetChild(Info(), kInfoState, letter);
     hand(*message_);
 }
 
 void Announcement::SendWith(XMLElement& list, std::string_view letter, const Hand& hand) {
     if (!message_) return;
-    SetChild(Info(), "InfoState", letter);
+    SetChild(Info(), kInfoState, letter);
     const Attached attached(Info(), list);
     hand(*message_);
 }
@@ -81,17 +102,32 @@ void Announcement::SendSessions(const SessionIndex& index, const Hand& hand) {
             list.Add("SessionID", session->SessionID());
         list_ = std::move(list);
     }
-    SendWith(*list_, "C", hand);
+    SendWith(*list_, kAllSessions, hand);
 }
 
 void Announcement::SendRemoved(const std::string& session_id, const Hand& hand) {
     XMLElement list("Sessions");
     list.Add("SessionID", session_id);
-    SendWith(list, "E", hand);
+    SendWith(list, kEndedSession, hand);
+}
+
+void Announcement::SendAlone(const Hand& hand) {
+    Send(kAllSessions, hand);
+}
+
+void Announcement::SendDown(const Hand& hand) {
+    Send(kDown, hand);
 }
 
 void Announcement::SessionAdded(const std::string& session_id) {
     if (list_) list_->Add("SessionID", session_id);
+}
+
+void SendState(XMLBusClient& bus, const XMLMessage& message) {
+    const XMLElement* application = message.Root().Find(kInfoPath);
+    if (application == nullptr) return bus.Send(message);
+    const auto outdates = OutdatedBy(application->TextOf(kInfoState));
+    outdates ? bus.Send(message, BusState{SubjectOf(message, *application), *outdates}) : bus.Send(message);
 }
 
 Installer FindInstaller(const PlatformPtr& platform, const AppObject* app_obj, const std::string& app_id,

@@ -10,6 +10,7 @@
 
 #include <kqappsession/AppObject.h>
 #include <kqappsession/Platform.h>
+#include <kqappsession/XMLBusClient.h>
 #include <kqappsession/XMLMessage.h>
 
 #include "messages/ASMessages.h"
@@ -27,10 +28,10 @@ class Announcement {
     void Forget() { message_.reset(); }
     void SetBroadcastInterval(std::int32_t seconds);
 
-    void SendAlone(const Hand& hand) { Send("C", hand); }
+    void SendAlone(const Hand& hand);
     void SendSessions(const SessionIndex& index, const Hand& hand);
     void SendRemoved(const std::string& session_id, const Hand& hand);
-    void SendDown(const Hand& hand) { Send("D", hand); }
+    void SendDown(const Hand& hand);
 
     // The index has got one more session, the last in its order. A burst of registrations so costs one
     // element each, not a list each.
@@ -46,6 +47,11 @@ class Announcement {
     std::optional<XMLMessage> message_;
     std::optional<XMLElement> list_;  // "Sessions" as the index has it; nothing when it must be read anew
 };
+
+// Sends a message over the bus as the state that its letter gives it: a "C" outdates the queued "C" and "E"
+// of the same application, an "E" outdates nothing, and a "D" makes all before it final. A message without
+// one of these letters is sent as an ordinary one. Raises what XMLBusClient::Send raises.
+void SendState(XMLBusClient& bus, const XMLMessage& message);
 
 // Where clients find their installer, "ClientPath", and what is said of its version, "ClientVersion"; both
 // empty when there is none. Shares the installer's folder on the network under "ClientInstall_" and the

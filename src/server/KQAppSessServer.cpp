@@ -246,7 +246,7 @@ void KQAppSessServer::Impl::Send(XMLMessage message, const std::string& type, co
                                  Milliseconds keep) {
     message.SetDestination({type, subtype});
     const auto sent = std::make_shared<XMLMessage>(std::move(message));
-    Bus().Send(*sent, BusSending::Message, keep);
+    Bus().Send(*sent, keep);
     Raise(&KQAppSessServer::XMLBusSend, sent);
 }
 

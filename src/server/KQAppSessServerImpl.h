@@ -159,7 +159,7 @@ template <class Sending>
 void KQAppSessServer::Impl::SendInformation(Sending sending) {
     MessagePtr sent;
     sending([&](const XMLMessage& message) {
-        Bus().Send(message, BusSending::State);
+        SendState(Bus(), message);
         // A copy only for those who look: a list of thousands of sessions is sent at every registration.
         if (face_ != nullptr && face_->XMLBusSend.HasHandlers()) sent = std::make_shared<XMLMessage>(message);
     });

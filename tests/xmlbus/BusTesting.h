@@ -24,17 +24,12 @@ inline XMLMessage Note(const std::string& text, const BusAddress& to = kZeb) {
     return message;
 }
 
-// A state message of an application; `text` tells it apart.
-inline XMLMessage StateOf(const std::string& letter, const std::string& text,
-                          const std::string& app_id = "Demo") {
-    XMLMessage message("ASBroadcastInfo", "1");
-    message.SetSchema("ZEBSchemas");
-    message.SetDestination(kZeb);
-    message.SetField("Text", text);
-    auto& info = message.Root().Add("ApplicationInfos").Add("ApplicationInfo");
-    info.Add("AppID", app_id);
-    info.Add("InfoState", letter);
-    return message;
+// A state: 'C' outdates the earlier ones, 'E' outdates nothing, 'D' is final.
+inline BusState StateOf(char letter, const std::string& subject = "Demo") {
+    const auto outdates = letter == 'C'   ? BusOutdates::Earlier
+                          : letter == 'E' ? BusOutdates::Nothing
+                                          : BusOutdates::Final;
+    return {subject, outdates};
 }
 
 // A bus client and what it has heard.
@@ -56,9 +51,7 @@ class Party {
     void HearsNoMore(const BusAddress& address) { client->RemoveSubscription(address.type, address.subtype); }
     BusAddress ReplyAddress() const { return {client->ReplyType(), client->ReplySubType()}; }
     void Says(const std::string& text, const BusAddress& to = kZeb) { client->Send(Note(text, to)); }
-    void States(const std::string& letter, const std::string& text, const std::string& app_id = "Demo") {
-        client->Send(StateOf(letter, text, app_id), BusSending::State);
-    }
+    void States(char letter, const std::string& text) { client->Send(Note(text), StateOf(letter)); }
 
     std::shared_ptr<XMLBusClient> client;
     std::vector<std::string> heard;

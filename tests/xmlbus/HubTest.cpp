@@ -127,7 +127,7 @@ TEST_F(HubTest, HoldsStatesBackWhileTooMuchIsUnconfirmed) {
     server->Says(std::string(300'000, 'x'));
     machine.loop->ProcessPending();  // written, not confirmed
     for (const char* text : {"C1", "C2", "C3"}) {
-        server->States("C", text);
+        server->States('C', text);
         machine.loop->ProcessPending();
     }
     EXPECT_GT(server->client->Statistics().replaced, 0);
@@ -223,7 +223,7 @@ TEST_F(HubReachTest, SaysThatAPeerIsGoneAfterItsLastWord) {
     bool gone_before = true;
     zeb->client->ReceiveMessage.Connect(
         owner, [&](const auto&, bool&) { gone_before = said[server->ReplyAddress()] != "+"; });
-    server->States("D", "down");
+    server->States('D', "down");
     server->client->Stop();
     Settle();
     EXPECT_FALSE(gone_before);
@@ -347,7 +347,7 @@ TEST_F(HubTest, WritesTheEndOfServiceBeforeTheClientStops) {
     const auto server = Join();
     zeb->Hears(kZeb);
     Settle();
-    server->States("D", "down");
+    server->States('D', "down");
     server->client->Stop();
     Settle();
     EXPECT_THAT(zeb->heard, ElementsAre("down"));

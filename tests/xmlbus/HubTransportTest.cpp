@@ -257,7 +257,7 @@ TEST_F(HubTransportTest, DoesNotWriteAgainWhatTheHubTookBeforeTheConnectionWasLo
 
 TEST_F(HubTransportTest, DoesNotWriteAgainWhatHasExpiredAndCountsOn) {
     LetIn();
-    party.client->Send(Note("x", {"A", ""}), BusSending::Message, Milliseconds(100));
+    party.client->Send(Note("x", {"A", ""}), Milliseconds(100));
     party.Says("x", {"B", ""});
     Settle();
     hub.reset();
@@ -271,7 +271,7 @@ TEST_F(HubTransportTest, DoesNotWriteAgainWhatHasExpiredAndCountsOn) {
 
 TEST_F(HubTransportTest, CountsNothingAsExpiredThatTheHubTookBeforeTheConnectionWasLost) {
     LetIn();
-    party.client->Send(Note("x"), BusSending::Message, Milliseconds(100));
+    party.client->Send(Note("x"), Milliseconds(100));
     Settle();
     hub.reset();
     Pass(250);
@@ -315,7 +315,7 @@ TEST_F(HubTransportTest, WritesNoMoreThanAWindowUnconfirmed) {
 
 TEST_F(HubTransportTest, StopsOnlyWhenTheHubHasConfirmed) {
     LetIn();
-    party.States("D", "down");
+    party.States('D', "down");
     const auto start = machine.loop->Now();
     machine.loop->StartTimer(Milliseconds(400), [&] { hub->Says(kBusTaken, {{"Taken", "1"}}); });
     party.client->Stop();
@@ -326,7 +326,7 @@ TEST_F(HubTransportTest, StopsOnlyWhenTheHubHasConfirmed) {
 
 TEST_F(HubTransportTest, StopsAfterOneSecondWithoutAConfirmation) {
     LetIn();
-    party.States("D", "down");
+    party.States('D', "down");
     const auto start = machine.loop->Now();
     party.client->Stop();
     EXPECT_EQ(machine.loop->Now() - start, Milliseconds(1'000));

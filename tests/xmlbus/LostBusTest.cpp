@@ -82,8 +82,8 @@ TEST_F(LostBusTest, DeliversWhatWasWrittenButHadNotArrived) {
 
 TEST_F(LostBusTest, NeverDeliversWhatExpiredMeanwhile) {
     GoAway();
-    server.client->Send(Note("short"), BusSending::Message, Milliseconds(5'000));
-    server.client->Send(Note("long"), BusSending::Message, Milliseconds(90'000));
+    server.client->Send(Note("short"), Milliseconds(5'000));
+    server.client->Send(Note("long"), Milliseconds(90'000));
     server.Says("for ever");
     Pass(10'000);
     EXPECT_EQ(server.client->Statistics().expired, 1);
@@ -93,7 +93,7 @@ TEST_F(LostBusTest, NeverDeliversWhatExpiredMeanwhile) {
 }
 
 TEST_F(LostBusTest, NeverDeliversWhatWasWrittenAndExpiredBeforeItArrived) {
-    server.client->Send(Note("short"), BusSending::Message, Milliseconds(5'000));
+    server.client->Send(Note("short"), Milliseconds(5'000));
     machine.loop->ProcessPending();
     bus.SetUp(false);
     server.Says("for ever");
@@ -136,7 +136,7 @@ TEST_F(LostBusTest, CountsReconnections) {
 TEST_F(LostBusTest, ReplacesStatesWhileTheBusIsAway) {
     GoAway();
     for (const char* text : {"C1", "C2", "C3"}) {
-        server.States("C", text);
+        server.States('C', text);
         Settle();
     }
     ComeBack();
@@ -154,7 +154,7 @@ TEST_F(LostBusTest, KeepsWhatIsSentBeforeTheBusIsThereForTheFirstTime) {
 }
 
 TEST_F(LostBusTest, WritesTheEndOfServiceBeforeItStops) {
-    server.States("D", "down");
+    server.States('D', "down");
     server.client->Stop();
     Settle();
     EXPECT_THAT(zeb.heard, ElementsAre("down"));
@@ -179,21 +179,21 @@ TEST_F(LostBusTest, StopsAtOnceWhenNothingWaits) {
 
 TEST_F(LostBusTest, GivesUpAfterOneSecondWhenTheBusTakesNothing) {
     bus.SetRoom(false);
-    server.States("D", "down");
+    server.States('D', "down");
     EXPECT_EQ(TimeOf([&] { server.client->Stop(); }), 1'000);
     EXPECT_FALSE(server.client->Running());
 }
 
 TEST_F(LostBusTest, GivesUpAfterOneSecondWhenTheBusIsAway) {
     GoAway();
-    server.States("D", "down");
+    server.States('D', "down");
     EXPECT_EQ(TimeOf([&] { server.client->Stop(); }), 1'000);
 }
 
 TEST_F(LostBusTest, WritesWhatWaitsWhenTheBusComesBackDuringTheSecond) {
     GoAway();
     Pass(20'000);  // the next regular attempt is many seconds away
-    server.States("D", "down");
+    server.States('D', "down");
     machine.loop->StartTimer(Milliseconds(300), [&] { bus.SetUp(true); });
     EXPECT_EQ(TimeOf([&] { server.client->Stop(); }), 500);
     EXPECT_EQ(server.client->Statistics().waiting, 0);
@@ -201,13 +201,13 @@ TEST_F(LostBusTest, WritesWhatWaitsWhenTheBusComesBackDuringTheSecond) {
 
 TEST_F(LostBusTest, DeliversAfterTheNextStartWhatCouldNotBeWrittenBeforeTheStop) {
     bus.SetRoom(false);
-    server.States("D", "down");
+    server.States('D', "down");
     server.client->Stop();
     bus.SetRoom(true);
     Settle();
     EXPECT_THAT(zeb.heard, IsEmpty());
     server.client->Start();
-    server.States("C", "up");
+    server.States('C', "up");
     Settle();
     EXPECT_THAT(zeb.heard, ElementsAre("down", "up"));
 }

@@ -76,7 +76,7 @@ TEST_F(RealBusTest, WritesTheEndOfServiceBeforeTheClientStops) {
     const auto server = Join();
     zeb->Hears(kZeb);
     ASSERT_TRUE(AwaitPlaces({zeb.get(), server.get()}));
-    server->States("D", "down");
+    server->States('D', "down");
     server->client->Stop();
     ASSERT_TRUE(Await([&] { return !zeb->heard.empty(); }));
     EXPECT_THAT(zeb->heard, ElementsAre("down"));

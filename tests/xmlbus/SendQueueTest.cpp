@@ -12,15 +12,11 @@ namespace {
 using testing::ElementsAre;
 
 struct SendQueueTest : testing::Test {
-    // "C", "E" and "D" send a state message of that letter, anything else an ordinary message; the text tells
-    // them apart. Two words: the letter and the text.
+    // Words that begin with "C", "E" or "D" are sent as such a state, all others as ordinary messages.
     void Send(std::initializer_list<const char*> words) {
         for (const std::string word : words) {
-            const std::string letter = word.substr(0, 1);
-            const bool state = letter == "C" || letter == "D" || letter == "E" || letter == "X";
-            EXPECT_GE(queue.Push(state ? StateOf(letter, word) : Note(word),
-                                 state ? BusSending::State : BusSending::Message),
-                      0);
+            const bool state = word.find_first_of("CDE") == 0;
+            EXPECT_GE(state ? queue.Push(Note(word), StateOf(word[0])) : queue.Push(Note(word)), 0);
         }
     }
     std::vector<std::string> Left() {
@@ -93,37 +89,28 @@ TEST_F(SendQueueTest, PutsAFullListThatReplacesAnotherAtTheEnd) {
     EXPECT_THAT(Left(), ElementsAre("a", "C2"));
 }
 
-TEST_F(SendQueueTest, DoesNotReplaceAStateThatIsSentAsAnOrdinaryMessage) {
-    queue.Push(StateOf("C", "plain"), BusSending::Message);
-    Send({"C1"});
-    queue.Push(StateOf("C", "plain too"), BusSending::Message);
-    EXPECT_THAT(Left(), ElementsAre("plain", "C1", "plain too"));
-}
-
-TEST_F(SendQueueTest, ReplacesNothingByAStateMessageOfAnUnknownLetter) {
-    Send({"X1", "C1", "X2", "X3"});
-    EXPECT_THAT(Left(), ElementsAre("X1", "C1", "X2", "X3"));
-}
-
-TEST_F(SendQueueTest, TakesAStateMessageWithoutAStateAsAnOrdinaryOne) {
-    queue.Push(Note("a"), BusSending::State);
-    queue.Push(Note("b"), BusSending::State);
-    EXPECT_THAT(Left(), ElementsAre("a", "b"));
-}
-
-TEST_F(SendQueueTest, KeepsTheStatesOfTwoApplicationsApart) {
-    queue.Push(StateOf("C", "demo", "Demo"), BusSending::State);
-    queue.Push(StateOf("C", "other", "Other"), BusSending::State);
-    queue.Push(StateOf("C", "demo again", "Demo"), BusSending::State);
-    EXPECT_THAT(Left(), ElementsAre("other", "demo again"));
+TEST_F(SendQueueTest, KeepsTheStatesOfTwoSubjectsApart) {
+    queue.Push(Note("demo"), StateOf('C', "Demo"));
+    queue.Push(Note("other"), StateOf('C', "Other"));
+    queue.Push(Note("the end of another"), StateOf('D', "Another"));
+    queue.Push(Note("demo again"), StateOf('C', "Demo"));
+    EXPECT_THAT(Left(), ElementsAre("other", "the end of another", "demo again"));
 }
 
 TEST_F(SendQueueTest, KeepsTheStatesOfTwoDestinationsApart) {
-    auto elsewhere = StateOf("C", "elsewhere");
-    elsewhere.SetDestination({"ZEB", "Other"});
     Send({"C1"});
-    queue.Push(elsewhere, BusSending::State);
+    queue.Push(Note("elsewhere", {"ZEB", "Other"}), StateOf('C'));
     EXPECT_THAT(Left(), ElementsAre("C1", "elsewhere"));
+}
+
+TEST_F(SendQueueTest, ForgetsASubjectWithItsLastStateThatMayBeOutdated) {
+    Send({"C1", "C2", "E1"});
+    queue.Push(Note("other"), StateOf('E', "Other"));
+    EXPECT_EQ(queue.Subjects(), 2U);
+    Left();
+    EXPECT_EQ(queue.Subjects(), 0U);
+    Send({"C1", "D1", "D2"});
+    EXPECT_EQ(queue.Subjects(), 0U);
 }
 
 TEST_F(SendQueueTest, DoesNotReplaceWhatWasTaken) {
@@ -136,36 +123,36 @@ TEST_F(SendQueueTest, DoesNotReplaceWhatWasTaken) {
 }
 
 TEST_F(SendQueueTest, TellsHowManyItReplaced) {
-    EXPECT_EQ(queue.Push(StateOf("C", "a"), BusSending::State), 0);
-    EXPECT_EQ(queue.Push(StateOf("E", "b"), BusSending::State), 0);
-    EXPECT_EQ(queue.Push(StateOf("C", "c"), BusSending::State), 2);
+    EXPECT_EQ(queue.Push(Note("a"), StateOf('C')), 0);
+    EXPECT_EQ(queue.Push(Note("b"), StateOf('E')), 0);
+    EXPECT_EQ(queue.Push(Note("c"), StateOf('C')), 2);
 }
 
 TEST_F(SendQueueTest, TakesNoMoreMessagesThanItsLimit) {
     queue.SetLimits({.waiting_messages = 2, .waiting_bytes = 1U << 20});
     Send({"a", "b"});
-    EXPECT_EQ(queue.Push(Note("c"), BusSending::Message), -1);
+    EXPECT_EQ(queue.Push(Note("c")), -1);
     EXPECT_THAT(Left(), ElementsAre("a", "b"));
 }
 
 TEST_F(SendQueueTest, TakesNoMoreBytesThanItsLimit) {
     queue.SetLimits({.waiting_messages = 100, .waiting_bytes = 3'000});
-    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x')), BusSending::Message), 0);
-    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x')), BusSending::Message), -1);
+    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x'))), 0);
+    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x'))), -1);
     queue.Pop();
     EXPECT_EQ(queue.Bytes(), 0U);
-    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x')), BusSending::Message), 0);
+    EXPECT_EQ(queue.Push(Note(std::string(1'500, 'x'))), 0);
 }
 
 TEST_F(SendQueueTest, TakesAFullListWhenItMakesItsOwnPlace) {
     queue.SetLimits({.waiting_messages = 2, .waiting_bytes = 1U << 20});
     Send({"a", "C1", "C2"});
-    EXPECT_EQ(queue.Push(StateOf("E", "E1"), BusSending::State), -1);
+    EXPECT_EQ(queue.Push(Note("E1"), StateOf('E')), -1);
     EXPECT_THAT(Left(), ElementsAre("a", "C2"));
 }
 
 TEST_F(SendQueueTest, NeverEstimatesLessThanTheTextIsLong) {
-    auto message = StateOf("C", "<&>\"'\t\r\n \xC3\xA4");
+    auto message = Note("<&>\"'\t\r\n \xC3\xA4");
     message.Root().SetAttribute("note", "\"<&\n");
     message.Root().Add("Empty");
     EXPECT_GE(SendQueue::Estimate(message), message.ToBusXML().size());
@@ -176,19 +163,18 @@ TEST_F(SendQueueTest, NeverEstimatesLessThanTheTextIsLong) {
 TEST_F(SendQueueTest, ReplacesWithoutSearchingALongQueue) {
     queue.SetLimits({.waiting_messages = 200'000, .waiting_bytes = 1U << 30});
     const auto note = Note("a");
-    const auto state = StateOf("C", "C1");
     for (int i = 0; i < 20'000; ++i)
-        queue.Push(note, BusSending::Message);
+        queue.Push(note);
     for (int i = 0; i < 20'000; ++i)
-        queue.Push(state, BusSending::State);
+        queue.Push(note, StateOf('C'));
     EXPECT_EQ(queue.Size(), 20'001U);
 }
 
 TEST_F(SendQueueTest, DropsWhatHasExpiredWhereverItStands) {
     const SendQueue::TimePoint start;
-    queue.Push(Note("a"), BusSending::Message, start + Milliseconds(20));
+    queue.Push(Note("a"), start + Milliseconds(20));
     Send({"C1", "b"});
-    queue.Push(Note("c"), BusSending::Message, start + Milliseconds(10));
+    queue.Push(Note("c"), start + Milliseconds(10));
     EXPECT_EQ(queue.DropExpired(start + Milliseconds(9)), 0);
     EXPECT_EQ(queue.DropExpired(start + Milliseconds(10)), 1);
     EXPECT_EQ(queue.DropExpired(start + Milliseconds(30)), 1);
@@ -198,7 +184,7 @@ TEST_F(SendQueueTest, DropsWhatHasExpiredWhereverItStands) {
 
 TEST_F(SendQueueTest, DoesNotDropWhatWasTakenBeforeItExpired) {
     const SendQueue::TimePoint expiry = SendQueue::TimePoint() + Milliseconds(10);
-    queue.Push(Note("a"), BusSending::Message, expiry);
+    queue.Push(Note("a"), expiry);
     EXPECT_EQ(queue.Pop().expiry, expiry);
     EXPECT_EQ(queue.DropExpired(expiry), 0);
 }
@@ -220,7 +206,7 @@ struct SendingTest : testing::Test {
 
 TEST_F(SendingTest, WritesOneStateForABurstWithinOneTurnOfTheLoop) {
     for (const char* text : {"C1", "C2", "C3"})
-        server.States("C", text);
+        server.States('C', text);
     Settle();
     EXPECT_THAT(zeb.heard, ElementsAre("C3"));
     EXPECT_EQ(server.client->Statistics().sent, 3);
@@ -230,7 +216,7 @@ TEST_F(SendingTest, WritesOneStateForABurstWithinOneTurnOfTheLoop) {
 
 TEST_F(SendingTest, WritesEveryStateThatDoesNotHaveToWait) {
     for (const char* text : {"C1", "C2"}) {
-        server.States("C", text);
+        server.States('C', text);
         Settle();
     }
     EXPECT_THAT(zeb.heard, ElementsAre("C1", "C2"));
@@ -239,7 +225,7 @@ TEST_F(SendingTest, WritesEveryStateThatDoesNotHaveToWait) {
 TEST_F(SendingTest, ReplacesStatesWhileTheBusHasNoRoom) {
     bus.SetRoom(false);
     for (const char* text : {"C1", "C2", "C3"}) {
-        server.States("C", text);
+        server.States('C', text);
         Settle();
     }
     EXPECT_EQ(server.client->Statistics().waiting, 1);
@@ -252,7 +238,7 @@ TEST_F(SendingTest, ReplacesStatesWhileTheBusHasNoRoom) {
 TEST_F(SendingTest, GivesThePlaceOfWhatHasExpiredToANewMessage) {
     bus.SetRoom(false);
     server.client->SetLimits({.waiting_messages = 1, .waiting_bytes = 1U << 20});
-    server.client->Send(Note("a"), BusSending::Message, Milliseconds(10));
+    server.client->Send(Note("a"), Milliseconds(10));
     machine.loop->Advance(Milliseconds(10));
     server.Says("b");
     bus.SetRoom(true);
@@ -260,16 +246,15 @@ TEST_F(SendingTest, GivesThePlaceOfWhatHasExpiredToANewMessage) {
     EXPECT_THAT(zeb.heard, ElementsAre("b"));
 }
 
-TEST_F(SendingTest, RefusesAnExpiryInThePastAndOneOfAState) {
+TEST_F(SendingTest, RefusesAnExpiryInThePast) {
     const auto invalid = NumberOf(RuntimeError::InvalidProcedureCall);
     auto& client = *server.client;
-    EXPECT_EQ(ErrorOf([&] { client.Send(Note("a"), BusSending::Message, Milliseconds(-1)); }), invalid);
-    EXPECT_EQ(ErrorOf([&] { client.Send(StateOf("C", "a"), BusSending::State, Milliseconds(1)); }), invalid);
+    EXPECT_EQ(ErrorOf([&] { client.Send(Note("a"), Milliseconds(-1)); }), invalid);
     EXPECT_EQ(client.Statistics().sent, 0);
 }
 
 TEST_F(SendingTest, TakesTheLongestExpiryThereIs) {
-    server.client->Send(Note("a"), BusSending::Message, Milliseconds::max());
+    server.client->Send(Note("a"), Milliseconds::max());
     Settle();
     EXPECT_THAT(zeb.heard, ElementsAre("a"));
 }

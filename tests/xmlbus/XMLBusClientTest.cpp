@@ -116,10 +116,13 @@ TEST_F(XMLBusClientTest, ReceivesTheWholeMessage) {
     Owner owner;
     zeb->client->ReceiveMessage.Connect(owner, [&](const auto& message, bool&) { received = message; });
     zeb->Hears(kZeb);
-    server->client->Send(StateOf("C", "all <of> \"it\""), BusSending::State);
+    auto message = Note("all <of> \"it\"");
+    message.SetSchema("Schemas");
+    message.Root().Add("Outer").Add("Inner", "text");
+    server->client->Send(message);
     Settle();
     ASSERT_NE(received, nullptr);
-    EXPECT_EQ(*received, StateOf("C", "all <of> \"it\""));
+    EXPECT_EQ(*received, message);
 }
 
 TEST_F(XMLBusClientTest, BringsAMessageToEveryOrdinarySubscriber) {
@@ -239,8 +242,20 @@ TEST_F(XMLBusClientTest, RefusesToSendWithoutADestinationOrAType) {
     EXPECT_EQ(ErrorOf([&] { server->client->Send(nameless); }), kInvalid);
 }
 
-TEST_F(XMLBusClientTest, RefusesToSendWithAnUnknownOption) {
-    EXPECT_EQ(ErrorOf([&] { server->client->Send(Note("a"), static_cast<BusSending>(2)); }), kInvalid);
+TEST_F(XMLBusClientTest, RefusesAStateThatOutdatesSomethingUnknown) {
+    for (const int unknown : {-1, 3}) {
+        const BusState state{"Demo", static_cast<BusOutdates>(unknown)};
+        EXPECT_EQ(ErrorOf([&] { server->client->Send(Note("a"), state); }), kInvalid);
+    }
+    EXPECT_EQ(server->client->Statistics().sent, 0);
+}
+
+TEST_F(XMLBusClientTest, RefusesAStateThatItWouldRefuseAsAMessage) {
+    const auto huge = Note(std::string(XMLBusClient::kMaxMessage, 'x'));
+    EXPECT_EQ(ErrorOf([&] { server->client->Send(huge, StateOf('C')); }), NumberOf(NetError::MessageTooLong));
+    EXPECT_EQ(ErrorOf([&] { server->client->Send(Note("a", BusAddress()), StateOf('C')); }), kInvalid);
+    server->client->Stop();
+    EXPECT_EQ(ErrorOf([&] { server->States('C', "a"); }), kInvalid);
 }
 
 TEST_F(XMLBusClientTest, RefusesAMessageThatNoBusWouldCarry) {
@@ -431,9 +446,9 @@ TEST_F(XMLBusClientTest, MakesTextOfAMessageOnlyWhenItsTurnComes) {
     party.client->Start();
     transport->room = false;
     transport->BecomesReady();
-    party.States("C", "old");
+    party.States('C', "old");
     Settle();
-    party.States("C", "new");
+    party.States('C', "new");
     transport->HasRoomAgain();
     ASSERT_EQ(transport->written.size(), 1U);
     EXPECT_THAT(transport->written[0], testing::HasSubstr("new"));

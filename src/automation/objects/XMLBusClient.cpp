@@ -3,6 +3,7 @@
 #include "automation/Events.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
+#include "server/Announcement.h"
 
 namespace kq::automation {
 namespace {
@@ -12,11 +13,6 @@ enum Event : DISPID { kReceiveMessage = 1, kStatistics, kConnectionChanged };
 kq::BusSubscription OptionOf(::BusSubscription option) {
     if (option != busOrdinary && option != busShared) Raise(RuntimeError::InvalidProcedureCall);
     return static_cast<kq::BusSubscription>(option);
-}
-
-kq::BusSending OptionOf(::BusSending option) {
-    if (option != busMessage && option != busState) Raise(RuntimeError::InvalidProcedureCall);
-    return static_cast<kq::BusSending>(option);
 }
 
 class BusClientObject final
@@ -90,7 +86,8 @@ class BusClientObject final
         return Do([&] {
             const auto message = Unwrap<XMLMessage>(Msg);
             if (!message) Raise(RuntimeError::ObjectNotSet);
-            core_->Send(*message, OptionOf(Option));
+            if (Option != busMessage && Option != busState) Raise(RuntimeError::InvalidProcedureCall);
+            Option == busState ? SendState(*core_, *message) : core_->Send(*message);
         });
     }
 

@@ -1,6 +1,6 @@
-// Replacing costs the same however long the queue is: each application has a list of what its next "C"
-// outdates, and a message leaves that list when it is replaced, when its turn comes, or when a "D" makes it
-// final.
+// Removing what a state outdates costs the same however long the queue is: each subject has a list of what
+// its next state may outdate. A message leaves that list when it is outdated, when its turn comes, or when a
+// later state makes it final.
 #include "libs/xmlbus/SendQueue.h"
 
 #include <utility>
@@ -37,22 +37,6 @@ std::size_t CountElements(const XMLElement& element) {
     return count;
 }
 
-const XMLElement* ApplicationOf(const XMLMessage& message) {
-    return message.Root().Find("ApplicationInfos/ApplicationInfo");
-}
-
-// Whose state it is: one process may announce several applications over one bus client.
-std::string ApplicationName(const XMLMessage& message, const XMLElement& application) {
-    std::string name;
-    for (const auto& part :
-         {message.Destination().type, message.Destination().subtype, message.Type(),
-          application.TextOf("AppID"), application.TextOf("Address"), application.TextOf("Port")}) {
-        name += part;
-        name += '\n';
-    }
-    return name;
-}
-
 }  // namespace
 
 std::size_t SendQueue::Estimate(const XMLMessage& message) {
@@ -65,49 +49,61 @@ std::size_t SendQueue::Elements(const XMLMessage& message) {
     return CountElements(message.Root());
 }
 
-std::int64_t SendQueue::Push(const XMLMessage& message, BusSending option, TimePoint expiry) {
-    const XMLElement* application = option == BusSending::State ? ApplicationOf(message) : nullptr;
-    const std::string letter = application != nullptr ? application->TextOf("InfoState") : std::string();
-    const std::string name = application != nullptr ? ApplicationName(message, *application) : std::string();
-
-    Outdated* outdated = nullptr;
-    if (const auto found = applications_.find(name); letter == "C" && found != applications_.end()) {
-        outdated = &found->second;
-    }
-    const std::size_t replaced = outdated != nullptr ? outdated->size() : 0;
-    std::size_t freed = 0;
-    for (std::size_t i = 0; i < replaced; ++i)
-        freed += (*outdated)[i]->bytes;
-    const std::size_t size = Estimate(message);
-    if (entries_.size() - replaced + 1 > limits_.waiting_messages) return -1;
-    if (bytes_ - freed + size > limits_.waiting_bytes) return -1;
-
-    entries_.push_back(Entry{message, size, nullptr, expiring_.end()});
-    const auto entry = std::prev(entries_.end());
-    if (expiry != kNever) entry->expiring = expiring_.emplace(expiry, entry);
-    bytes_ += size;
-    if (outdated != nullptr) {
-        for (const auto& old : *outdated)
-            entries_.erase(old);
-        outdated->clear();
-        bytes_ -= freed;
-    }
-    Enlist(entry, letter, name);
-    return static_cast<std::int64_t>(replaced);
+bool SendQueue::HasRoom(std::size_t size, std::size_t removed, std::size_t freed) const {
+    return entries_.size() - removed < limits_.waiting_messages &&
+           bytes_ - freed + size <= limits_.waiting_bytes;
 }
 
-void SendQueue::Enlist(Entries::iterator entry, const std::string& letter, const std::string& application) {
-    if (letter == "C" || letter == "E") {
-        auto& outdated = applications_[application];
-        outdated.push_back(entry);
-        entry->outdated = &outdated;
-    } else if (letter == "D") {
-        const auto found = applications_.find(application);
-        if (found == applications_.end()) return;
-        for (const auto& final : found->second)
-            final->outdated = nullptr;
-        found->second.clear();
+SendQueue::Entries::iterator SendQueue::Append(const XMLMessage& message, std::size_t size) {
+    entries_.push_back(Entry{message, size, subjects_.end(), expiring_.end()});
+    bytes_ += size;
+    return std::prev(entries_.end());
+}
+
+std::int64_t SendQueue::Push(const XMLMessage& message, TimePoint expiry) {
+    const std::size_t size = Estimate(message);
+    if (!HasRoom(size, 0, 0)) return -1;
+    const auto entry = Append(message, size);
+    if (expiry != kNever) entry->expiring = expiring_.emplace(expiry, entry);
+    return 0;
+}
+
+std::int64_t SendQueue::Push(const XMLMessage& message, const BusState& state) {
+    const std::pair<BusAddress, std::string> subject(message.Destination(), state.subject);
+    const auto earlier = subjects_.find(subject);
+    std::size_t removed = 0;
+    std::size_t freed = 0;
+    if (state.outdates == BusOutdates::Earlier && earlier != subjects_.end()) {
+        removed = earlier->second.size();
+        for (const auto& outdated : earlier->second)
+            freed += outdated->bytes;
     }
+    const std::size_t size = Estimate(message);
+    if (!HasRoom(size, removed, freed)) return -1;
+
+    const auto entry = Append(message, size);
+    if (state.outdates != BusOutdates::Nothing && earlier != subjects_.end()) {
+        state.outdates == BusOutdates::Earlier ? Remove(earlier) : MakeFinal(earlier);
+    }
+    if (state.outdates != BusOutdates::Final) {
+        entry->subject = subjects_.try_emplace(subject).first;
+        entry->subject->second.push_back(entry);
+    }
+    return static_cast<std::int64_t>(removed);
+}
+
+void SendQueue::Remove(SubjectMap::iterator subject) {
+    for (const auto& outdated : subject->second) {
+        bytes_ -= outdated->bytes;
+        entries_.erase(outdated);
+    }
+    subjects_.erase(subject);
+}
+
+void SendQueue::MakeFinal(SubjectMap::iterator subject) {
+    for (const auto& final : subject->second)
+        final->subject = subjects_.end();
+    subjects_.erase(subject);
 }
 
 std::int64_t SendQueue::DropExpired(TimePoint now) {
@@ -123,7 +119,10 @@ std::int64_t SendQueue::DropExpired(TimePoint now) {
 
 SendQueue::Waiting SendQueue::Pop() {
     auto& entry = entries_.front();
-    if (entry.outdated != nullptr) entry.outdated->pop_front();
+    if (entry.subject != subjects_.end()) {
+        entry.subject->second.pop_front();
+        if (entry.subject->second.empty()) subjects_.erase(entry.subject);
+    }
     Waiting waiting{std::move(entry.message), kNever};
     if (entry.expiring != expiring_.end()) {
         waiting.expiry = entry.expiring->first;

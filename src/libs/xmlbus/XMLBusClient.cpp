@@ -1,7 +1,7 @@
 // The bus client: the queue of what is sent, the subscriptions, and the way back to the bus after a loss.
 //
-// Messages are written by a posted task, not inside Send, so that a burst of state messages within one turn
-// of the loop costs one text even while the bus has room. Every callback holds the client while it raises
+// Messages are written by a posted task, not inside Send, so that a burst of states within one turn of the
+// loop costs one text even while the bus has room. Every callback holds the client while it raises
 // events.
 #include <algorithm>
 #include <map>
@@ -41,7 +41,8 @@ class XMLBusClient::Impl {
     void Stop();
     void AddSubscription(const BusAddress& address, BusSubscription option);
     void RemoveSubscription(const BusAddress& address);
-    void Send(const XMLMessage& message, BusSending option, Milliseconds expiry);
+    void Send(const XMLMessage& message, Milliseconds expiry);
+    void Send(const XMLMessage& message, const BusState& state);
     BusStatistics Statistics();
 
     bool Running() const { return state_ == State::Running; }
@@ -65,6 +66,8 @@ class XMLBusClient::Impl {
     void WriteSoon();
     void WriteWhileThereIsRoom();
     void DropExpired();
+    void RequireSendable(const XMLMessage& message) const;
+    void Sent(std::int64_t replaced);
     void Close();
 
     XMLBusClient& face_;
@@ -190,26 +193,39 @@ void XMLBusClient::Impl::UnsubscribeAllButReply() {
         transport_->Unsubscribe(address);
 }
 
-void XMLBusClient::Impl::Send(const XMLMessage& message, BusSending option, Milliseconds expiry) {
-    if (!Running()) Raise(RuntimeError::InvalidProcedureCall, "The bus client is not running");
-    if (message.Type().empty() || (option != BusSending::Message && option != BusSending::State)) {
+void XMLBusClient::Impl::Send(const XMLMessage& message, Milliseconds expiry) {
+    RequireSendable(message);
+    if (expiry < kNoExpiry) {
+        Raise(RuntimeError::InvalidProcedureCall, "A message expires in 0 or more milliseconds");
+    }
+    DropExpired();
+    Sent(queue.Push(message, expiry == kNoExpiry
+                                 ? SendQueue::kNever
+                                 : platform_->Loop()->Now() + std::min(expiry, kLongestExpiry)));
+}
+
+void XMLBusClient::Impl::Send(const XMLMessage& message, const BusState& state) {
+    RequireSendable(message);
+    if (state.outdates < BusOutdates::Nothing || state.outdates > BusOutdates::Final) {
         Raise(RuntimeError::InvalidProcedureCall);
     }
-    if (expiry < kNoExpiry || (expiry != kNoExpiry && option == BusSending::State)) {
-        Raise(RuntimeError::InvalidProcedureCall,
-              "A message expires in 0 or more milliseconds, a state never");
-    }
+    DropExpired();
+    Sent(queue.Push(message, state));
+}
+
+void XMLBusClient::Impl::RequireSendable(const XMLMessage& message) const {
+    if (!Running()) Raise(RuntimeError::InvalidProcedureCall, "The bus client is not running");
+    if (message.Type().empty()) Raise(RuntimeError::InvalidProcedureCall);
     BusNameOf(message.Destination());  // raises for what is no address
     const auto estimate = SendQueue::Estimate(message);
     if ((estimate > kMaxMessage && message.ToBusXML().size() > kMaxMessage) ||
         (estimate > kMaxElements && SendQueue::Elements(message) > kMaxElements)) {
         Raise(NetError::MessageTooLong, kSource);
     }
-    DropExpired();
-    const auto replaced =
-        queue.Push(message, option,
-                   expiry == kNoExpiry ? SendQueue::kNever
-                                       : platform_->Loop()->Now() + std::min(expiry, kLongestExpiry));
+}
+
+// `replaced`: what the queue returned.
+void XMLBusClient::Impl::Sent(std::int64_t replaced) {
     if (replaced < 0) Raise(NetError::NoBufferSpace, kSource, "Too many messages are queued for the bus");
     ++statistics_.sent;
     statistics_.replaced += replaced;
@@ -364,8 +380,12 @@ void XMLBusClient::SetEnterpriseID(const std::string& id) {
     impl_->enterprise_id = id;
 }
 
-void XMLBusClient::Send(const XMLMessage& message, BusSending option, Milliseconds expiry) {
-    impl_->Send(message, option, expiry);
+void XMLBusClient::Send(const XMLMessage& message, Milliseconds expiry) {
+    impl_->Send(message, expiry);
+}
+
+void XMLBusClient::Send(const XMLMessage& message, const BusState& state) {
+    impl_->Send(message, state);
 }
 
 BusStatistics XMLBusClient::Statistics() const {
