@@ -52,8 +52,7 @@ class KQ_EXPORT XMLElement {
     XMLElement& Add(std::string_view name, std::string_view text = {});
     XMLElement& Add(XMLElement child);
 
-    // The first element at a path of names such as "ApplicationInfos/ApplicationInfo", null when there is
-    // none.
+    // The first element at a path of names such as "Orders/Order", null when there is none.
     const XMLElement* Find(std::string_view path) const;
     XMLElement* Find(std::string_view path);
     // The text of the element at `path`, empty when there is none or it has children.

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Checks the rules of the house: who may include whom, what stands in public headers, where the operating system may
-be asked for, how long a file may be, where documents lead and what they name, which version this is.
+be asked for, how long a file may be, that the sibling libraries know no message, where documents lead and what they name, which version this is.
 
-    house.py CHECK ROOT      CHECK: includes, headers, platforms, sizes, links, names or version; ROOT: the source tree
+    house.py CHECK ROOT      CHECK: includes, headers, platforms, sizes, catalogue, links, names or version
+                             ROOT: the source tree
 
 Prints one line for each breach, "file:line: what", and fails when there is any.
 """
@@ -84,6 +85,11 @@ MAY_SEE_THIRD_PARTY = ("libs/", "platform/posix", "platform/win32", "forms/qt", 
 INCLUDE = re.compile(r'\s*#\s*include\s*([<"])([^>"]+)[>"]')
 WINDOWS_SWITCH = re.compile(r"\s*#\s*(if|ifdef|ifndef|elif)\b.*\b_WIN(32|64)\b")
 LONGEST_FILE = 800
+CATALOGUE = "src/messages/ASMessageList.h"
+CATALOGUE_NAME = re.compile(r"(?:MESSAGE|FIELD)\(\S+, ([A-Z]\w*),")
+QUOTED = re.compile(r'"((?:[^"\\]|\\.)*)"')
+# What a library calls its own, though the catalogue has a field of that name.
+OWN_NAMES = {"libs/webdata": {"Profiles", "TranslationTable"}}
 LINK = re.compile(r"\]\(([^)\s]+)\)")
 NAMED_PATH = re.compile(r"`((?:include|src|zeb|tools|tests|bench|docs|resources|cmake|scripts)/[\w./-]+)`")
 NAME_TESTS = ("docs/adding.md", "docs/hacking.md")  # documents whose names with a point are tests
@@ -207,6 +213,19 @@ def check_sizes(root):
             yield f"{path}:{LONGEST_FILE + 1}: {count} lines; split it, {LONGEST_FILE} is the most"
 
 
+def check_catalogue(root):
+    """The sibling libraries name no message of the catalogue and no field of one, in code or comments."""
+    names = {name for _, line in lines(root, CATALOGUE) for name in CATALOGUE_NAME.findall(line)}
+    for path in files(root, ("include", "src/libs"), (".h", ".cpp")):
+        room = room_of_file(path) or ""
+        if not room.startswith("libs/"):
+            continue
+        for number, line in lines(root, path):
+            quoted = {part for text in QUOTED.findall(line) for part in text.split("/")}
+            for name in sorted(names & quoted - OWN_NAMES.get(room, set())):
+                yield f"{path}:{number}: {room} names {name}, which is the catalogue's"
+
+
 def check_links(root):
     """A document's links to files of the tree lead somewhere."""
     for path in documents(root):
@@ -250,7 +269,7 @@ def check_version(root):
 
 
 CHECKS = {"includes": check_includes, "headers": check_headers, "platforms": check_platforms, "sizes": check_sizes,
-          "links": check_links, "names": check_names, "version": check_version}
+          "catalogue": check_catalogue, "links": check_links, "names": check_names, "version": check_version}
 
 
 def main(arguments):

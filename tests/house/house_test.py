@@ -110,6 +110,24 @@ class House(unittest.TestCase):
         self.file("src/client/A.cpp", "\n" * 801)
         self.assertEqual(1, len(self.breaches("sizes")))
 
+    def test_a_library_that_names_a_message_or_a_field_of_one_is_found(self):
+        self.file("src/messages/ASMessageList.h", 'MESSAGE(Bus, ASInfo, "says", \\\n'
+                                                  '    FIELD(Element<kq::Info>, Info, "what") FIELD(Text, State, "how"))\n')
+        self.file("src/libs/xmlbus/A.cpp", 'Find("Info/State");\n// "ASInfo"\n"The State" + State + "Infos";\n')
+        self.file("src/server/A.cpp", 'Find("Info/State");\n')
+        self.assertEqual(["src/libs/xmlbus/A.cpp:1: libs/xmlbus names Info, which is the catalogue's",
+                          "src/libs/xmlbus/A.cpp:1: libs/xmlbus names State, which is the catalogue's",
+                          "src/libs/xmlbus/A.cpp:2: libs/xmlbus names ASInfo, which is the catalogue's"],
+                         self.breaches("catalogue"))
+
+    def test_a_library_may_call_its_own_what_the_catalogue_has_a_field_for(self):
+        self.file("src/messages/ASMessageList.h", 'FIELD(XML, Profiles, "the profiles")\n')
+        self.file("src/libs/webdata/A.cpp", 'Open("Profiles");\n')
+        self.file("include/kqappsession/WebData.h", '// "Profiles"\n')
+        self.assertEqual([], self.breaches("catalogue"))
+        self.file("include/kqappsession/Timer.h", '// "Profiles"\n')
+        self.assertEqual(1, len(self.breaches("catalogue")))
+
     def test_a_link_to_nothing_is_found(self):
         self.file("docs/tour.md", "see [a](wire.md#top), [b](../README.md) and [c](https://example.com/x)\n")
         self.file("docs/wire.md", "\n")

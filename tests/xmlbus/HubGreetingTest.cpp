@@ -128,7 +128,7 @@ TEST_F(HubGreetingTest, DoesNotTakeItsOwnProofBackAsAPeers) {
     StreamPeer peer(machine, hub->Port());
     peer.SaysHello();
     const BusGreeting greeting{"c1", "a1", peer.Last().Field("Challenge")};
-    peer.Says(kBusProof, {{"Proof", BusProofOf(*machine.crypto, kKey, kHubRole, greeting)}});
+    peer.Says(BusProof::kType, {{"Proof", BusProofOf(*machine.crypto, kKey, kHubRole, greeting)}});
     ExpectRefused(peer, "Wrong key");
 }
 
@@ -137,7 +137,7 @@ TEST_F(HubGreetingTest, ProvesItsKeyToThePeer) {
     peer.SaysHello();
     const BusGreeting greeting{"c1", "a1", peer.Last().Field("Challenge")};
     peer.SaysProof(kKey);
-    EXPECT_EQ(peer.Last().Type(), kBusWelcome);
+    EXPECT_EQ(peer.Last().Type(), BusWelcome::kType);
     EXPECT_EQ(peer.Last().Field("Proof"), BusProofOf(*machine.crypto, kKey, kHubRole, greeting));
 }
 
@@ -191,7 +191,7 @@ TEST_F(HubGreetingTest, RefusesControlThatIsNoMessage) {
 
 TEST_F(HubGreetingTest, RefusesAnotherVersionOfTheProtocol) {
     StreamPeer peer(machine, hub->Port());
-    peer.SaysBlock("", XMLMessage(kBusHello, "2").ToBusXML());
+    peer.SaysBlock("", XMLMessage(BusHello::kType, "2").ToBusXML());
     ExpectRefused(peer, "Unknown version of the bus protocol");
 }
 
@@ -212,14 +212,14 @@ TEST_F(HubGreetingTest, RefusesAMalformedGreeting) {
           {{"Client", "a"}, {"Nonce", "a"}, {"Taken", "1000000000000001"}},
           {{"Client", "a"}, {"Nonce", "a"}, {"Taken", "99999999999999999999"}}}) {
         StreamPeer peer(machine, hub->Port());
-        peer.Says(kBusHello, fields);
+        peer.Says(BusHello::kType, fields);
         ExpectRefused(peer, "The greeting is malformed");
     }
 }
 
 TEST_F(HubGreetingTest, CountsOnFromTheLargestCountThatItAccepts) {
     StreamPeer peer(machine, hub->Port());
-    peer.Says(kBusHello, {{"Client", "c1"}, {"Nonce", "a1"}, {"Taken", "1000000000000000"}});
+    peer.Says(BusHello::kType, {{"Client", "c1"}, {"Nonce", "a1"}, {"Taken", "1000000000000000"}});
     peer.SaysProof(kKey);
     peer.SaysBlock("Nobody", "a");
     EXPECT_EQ(peer.Last().Field("Taken"), "1000000000000001");
@@ -280,7 +280,7 @@ TEST_F(HubGreetingTest, CutsTheOldestOfTooManyPeersThatHaveProvenNothing) {
     ExpectRefused(oldest, "Too many peers have not proven the key");
     EXPECT_FALSE(second.ended);
     newest.Enters(kKey);
-    EXPECT_EQ(newest.Last().Type(), kBusWelcome);
+    EXPECT_EQ(newest.Last().Type(), BusWelcome::kType);
 }
 
 TEST_F(HubGreetingTest, LetsAPeerInWhileStrangersKeepAllTheirPlacesBusy) {
@@ -300,7 +300,7 @@ TEST_F(HubGreetingTest, LetsAPeerComeBackWhenAllPlacesAreTaken) {
     StreamPeer again(machine, hub->Port());
     again.Enters(kKey);
     EXPECT_TRUE(old.ended);
-    EXPECT_EQ(again.Last().Type(), kBusWelcome);
+    EXPECT_EQ(again.Last().Type(), BusWelcome::kType);
 }
 
 TEST_F(HubGreetingTest, TakesNoMorePeersThanItsLimit) {

@@ -294,7 +294,7 @@ TEST_F(HubTest, GivesThePlaceOfAClientToItsNewestConnection) {
     StreamPeer newer(machine, hub->Port());
     newer.Enters(kKey);
     EXPECT_TRUE(old.ended);
-    EXPECT_EQ(newer.Last().Type(), kBusWelcome);
+    EXPECT_EQ(newer.Last().Type(), BusWelcome::kType);
     EXPECT_EQ(newer.Last().Field("Taken"), "1");
     EXPECT_EQ(hub->Statistics().peers, 1);
 }
@@ -327,7 +327,7 @@ TEST_F(HubTest, ForgetsTheOldestOfTooManyClientsThatAreGone) {
 
 TEST_F(HubTest, BelievesTheCountOfAClientThatItDoesNotKnow) {
     StreamPeer peer(machine, hub->Port());
-    peer.Says(kBusHello, {{"Client", "c1"}, {"Nonce", "a1"}, {"Taken", "41"}});
+    peer.Says(BusHello::kType, {{"Client", "c1"}, {"Nonce", "a1"}, {"Taken", "41"}});
     peer.SaysProof(kKey);
     EXPECT_EQ(peer.Last().Field("Taken"), "41");
 }

@@ -47,7 +47,7 @@ struct HubTest : HubBase {
     // Reads what is refused, and the end.
     void ExpectRefused(const StreamPeer& peer, const std::string& text) {
         ASSERT_FALSE(peer.blocks.empty());
-        EXPECT_EQ(peer.Last().Type(), kBusRefused);
+        EXPECT_EQ(peer.Last().Type(), BusRefused::kType);
         EXPECT_EQ(peer.Last().Field("ErrorDesc"), text);
         EXPECT_TRUE(peer.ended);
     }

@@ -35,9 +35,9 @@ struct HubTransportTest : testing::Test {
         const auto hello = ParseBusControl(hub->blocks.front().data);
         return {hello.Field("Client"), hello.Field("Nonce"), "c0ffee"};
     }
-    void Challenge() { hub->Says(kBusChallenge, {{"Challenge", "c0ffee"}}); }
+    void Challenge() { hub->Says(BusChallenge::kType, {{"Challenge", "c0ffee"}}); }
     void Welcome(const std::string& taken = "0", const std::string& key = kKey) {
-        hub->Says(kBusWelcome,
+        hub->Says(BusWelcome::kType,
                   {{"Proof", BusProofOf(*machine.crypto, key, kHubRole, Greeting())}, {"Taken", taken}});
     }
     void LetIn(const std::string& taken = "0") {
@@ -79,7 +79,7 @@ TEST_F(HubTransportTest, GreetsFirst) {
 TEST_F(HubTransportTest, ProvesItsKey) {
     Accept();
     Challenge();
-    EXPECT_EQ(hub->Last().Type(), kBusProof);
+    EXPECT_EQ(hub->Last().Type(), BusProof::kType);
     EXPECT_EQ(hub->Last().Field("Proof"), BusProofOf(*machine.crypto, kKey, kPeerRole, Greeting()));
 }
 
@@ -102,7 +102,7 @@ TEST_F(HubTransportTest, LeavesAHubThatDoesNotKnowTheKey) {
 TEST_F(HubTransportTest, DoesNotTakeItsOwnProofBackAsTheHubs) {
     Accept();
     Challenge();
-    hub->Says(kBusWelcome, {{"Proof", hub->Last().Field("Proof")}, {"Taken", "0"}});
+    hub->Says(BusWelcome::kType, {{"Proof", hub->Last().Field("Proof")}, {"Taken", "0"}});
     EXPECT_FALSE(party.client->Connected());
 }
 
@@ -172,7 +172,7 @@ TEST_F(HubTransportTest, LeavesAHubThatSendsWhatIsNoXML) {
 TEST_F(HubTransportTest, LeavesAHubWithAnEmptyOrEndlessChallenge) {
     for (const std::string& challenge : {std::string(), std::string(200, 'a')}) {
         Accept();
-        hub->Says(kBusChallenge, {{"Challenge", challenge}});
+        hub->Says(BusChallenge::kType, {{"Challenge", challenge}});
         EXPECT_TRUE(hub->ended);
         Pass(500);
     }
@@ -182,7 +182,7 @@ TEST_F(HubTransportTest, LeavesAHubThatConfirmsWhatWasNeverSent) {
     LetIn();
     party.Says("a");
     Settle();
-    hub->Says(kBusTaken, {{"Taken", "2"}});
+    hub->Says(BusTaken::kType, {{"Taken", "2"}});
     EXPECT_FALSE(party.client->Connected());
     Pass(250);
     LetIn("7");
@@ -194,7 +194,7 @@ TEST_F(HubTransportTest, LeavesAHubWithAnInvalidCount) {
         LetIn();
         party.Says("a", {"A", ""});
         Settle();
-        hub->Says(kBusTaken, {{"Taken", count}});
+        hub->Says(BusTaken::kType, {{"Taken", count}});
         EXPECT_TRUE(hub->ended) << count;
         Pass(15'000);
     }
@@ -204,9 +204,9 @@ TEST_F(HubTransportTest, LeavesAHubThatTakesAConfirmationBack) {
     LetIn();
     party.Says("a");
     Settle();
-    hub->Says(kBusTaken, {{"Taken", "1"}});
+    hub->Says(BusTaken::kType, {{"Taken", "1"}});
     EXPECT_TRUE(party.client->Connected());
-    hub->Says(kBusTaken, {{"Taken", "0"}});
+    hub->Says(BusTaken::kType, {{"Taken", "0"}});
     EXPECT_FALSE(party.client->Connected());
 }
 
@@ -224,7 +224,7 @@ TEST_F(HubTransportTest, StaysWithASilentHubWhenNothingIsUnconfirmed) {
     LetIn();
     party.Says("a");
     Settle();
-    hub->Says(kBusTaken, {{"Taken", "1"}});
+    hub->Says(BusTaken::kType, {{"Taken", "1"}});
     Pass(600'000);
     EXPECT_TRUE(party.client->Connected());
 }
@@ -235,7 +235,7 @@ TEST_F(HubTransportTest, WritesAgainWhatWasNotConfirmed) {
         party.Says("x", {type, ""});
     Settle();
     EXPECT_THAT(Got(), ElementsAre("A", "B", "C"));
-    hub->Says(kBusTaken, {{"Taken", "1"}});
+    hub->Says(BusTaken::kType, {{"Taken", "1"}});
     hub.reset();
     Settle();
     party.Says("x", {"D", ""});
@@ -265,7 +265,7 @@ TEST_F(HubTransportTest, DoesNotWriteAgainWhatHasExpiredAndCountsOn) {
     LetIn();
     EXPECT_THAT(Got(), ElementsAre("B"));
     EXPECT_EQ(party.client->Statistics().expired, 1);
-    hub->Says(kBusTaken, {{"Taken", "1"}});
+    hub->Says(BusTaken::kType, {{"Taken", "1"}});
     EXPECT_TRUE(party.client->Connected());
 }
 
@@ -289,14 +289,14 @@ TEST_F(HubTransportTest, SubscribesBeforeItWritesAgain) {
     LetIn();
     ASSERT_EQ(hub->blocks.size(), 5U);  // greeting, proof, two subscriptions, the message
     EXPECT_EQ(hub->blocks.back().tag, "ZEB");
-    EXPECT_EQ(ParseBusControl(hub->blocks[3].data).Type(), kBusSubscribe);
+    EXPECT_EQ(ParseBusControl(hub->blocks[3].data).Type(), BusSubscribe::kType);
 }
 
 TEST_F(HubTransportTest, TellsTheCountThatItKnowsInItsGreeting) {
     LetIn();
     party.Says("x");
     Settle();
-    hub->Says(kBusTaken, {{"Taken", "1"}});
+    hub->Says(BusTaken::kType, {{"Taken", "1"}});
     hub.reset();
     Pass(250);
     Accept();
@@ -309,7 +309,7 @@ TEST_F(HubTransportTest, WritesNoMoreThanAWindowUnconfirmed) {
         party.Says("x");
     Settle();
     EXPECT_EQ(Got().size(), 1'000U);
-    hub->Says(kBusTaken, {{"Taken", "1000"}});
+    hub->Says(BusTaken::kType, {{"Taken", "1000"}});
     EXPECT_EQ(Got().size(), 1'200U);
 }
 
@@ -317,7 +317,7 @@ TEST_F(HubTransportTest, StopsOnlyWhenTheHubHasConfirmed) {
     LetIn();
     party.States('D', "down");
     const auto start = machine.loop->Now();
-    machine.loop->StartTimer(Milliseconds(400), [&] { hub->Says(kBusTaken, {{"Taken", "1"}}); });
+    machine.loop->StartTimer(Milliseconds(400), [&] { hub->Says(BusTaken::kType, {{"Taken", "1"}}); });
     party.client->Stop();
     EXPECT_EQ(machine.loop->Now() - start, Milliseconds(400));
     Settle();

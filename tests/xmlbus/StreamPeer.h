@@ -48,10 +48,10 @@ class StreamPeer {
             message.SetField(name, value);
         SaysBlock(std::string(), message.ToBusXML());
     }
-    void SaysHello() { Says(kBusHello, {{"Client", "c1"}, {"Nonce", "a1"}, {"Taken", "0"}}); }
+    void SaysHello() { Says(BusHello::kType, {{"Client", "c1"}, {"Nonce", "a1"}, {"Taken", "0"}}); }
     void SaysProof(const std::string& key) {
         const BusGreeting greeting{"c1", "a1", Last().Field("Challenge")};
-        Says(kBusProof, {{"Proof", BusProofOf(*machine_.crypto, key, kPeerRole, greeting)}});
+        Says(BusProof::kType, {{"Proof", BusProofOf(*machine_.crypto, key, kPeerRole, greeting)}});
     }
     // The whole way in.
     void Enters(const std::string& key) {
@@ -59,7 +59,7 @@ class StreamPeer {
         SaysProof(key);
     }
     void Hears(const std::string& type, const std::string& option = "0") {
-        Says(kBusSubscribe, {{"Type", type}, {"SubType", ""}, {"Option", option}});
+        Says(BusSubscribe::kType, {{"Type", type}, {"SubType", ""}, {"Option", option}});
     }
     void StopsReading() { stream_->SetReading(false); }
     void ReadsAgain() {

@@ -130,11 +130,11 @@ void Hub::OnBlock(const Listener::ClientPtr& connection, const Block& block) {
 void Hub::OnControl(PeerId id, const XMLMessage& message) {
     const Stage stage = peers_.at(id).stage;
     const std::string& type = message.Type();
-    if (type == kBusHello && stage == Stage::Connected) {
+    if (type == BusHello::kType && stage == Stage::Connected) {
         OnHello(id, message);
-    } else if (type == kBusProof && stage == Stage::Challenged) {
+    } else if (type == BusProof::kType && stage == Stage::Challenged) {
         OnProof(id, message);
-    } else if ((type == kBusSubscribe || type == kBusUnsubscribe) && stage == Stage::Admitted) {
+    } else if ((type == BusSubscribe::kType || type == BusUnsubscribe::kType) && stage == Stage::Admitted) {
         OnSubscription(id, message);
     } else {
         Refuse(id, "Unexpected message");
@@ -142,22 +142,23 @@ void Hub::OnControl(PeerId id, const XMLMessage& message) {
 }
 
 void Hub::OnSubscription(PeerId id, const XMLMessage& message) {
+    // The end of a subscription lacks the option only.
+    const auto asked = BusSubscribe::Read(message);
     std::string name;
     try {
-        name = BusNameOf({message.Field("Type"), message.Field("SubType")});
+        name = BusNameOf({asked.Type, asked.SubType});
     } catch (const Error& error) {
         return Refuse(id, error.Description());
     }
     const bool reached = routes_.Reaches(name);
-    if (message.Type() == kBusUnsubscribe) {
+    if (message.Type() == BusUnsubscribe::kType) {
         routes_.Unsubscribe(id, name);
         if (reached && !routes_.Reaches(name)) ReachableSoon(name, false);
         return;
     }
-    const auto option = BusCount(message, "Option");
-    if (option != 0 && option != 1) return Refuse(id, "Unknown option of a subscription");
+    if (asked.Option != 0 && asked.Option != 1) return Refuse(id, "Unknown option of a subscription");
     if (routes_.SubscriptionsOf(id) >= limits_.subscriptions) return Refuse(id, "Too many subscriptions");
-    routes_.Subscribe(id, name, static_cast<BusSubscription>(option));
+    routes_.Subscribe(id, name, static_cast<BusSubscription>(asked.Option));
     if (!reached) ReachableSoon(name, true);
 }
 
@@ -203,18 +204,14 @@ void Hub::TellTakenSoon(PeerId id) {
         const auto peer = peers_.find(id);
         if (peer == peers_.end()) return;
         peer->second.telling = false;
-        auto taken = MakeBusControl(kBusTaken);
-        taken.SetField("Taken", std::to_string(peer->second.taken));
-        Send(id, taken);
+        Send(id, BusTaken{peer->second.taken}.Build());
     }));
 }
 
 void Hub::Refuse(PeerId id, const std::string& text) {
     const auto connection = peers_.at(id).connection;
     ++statistics_.refused;
-    auto refused = MakeBusControl(kBusRefused);
-    refused.SetField("ErrorDesc", text);
-    Send(id, refused);
+    Send(id, BusRefused{text}.Build());
     Remove(id);
     const std::string remote = connection->RemoteAddress();
     connection->Disconnect();

@@ -42,23 +42,21 @@ void Hub::OnAccepted(const Listener::ClientPtr& connection) {
 
 void Hub::OnHello(PeerId id, const XMLMessage& message) {
     auto& peer = peers_.at(id);
-    peer.greeting = {message.Field("Client"), message.Field("Nonce"),
-                     platform_->Parts().crypto->RandomHex(kBusRandomBytes)};
-    peer.taken = BusCount(message, "Taken");
+    const auto hello = BusHello::Read(message);
+    peer.greeting = {hello.Client, hello.Nonce, platform_->Parts().crypto->RandomHex(kBusRandomBytes)};
+    peer.taken = hello.Taken;
     if (!IsRandomText(peer.greeting.client) || !IsRandomText(peer.greeting.nonce) || peer.taken < 0) {
         return Refuse(id, "The greeting is malformed");
     }
     peer.stage = Stage::Challenged;
-    auto challenge = MakeBusControl(kBusChallenge);
-    challenge.SetField("Challenge", peer.greeting.challenge);
-    Send(id, challenge);
+    Send(id, BusChallenge{peer.greeting.challenge}.Build());
 }
 
 void Hub::OnProof(PeerId id, const XMLMessage& message) {
     auto& peer = peers_.at(id);
     const auto& crypto = *platform_->Parts().crypto;
     const auto proof = BusProofOf(crypto, key_.Reveal(), kPeerRole, peer.greeting);
-    if (!crypto.EqualConstantTime(proof, message.Field("Proof"))) return Refuse(id, "Wrong key");
+    if (!crypto.EqualConstantTime(proof, BusProof::Read(message).Proof)) return Refuse(id, "Wrong key");
     if (PeersIn(true) >= limits_.peers && OlderPlaceOf(peer.greeting.client) == peers_.end()) {
         return Refuse(id, "Too many peers");
     }
@@ -66,10 +64,7 @@ void Hub::OnProof(PeerId id, const XMLMessage& message) {
     platform_->Loop()->CancelTimer(peer.deadline);
     peer.connection->Admit();
     peer.stage = Stage::Admitted;
-    auto welcome = MakeBusControl(kBusWelcome);
-    welcome.SetField("Proof", BusProofOf(crypto, key_.Reveal(), kHubRole, peer.greeting));
-    welcome.SetField("Taken", std::to_string(peer.taken));
-    Send(id, welcome);
+    Send(id, BusWelcome{BusProofOf(crypto, key_.Reveal(), kHubRole, peer.greeting), peer.taken}.Build());
 }
 
 Hub::Peers::iterator Hub::OlderPlaceOf(const std::string& client) {

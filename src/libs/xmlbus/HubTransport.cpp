@@ -78,11 +78,7 @@ void HubTransport::OnConnected() {
     state_ = State::Greeting;
     ExpectAnswerWithin(kGreetingTime, "The hub does not answer");
     greeting_.nonce = platform_->Parts().crypto->RandomHex(kBusRandomBytes);
-    auto hello = MakeBusControl(kBusHello);
-    hello.SetField("Client", greeting_.client);
-    hello.SetField("Nonce", greeting_.nonce);
-    hello.SetField("Taken", std::to_string(confirmed_));
-    Send(hello);
+    Send(BusHello{greeting_.client, greeting_.nonce, confirmed_}.Build());
 }
 
 void HubTransport::OnBlock(const Block& block) {
@@ -105,13 +101,13 @@ void HubTransport::OnBlock(const Block& block) {
 }
 
 void HubTransport::OnControl(const XMLMessage& message) {
-    if (message.Type() == kBusRefused) {
-        Fail("The hub refuses this client: " + message.Field("ErrorDesc"));
-    } else if (message.Type() == kBusChallenge && state_ == State::Greeting) {
+    if (message.Type() == BusRefused::kType) {
+        Fail("The hub refuses this client: " + BusRefused::Read(message).ErrorDesc);
+    } else if (message.Type() == BusChallenge::kType && state_ == State::Greeting) {
         OnChallenge(message);
-    } else if (message.Type() == kBusWelcome && state_ == State::Proving) {
+    } else if (message.Type() == BusWelcome::kType && state_ == State::Proving) {
         OnWelcome(message);
-    } else if (message.Type() == kBusTaken && state_ == State::Open) {
+    } else if (message.Type() == BusTaken::kType && state_ == State::Open) {
         OnTaken(message);
     } else {
         Fail(kBrokenProtocol);
@@ -119,21 +115,21 @@ void HubTransport::OnControl(const XMLMessage& message) {
 }
 
 void HubTransport::OnChallenge(const XMLMessage& message) {
-    greeting_.challenge = message.Field("Challenge");
+    greeting_.challenge = BusChallenge::Read(message).Challenge;
     if (greeting_.challenge.empty() || greeting_.challenge.size() > kMaxBusRandomText)
         return Fail(kBrokenProtocol);
     state_ = State::Proving;
-    auto proof = MakeBusControl(kBusProof);
-    proof.SetField("Proof", BusProofOf(*platform_->Parts().crypto, key_.Reveal(), kPeerRole, greeting_));
-    Send(proof);
+    const auto proof = BusProofOf(*platform_->Parts().crypto, key_.Reveal(), kPeerRole, greeting_);
+    Send(BusProof{proof}.Build());
 }
 
 void HubTransport::OnWelcome(const XMLMessage& message) {
+    const auto welcome = BusWelcome::Read(message);
     const auto proof = BusProofOf(*platform_->Parts().crypto, key_.Reveal(), kHubRole, greeting_);
-    if (!platform_->Parts().crypto->EqualConstantTime(proof, message.Field("Proof"))) {
+    if (!platform_->Parts().crypto->EqualConstantTime(proof, welcome.Proof)) {
         return Fail("The hub does not know the key of this bus");
     }
-    if (!Confirm(BusCount(message, "Taken"))) return Fail(kBrokenProtocol);
+    if (!Confirm(welcome.Taken)) return Fail(kBrokenProtocol);
     ExpectNothing();
     auto limits = connection_->Limits();
     limits.admitted_frame = XMLBusClient::kMaxMessage;
@@ -167,7 +163,7 @@ void HubTransport::DropExpired() {
 }
 
 void HubTransport::OnTaken(const XMLMessage& message) {
-    if (!Confirm(BusCount(message, "Taken"))) return Fail(kBrokenProtocol);
+    if (!Confirm(BusTaken::Read(message).Taken)) return Fail(kBrokenProtocol);
     ExpectNothing();
     if (!unconfirmed_.empty()) ExpectAnswerWithin(kConfirmTime, "The hub has stopped confirming messages");
     Room();
@@ -184,18 +180,11 @@ bool HubTransport::Confirm(std::int64_t taken) {
 }
 
 void HubTransport::Subscribe(const BusAddress& address, BusSubscription option) {
-    auto message = MakeBusControl(kBusSubscribe);
-    message.SetField("Type", address.type);
-    message.SetField("SubType", address.subtype);
-    message.SetField("Option", std::to_string(static_cast<std::int32_t>(option)));
-    Send(message);
+    Send(BusSubscribe{address.type, address.subtype, static_cast<std::int64_t>(option)}.Build());
 }
 
 void HubTransport::Unsubscribe(const BusAddress& address) {
-    auto message = MakeBusControl(kBusUnsubscribe);
-    message.SetField("Type", address.type);
-    message.SetField("SubType", address.subtype);
-    Send(message);
+    Send(BusUnsubscribe{address.type, address.subtype}.Build());
 }
 
 bool HubTransport::HasRoom() const {
