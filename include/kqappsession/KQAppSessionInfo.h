@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include <kqappsession/APClient.h>
@@ -44,14 +43,9 @@ class KQ_EXPORT KQAppSessionInfo {
     std::string Password() const { return Field("Password"); }
     bool IsInitialized() const { return initialized_; }
 
-    // For the library. Keeps `message`; `client` unless null; writes the ids and the password into the
-    // message where they are not empty.
-    void Fill(std::shared_ptr<XMLMessage> message, const std::string& session_id = {},
-              const std::string& app_id = {}, std::shared_ptr<APClient> client = nullptr,
-              const std::string& password = {});
-    void SetClient(std::shared_ptr<APClient> client) { client_ = std::move(client); }
-
  private:
+    friend class SessionRecords;  // the library's: fills the record
+
     std::string Field(std::string_view name) const;
 
     std::shared_ptr<XMLMessage> message_;
@@ -73,12 +67,9 @@ class KQ_EXPORT KQAppSessionInfos {
     // A snapshot to iterate over while sessions come and go.
     std::vector<SessionPtr> All() const;
 
-    // For the library. Add raises RuntimeError::DuplicateKey for a second session of the same id, Remove
-    // RuntimeError::InvalidProcedureCall for an unknown one.
-    SessionPtr Add(SessionPtr session);
-    void Remove(const std::string& session_id);
-
  private:
+    friend class SessionRecords;  // the library's: adds and removes sessions
+
     const std::vector<SessionPtr>& InOrder() const;
 
     std::unordered_map<std::string, std::uint64_t> numbers_;  // by session id

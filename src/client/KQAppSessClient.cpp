@@ -10,6 +10,7 @@
 #include "client/ServerLogin.h"
 #include "client/SystemLogin.h"
 #include "platform/Machine.h"
+#include "session/SessionRecords.h"
 #include "util/ResolveDomain.h"
 
 namespace kq {
@@ -229,7 +230,7 @@ void KQAppSessClient::SetSystemLoginState(const TextOrObject<XMLMessage>& sessio
         state.translation_table.reset();
     }
     state.session_info = std::make_shared<KQAppSessionInfo>();
-    state.session_info->Fill(std::move(message));
+    SessionRecords::Fill(*state.session_info, std::move(message));
     state.SetProfiles(std::move(collection));
     state.current_profile = InitialProfile(*state.GetProfiles(), current_profile_name);
     const SessConfig& config = state.OpenConfig(state.session_info->AppID());

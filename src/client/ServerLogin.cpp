@@ -8,6 +8,7 @@
 #include "messages/ASMessages.h"
 #include "platform/Locale.h"
 #include "platform/Machine.h"
+#include "session/SessionRecords.h"
 
 namespace kq {
 
@@ -119,7 +120,7 @@ LoginStates ServerLogin::Refused(const Reply& reply) {
 }
 
 void ServerLogin::Finish() {
-    state_.session_info->SetClient(connection_);
+    SessionRecords::SetClient(*state_.session_info, connection_);
     connection_->SetReceiveType(DataType::Any);
     connection_->SetReceiveMode(ReceiveMode::Events);
     state_.SetLoginState(kqaslsServerLogin);

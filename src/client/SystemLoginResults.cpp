@@ -10,6 +10,7 @@
 #include "dialogs/frmProfiles.h"
 #include "platform/Machine.h"
 #include "platform/Process.h"
+#include "session/SessionRecords.h"
 #include "util/VersionInfo.h"
 
 namespace kq {
@@ -38,7 +39,8 @@ LoginStates SystemLogin::GetSessionInfo() {
     auto message = ObjectIn<XMLMessage>(*reply_, "SessionInfo");
     if (!message) return Meet(LoginFailure::NoSessionInfo);
     auto info = std::make_shared<KQAppSessionInfo>();
-    info->Fill(std::move(message), reply_->Field("SessionID"), arguments_.AppID, connection_);
+    SessionRecords::Fill(*info, std::move(message), reply_->Field("SessionID"), arguments_.AppID,
+                         connection_);
     state_.session_info = std::move(info);
     return lsGetProfile;
 }

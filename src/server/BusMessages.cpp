@@ -9,6 +9,7 @@
 
 #include "base/Convert.h"
 #include "server/KQAppSessServerImpl.h"
+#include "session/SessionRecords.h"
 
 namespace kq {
 
@@ -95,7 +96,8 @@ void KQAppSessServer::Impl::GrantRegistration(const ClientPtr& client, const Ope
     info.SessionID.clear();
     info.AppID.clear();
     const auto session = std::make_shared<KQAppSessionInfo>();
-    session->Fill(std::make_shared<XMLMessage>(info.Build()), request.session_id, app_id_, client);
+    SessionRecords::Fill(*session, std::make_shared<XMLMessage>(info.Build()), request.session_id, app_id_,
+                         client);
     AddSession(client, session);
     client->Admit();
     // Should the client be gone by now, its Disconnected follows.
@@ -117,7 +119,7 @@ void KQAppSessServer::Impl::AddSession(const ClientPtr& client, const SessionPtr
         announcement_.SessionAdded(session_id);
     });
     IgnoreErrors([&] { index_.AddClient(session_id, client); });
-    IgnoreErrors([&] { sessions->Add(session); });
+    IgnoreErrors([&] { SessionRecords::Add(*sessions, session); });
     IgnoreErrors([&] { SendSessionList(); });
     Raise(&KQAppSessServer::Count);
 }

@@ -8,6 +8,7 @@
 
 #include "base/Convert.h"
 #include "server/KQAppSessServerImpl.h"
+#include "session/SessionRecords.h"
 
 namespace kq {
 namespace {
@@ -144,7 +145,7 @@ KQAppSessServer::SessionPtr KQAppSessServer::Impl::RemoveSession(const ClientPtr
     announcement_.SessionsChanged();
     if (its_own_id) {
         IgnoreErrors([&] { index_.RemoveClient(session_id); });
-        IgnoreErrors([&] { sessions->Remove(session_id); });
+        IgnoreErrors([&] { SessionRecords::Remove(*sessions, session_id); });
     }
     IgnoreErrors(
         [&] { SendInformation([&](const auto& hand) { announcement_.SendRemoved(session_id, hand); }); });

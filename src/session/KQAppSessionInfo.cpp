@@ -24,20 +24,4 @@ std::vector<std::string> KQAppSessionInfo::PrivilegeList() const {
     return Split(Field("PrivilegeList"), '|');
 }
 
-void KQAppSessionInfo::Fill(std::shared_ptr<XMLMessage> message, const std::string& session_id,
-                            const std::string& app_id, std::shared_ptr<APClient> client,
-                            const std::string& password) {
-    message_ = std::move(message);
-    if (client) client_ = std::move(client);
-    const auto write = [this](std::string_view name, const std::string& value) {
-        if (value.empty()) return;
-        if (!message_) Raise(RuntimeError::ObjectNotSet);
-        message_->SetField(name, value);
-    };
-    write("SessionID", session_id);
-    write("AppID", app_id);
-    write("Password", password);
-    initialized_ = true;
-}
-
 }  // namespace kq

@@ -39,21 +39,4 @@ std::vector<SessionPtr> KQAppSessionInfos::All() const {
     return InOrder();
 }
 
-SessionPtr KQAppSessionInfos::Add(SessionPtr session) {
-    if (!session) Raise(RuntimeError::ObjectNotSet);
-    const std::uint64_t number = last_number_ + 1;
-    if (!numbers_.emplace(session->SessionID(), number).second) Raise(RuntimeError::DuplicateKey);
-    last_number_ = number;
-    if (!in_order_.empty()) in_order_.push_back(session);
-    return sessions_.emplace(number, std::move(session)).first->second;
-}
-
-void KQAppSessionInfos::Remove(const std::string& session_id) {
-    const auto number = numbers_.find(session_id);
-    if (number == numbers_.end()) Raise(RuntimeError::InvalidProcedureCall);
-    sessions_.erase(number->second);
-    numbers_.erase(number);
-    in_order_.clear();
-}
-
 }  // namespace kq

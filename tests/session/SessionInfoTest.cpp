@@ -37,18 +37,18 @@ TEST_F(SessionInfo, ReadsEachTextFromTheFieldOfItsName) {
         {"Password", &KQAppSessionInfo::Password}};
     for (const auto& [name, read] : texts)
         message->SetField(name, std::string("value of ") + name);
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     for (const auto& [name, read] : texts)
         EXPECT_EQ((session.*read)(), std::string("value of ") + name);
 }
 
 TEST_F(SessionInfo, ReadsAnAbsentFieldAsEmptyText) {
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     EXPECT_EQ(session.LoginID(), "");
 }
 
 TEST_F(SessionInfo, ReadsTheMessageAsItIsWhenAsked) {
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     message->SetField("Language", "1033");
     EXPECT_EQ(session.Language(), "1033");
     message->SetField("Language", "2058");
@@ -56,13 +56,13 @@ TEST_F(SessionInfo, ReadsTheMessageAsItIsWhenAsked) {
 }
 
 TEST_F(SessionInfo, ConvertsTheUsersNumber) {
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     message->SetField("UserUID", " 55 ");
     EXPECT_EQ(session.UserUID(), 55);
 }
 
 TEST_F(SessionInfo, RaisesTypeMismatchForAUsersNumberThatIsNone) {
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     EXPECT_EQ(NumberRaisedBy([&] { session.UserUID(); }), kMismatch) << "absent";
     for (const char* text : {"", "ann", "55x"}) {
         message->SetField("UserUID", text);
@@ -75,19 +75,19 @@ TEST_F(SessionInfo, RaisesTypeMismatchForAUsersNumberThatIsNone) {
 TEST_F(SessionInfo, SplitsItsListsAtEveryBar) {
     message->SetField("BUIDUnionList", "7|9|");
     message->SetField("PrivilegeList", " Read |Write");
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     EXPECT_EQ(session.BUIDList(), (std::vector<std::string>{"7", "9", ""}));
     EXPECT_EQ(session.PrivilegeList(), (std::vector<std::string>{" Read ", "Write"}));
 }
 
 TEST_F(SessionInfo, ReadsItsBusinessUnitsFromAnotherFieldThanTheNamesake) {
     message->SetField("BUIDList", "1|2");
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     EXPECT_EQ(session.BUIDList(), std::vector<std::string>{""});
 }
 
 TEST_F(SessionInfo, HasOneEmptyElementInAListOfAnEmptyField) {
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     EXPECT_EQ(session.PrivilegeList(), std::vector<std::string>{""});
 }
 
@@ -106,19 +106,19 @@ TEST_F(SessionInfo, HasNeitherMessageNorConnectionBeforeItIsFilled) {
 }
 
 TEST_F(SessionInfo, IsInitializedByFilling) {
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     EXPECT_TRUE(session.IsInitialized());
 }
 
 TEST_F(SessionInfo, HandsOutTheMessageItselfAndNoCopy) {
-    session.Fill(message);
+    SessionRecords::Fill(session, message);
     EXPECT_EQ(session.Export(), message);
     session.Export()->SetField("BUID", "9");
     EXPECT_EQ(session.BUID(), "9");
 }
 
 TEST_F(SessionInfo, WritesIdsAndPasswordIntoTheMessage) {
-    session.Fill(message, "S1", "Demo", nullptr, "secret");
+    SessionRecords::Fill(session, message, "S1", "Demo", nullptr, "secret");
     EXPECT_EQ(message->Field("SessionID"), "S1");
     EXPECT_EQ(message->Field("AppID"), "Demo");
     EXPECT_EQ(message->Field("Password"), "secret");
@@ -127,7 +127,7 @@ TEST_F(SessionInfo, WritesIdsAndPasswordIntoTheMessage) {
 TEST_F(SessionInfo, KeepsWhatTheMessageCarriesWhereItIsFilledWithNothing) {
     message->SetField("SessionID", "S9");
     message->SetField("AppID", "Other");
-    session.Fill(message, "", "", nullptr, "");
+    SessionRecords::Fill(session, message, "", "", nullptr, "");
     EXPECT_EQ(session.SessionID(), "S9");
     EXPECT_EQ(session.AppID(), "Other");
     EXPECT_FALSE(message->HasField("Password"));
@@ -135,16 +135,16 @@ TEST_F(SessionInfo, KeepsWhatTheMessageCarriesWhereItIsFilledWithNothing) {
 
 TEST_F(SessionInfo, KeepsItsConnectionWhenFilledWithoutOne) {
     const auto connection = SomeConnection();
-    session.Fill(message, "S1", "Demo", connection);
-    session.Fill(message);
+    SessionRecords::Fill(session, message, "S1", "Demo", connection);
+    SessionRecords::Fill(session, message);
     EXPECT_EQ(session.Client(), connection);
 }
 
 TEST_F(SessionInfo, TakesAnotherConnectionOrNone) {
     const auto connection = SomeConnection();
-    session.SetClient(connection);
+    SessionRecords::SetClient(session, connection);
     EXPECT_EQ(session.Client(), connection);
-    session.SetClient(nullptr);
+    SessionRecords::SetClient(session, nullptr);
     EXPECT_EQ(session.Client(), nullptr);
 }
 

@@ -7,6 +7,8 @@
 #include <kqappsession/Error.h>
 #include <kqappsession/KQAppSessionInfo.h>
 
+#include "session/SessionRecords.h"
+
 namespace kq {
 
 inline std::shared_ptr<XMLMessage> SessionMessage() {
@@ -15,7 +17,7 @@ inline std::shared_ptr<XMLMessage> SessionMessage() {
 
 inline std::shared_ptr<KQAppSessionInfo> SessionNamed(const std::string& id) {
     auto session = std::make_shared<KQAppSessionInfo>();
-    session->Fill(SessionMessage(), id);
+    SessionRecords::Fill(*session, SessionMessage(), id);
     return session;
 }
 

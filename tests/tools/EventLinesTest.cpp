@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "session/SessionRecords.h"
 #include "tools/kqappserver/EventLines.h"
 
 namespace kq {
@@ -11,7 +12,7 @@ std::shared_ptr<KQAppSessionInfo> SessionOf(const std::string& id, const std::st
     message->SetField("FirstName", "Ann");
     message->SetField("LastName", "\"A\" Lee");
     auto session = std::make_shared<KQAppSessionInfo>();
-    session->Fill(message, id, "Demo", nullptr, "s3cret");
+    SessionRecords::Fill(*session, message, id, "Demo", nullptr, "s3cret");
     return session;
 }
 
@@ -65,8 +66,8 @@ TEST(EventLines, ListNoSessions) {
 
 TEST(EventLines, ListSessionsWithTheirNamesAndWithoutTheirPasswords) {
     KQAppSessionInfos sessions;
-    sessions.Add(SessionOf("S17", "ann"));
-    sessions.Add(SessionOf("S18", "bob"));
+    SessionRecords::Add(sessions, SessionOf("S17", "ann"));
+    SessionRecords::Add(sessions, SessionOf("S18", "bob"));
     EXPECT_EQ((std::vector<std::string>{"Sessions 2", R"(Session session=S17 user=ann name="Ann \"A\" Lee")",
                                         R"(Session session=S18 user=bob name="Ann \"A\" Lee")"}),
               SessionsLines(sessions));
