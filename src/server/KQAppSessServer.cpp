@@ -22,6 +22,12 @@ constexpr std::string_view kBusType = "AS";          // the address of all appli
 constexpr std::string_view kBusSubType = "Broadcast";
 constexpr std::size_t kMostBytes = 1U << 20;  // of a request before the client has registered
 
+// The name of the installer's file until the host sets another one. "VL2" is the one application whose
+// installer is not a Setup.exe; its identifier is compared exactly.
+std::string DefaultInstaller(const std::string& app_id) {
+    return app_id == "VL2" ? "Valtorin2.msi" : "Setup.exe";
+}
+
 // The failure of one step waits until the others are done; the first one is then raised.
 class Failures {
  public:
@@ -133,7 +139,7 @@ void KQAppSessServer::Impl::Initialize(const std::string& app_id, std::shared_pt
         });
     }
     statistics_ = std::move(statistics);
-    install_file = app_id == "VL2" ? "Valtorin2.msi" : "Setup.exe";
+    install_file = DefaultInstaller(app_id);
     initialized = statistics_ && client_;
     index_.Clear();
     announcement_.SessionsChanged();

@@ -136,6 +136,8 @@ class KQAppSessServer::Impl : public std::enable_shared_from_this<Impl> {
     std::string app_id_;
     std::shared_ptr<AppObject> app_obj_;
     std::shared_ptr<XMLBusClient> client_;
+    // Held from Initialize to Terminate. Nothing is counted in it, on purpose; what counts is that there is
+    // one, since the object is not initialised without it.
     std::shared_ptr<kq::Statistics> statistics_;
     std::vector<std::string> interfaces_;
     SessionIndex index_;
@@ -144,6 +146,9 @@ class KQAppSessServer::Impl : public std::enable_shared_from_this<Impl> {
     EventLoop::TimerId oldest_timer_ = 0;
     Announcement announcement_;
     Timer info_timer_;
+    // A place for sessions whose release must wait until the events about them are over. None needs it now:
+    // every handler holds the session that it is given. Nothing fills the list or enables the timer, on
+    // purpose; both are ready from every Listen on, and a tick would empty the list.
     std::unique_ptr<Timer> removed_timer_;
     std::vector<SessionPtr> removed_sessions_;
     bool bus_was_running_ = false;
