@@ -6,10 +6,12 @@ namespace {
 
 class Announcement : public ZebTest {
  protected:
-    bool ServerThere() {
+    ASLoginResponse LoginOfAna() {
         if (!Accounts(store).Find("ana")) AddUser("ana");
-        return Login("ana").ErrorNumber == "0";
+        return Login("ana");
     }
+    void ExpectServer() { ExpectGranted(LoginOfAna()); }
+    void ExpectNoServer() { ExpectRefused(LoginOfAna(), Refusal::NoServer); }
     int TimesInLog(const std::string& text) const {
         const std::string log = Log();
         int times = 0;
@@ -50,17 +52,17 @@ TEST_F(Announcement, AServerWithoutAnIntervalIsAskedAndStaysAsLongAsItAnswers) {
         EXPECT_FALSE(server->announcement_requests.empty());
         server->Announce();
     }
-    EXPECT_TRUE(ServerThere());
+    ExpectServer();
     Pass(std::chrono::minutes(4));
-    EXPECT_FALSE(ServerThere());
+    ExpectNoServer();
 }
 
 TEST_F(Announcement, AServerThatSaysItStopsIsGone) {
     StartZeb();
     const auto server = RunningServer();
-    EXPECT_TRUE(ServerThere());
+    ExpectServer();
     server->Say(server->Info("D", {}));
-    EXPECT_FALSE(ServerThere());
+    ExpectNoServer();
 }
 
 TEST_F(Announcement, AnEndAfterTheStopIsNoSignOfLife) {
@@ -68,16 +70,16 @@ TEST_F(Announcement, AnEndAfterTheStopIsNoSignOfLife) {
     const auto server = RunningServer();
     server->Say(server->Info("D", {}));
     server->Say(server->Info("E", {"a"}));
-    EXPECT_FALSE(ServerThere());
+    ExpectNoServer();
 }
 
 TEST_F(Announcement, AServerThatIsSilentForThreeIntervalsIsGone) {
     StartZeb();
     const auto server = RunningServer();
     Pass(std::chrono::seconds(90));
-    EXPECT_TRUE(ServerThere());
+    ExpectServer();
     Pass(std::chrono::seconds(10));
-    EXPECT_FALSE(ServerThere());
+    ExpectNoServer();
 }
 
 TEST_F(Announcement, AListWithoutASessionEndsIt) {
@@ -86,12 +88,12 @@ TEST_F(Announcement, AListWithoutASessionEndsIt) {
     details.max_sessions = 1;
     AddUser("ana", kPassword, details);
     const auto server = RunningServer();
-    const auto id = LoginAndRegister("ana", *server);
+    const auto id = ExpectRegistered("ana", *server);
     server->Announce({id});
-    EXPECT_EQ(Login("ana").ErrorNumber, "7790");
+    ExpectRefused(Login("ana"), Refusal::TooManySessions, "ana");
     Pass(std::chrono::seconds(61));
     server->Announce({});
-    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+    ExpectGranted(Login("ana"));
 }
 
 TEST_F(Announcement, AListThatCrossedTheRegistrationDoesNotEndTheSession) {
@@ -100,9 +102,9 @@ TEST_F(Announcement, AListThatCrossedTheRegistrationDoesNotEndTheSession) {
     details.max_sessions = 1;
     AddUser("ana", kPassword, details);
     const auto server = RunningServer();
-    LoginAndRegister("ana", *server);
+    ExpectRegistered("ana", *server);
     server->Announce({});
-    EXPECT_EQ(Login("ana").ErrorNumber, "7790");
+    ExpectRefused(Login("ana"), Refusal::TooManySessions, "ana");
 }
 
 TEST_F(Announcement, AnAnnouncementWithoutAListKeepsTheSessions) {
@@ -136,9 +138,9 @@ TEST_F(Announcement, WhatIsNoAnnouncementIsDropped) {
     auto info = server->Info("C", {});
     info.ApplicationInfos.reset();
     server->Say(info);
-    EXPECT_FALSE(ServerThere());
+    ExpectNoServer();
     server->Announce();
-    EXPECT_TRUE(ServerThere());
+    ExpectServer();
 }
 
 TEST_F(Announcement, AServerWithAnInvalidPortIsNotUsed) {
@@ -148,7 +150,8 @@ TEST_F(Announcement, AServerWithAnInvalidPortIsNotUsed) {
         auto info = server->Info("C", {});
         info.ApplicationInfos->ApplicationInfo->Port = port;
         server->Say(info);
-        EXPECT_FALSE(ServerThere()) << port;
+        SCOPED_TRACE(port);
+        ExpectNoServer();
     }
     for (const char* port : {"1", "65535"}) {
         auto info = server->Info("C", {});
@@ -179,7 +182,8 @@ TEST_F(Announcement, AnInvalidIntervalIsNoReasonToIgnoreAServer) {
         const auto server = NewServer();
         server->interval = interval;
         server->Announce();
-        EXPECT_TRUE(ServerThere()) << interval;
+        SCOPED_TRACE(interval);
+        ExpectServer();
         server->Say(server->Info("D", {}));
     }
 }
@@ -190,9 +194,9 @@ TEST_F(Announcement, AServerWithAnIntervalBeyondAllNumbersIsSilentAfterThreeDays
     server->interval = "1e999";
     server->Announce();
     Pass(std::chrono::hours(71));
-    EXPECT_TRUE(ServerThere());
+    ExpectServer();
     Pass(std::chrono::hours(2));
-    EXPECT_FALSE(ServerThere());
+    ExpectNoServer();
 }
 
 // Of a user who may have one session, and an application server with it.
@@ -204,7 +208,7 @@ class LostServer : public Announcement {
         details.max_sessions = 1;
         AddUser("ana", kPassword, details);
         server = RunningServer();
-        session = LoginAndRegister("ana", *server);
+        session = ExpectRegistered("ana", *server);
     }
     // As the hub says it.
     void LosesTheBus() {
@@ -215,16 +219,17 @@ class LostServer : public Announcement {
         zeb->Reachable(server->Reply(), true);
         machine.loop->RunReady();
     }
-    std::string LoginError() { return Login("ana").ErrorNumber; }
+    void ExpectSessionInUse() { ExpectRefused(Login("ana"), Refusal::TooManySessions, "ana"); }
+    void ExpectSessionFree() { ExpectGranted(Login("ana")); }
 
     std::unique_ptr<TestAppServer> server;
     std::string session;
 };
 
 TEST_F(LostServer, IsNotUsedFromTheMomentItLosesTheBus) {
-    EXPECT_EQ(LoginError(), "7790");
+    ExpectSessionInUse();
     LosesTheBus();
-    EXPECT_EQ(LoginError(), "7604");
+    ExpectNoServer();
     EXPECT_EQ(TimesInLog("has lost its bus connection"), 1);
 }
 
@@ -239,7 +244,7 @@ TEST_F(LostServer, GetsNoOrderToLogOutWhileItIsGone) {
     const auto other = RunningServer(7001);
     LosesTheBus();
     other->AskToRegister(session);
-    EXPECT_FALSE(other->Heard().HasField("ErrorResponse"));
+    EXPECT_FALSE(other->ExpectHeard().HasField("ErrorResponse"));
     EXPECT_TRUE(server->heard.empty());
 }
 
@@ -247,7 +252,7 @@ TEST_F(LostServer, IsUsedWithItsSessionsAsSoonAsItIsBack) {
     LosesTheBus();
     server->announcement_requests.clear();
     IsBackOnTheBus();
-    EXPECT_EQ(LoginError(), "7790");
+    ExpectSessionInUse();
     ASSERT_EQ(server->announcement_requests.size(), 1U);
     EXPECT_EQ(server->announcement_requests[0].Destination(), server->Reply());
 }
@@ -257,15 +262,15 @@ TEST_F(LostServer, ThatIsBackWithoutASessionFreesItForItsUser) {
     LosesTheBus();
     IsBackOnTheBus();
     server->Announce({});
-    EXPECT_EQ(LoginError(), "0");
+    ExpectSessionFree();
 }
 
 TEST_F(LostServer, StaysGoneWhenItsLastAnnouncementArrivesLate) {
     LosesTheBus();
     server->Announce({session});
-    EXPECT_EQ(LoginError(), "7604");
+    ExpectNoServer();
     IsBackOnTheBus();
-    EXPECT_EQ(LoginError(), "7790");
+    ExpectSessionInUse();
 }
 
 TEST_F(LostServer, StaysGoneWhenItsFirstAnnouncementArrivesLate) {
@@ -273,21 +278,21 @@ TEST_F(LostServer, StaysGoneWhenItsFirstAnnouncementArrivesLate) {
     LosesTheBus();
     zeb->Reachable(unknown->Reply(), false);
     unknown->Announce();
-    EXPECT_EQ(LoginError(), "7604");
+    ExpectNoServer();
 }
 
 TEST_F(LostServer, IsBackWhenItAnnouncesItselfByAnotherWayLater) {
     LosesTheBus();
     Pass(std::chrono::seconds(70));
     server->Announce({});
-    EXPECT_EQ(LoginError(), "0");
+    ExpectSessionFree();
 }
 
 TEST_F(LostServer, IsReplacedByTheNextProcessAtItsPlace) {
     const auto next = NewServer(7000);
-    EXPECT_EQ(LoginError(), "7790");
+    ExpectSessionInUse();
     next->Announce({});
-    EXPECT_EQ(LoginError(), "0");
+    ExpectSessionFree();
     server->Say(server->Info("E", {session}));
     EXPECT_EQ(TimesInLog("was replaced by another process"), 1);
 }
@@ -295,17 +300,17 @@ TEST_F(LostServer, IsReplacedByTheNextProcessAtItsPlace) {
 TEST_F(LostServer, LeavesTheSessionsThatTheNextProcessNames) {
     const auto next = NewServer(7000);
     next->Announce({session});
-    EXPECT_EQ(LoginError(), "7790");
+    ExpectSessionInUse();
     next->Say(next->Info("E", {session}));
-    EXPECT_EQ(LoginError(), "0");
+    ExpectSessionFree();
 }
 
 TEST_F(LostServer, DoesNotDisplaceTheNextProcessByItsLastWords) {
     const auto next = RunningServer(7000);
-    const auto id = LoginAndRegister("ana", *next, "2");
+    const auto id = ExpectRegistered("ana", *next, "2");
     zeb->Reachable(server->Reply(), false);
     server->Announce({});
-    EXPECT_EQ(LoginError(), "7790") << "the session on the next process";
+    ExpectSessionInUse();  // on the next process
 }
 
 TEST_F(LostServer, IsNotReplacedByServersElsewhere) {
@@ -314,7 +319,7 @@ TEST_F(LostServer, IsNotReplacedByServersElsewhere) {
     const auto other_address = NewServer(7000);
     other_address->address = "192.0.2.11";
     other_address->Announce();
-    EXPECT_EQ(LoginError(), "7790");
+    ExpectSessionInUse();
 }
 
 TEST_F(LostServer, IsReplacedByAServerThatMovesToItsPlace) {
@@ -322,7 +327,7 @@ TEST_F(LostServer, IsReplacedByAServerThatMovesToItsPlace) {
     auto info = other->Info("C", {});
     info.ApplicationInfos->ApplicationInfo->Port = "7000";
     other->Say(info);
-    EXPECT_EQ(LoginError(), "0");
+    ExpectSessionFree();
 }
 
 TEST_F(LostServer, HasNoPlaceToTakeWithoutAnAddress) {

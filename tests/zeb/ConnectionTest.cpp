@@ -19,13 +19,18 @@ bool Ended(const std::shared_ptr<APClient>& client) {
     }
 }
 
+// The answer to what is no request.
+void ExpectUnknown(const XMLMessage& reply) {
+    EXPECT_EQ(reply.Type(), "ASUnknownResponse");
+    const auto answer = ASUnknownResponse::Read(reply);
+    EXPECT_EQ(answer.ErrorNum, std::to_string(NumberOf(Refusal::UnknownMessage)));
+    EXPECT_EQ(answer.ErrorDesc, SentenceOf(Refusal::UnknownMessage));
+}
+
 TEST_F(Connection, AnUnknownMessageIsAnsweredAndTheConnectionClosed) {
     StartZeb();
     const auto client = NewClient();
-    const auto reply = client->Request(XMLMessage("ASRegisterRequest", "1"));
-    EXPECT_EQ(reply.Type(), "ASUnknownResponse");
-    EXPECT_EQ(reply.Field("ErrorNum"), "7608");
-    EXPECT_EQ(reply.Field("ErrorDesc"), "The login server does not know this message.");
+    ExpectUnknown(client->Request(XMLMessage("ASRegisterRequest", "1")));
     EXPECT_TRUE(Ended(client));
 }
 
@@ -36,9 +41,9 @@ TEST_F(Connection, MessagesOfTheBusAreUnknownHere) {
     RequestASRegistration request;
     request.SessionID = Login("ana").SessionID;
     request.AppID = kApp;
-    EXPECT_EQ(Ask(request.Build()).Type(), "ASUnknownResponse");
-    EXPECT_EQ(Ask(server->Info("D", {}).Build()).Type(), "ASUnknownResponse");
-    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+    ExpectUnknown(Ask(request.Build()));
+    ExpectUnknown(Ask(server->Info("D", {}).Build()));
+    ExpectGranted(Login("ana"));
 }
 
 // The refusal of what is no message, after which the connection has ended.
@@ -46,8 +51,7 @@ void ExpectNotAMessage(const std::shared_ptr<APClient>& client, const std::strin
     const Block block = client->TakeBlock(0);
     XMLMessage reply;
     reply.LoadXML(block.data);
-    EXPECT_EQ(reply.Type(), "ASUnknownResponse");
-    EXPECT_EQ(reply.Field("ErrorNum"), "7608");
+    ExpectUnknown(reply);
     EXPECT_EQ(block.tag, tag);
     EXPECT_TRUE(Ended(client));
 }
@@ -116,7 +120,7 @@ TEST_F(Connection, HasNoTimeLimitOnceTheUserHasLoggedIn) {
     AddUser("ana");
     const auto server = RunningServer();
     const auto client = NewClient();
-    EXPECT_EQ(client->Request(LoginRequest("ana").Build()).Field("ErrorNumber"), "0");
+    ExpectGranted(client->Request(LoginRequest("ana").Build()));
     client->Request(ASValidateClientRequest().Build());
     Pass(std::chrono::hours(10));
     EXPECT_TRUE(client->Connected());
@@ -150,15 +154,15 @@ TEST_F(Connection, SeveralRequestsMayComeOverOneConnection) {
     const auto client = NewClient();
     ASValidateClientRequest validate;
     validate.AppID = kApp;
-    EXPECT_EQ(client->Request(validate.Build()).Field("ErrorNumber"), "0");
-    EXPECT_EQ(client->Request(LoginRequest("ana").Build()).Field("ErrorNumber"), "0");
+    ExpectGranted(client->Request(validate.Build()));
+    ExpectGranted(client->Request(LoginRequest("ana").Build()));
 }
 
 TEST_F(Connection, ADownloadIsRefusedAsThereIsNothingToDownload) {
     StartZeb();
     const auto reply = Ask(ASDownloadClientRequest().Build());
     EXPECT_EQ(reply.Type(), "ASDownloadClientResponse");
-    EXPECT_EQ(reply.Field("ErrorNumber"), "7607");
+    ExpectRefused(reply, Refusal::NoClientPackage);
 }
 
 // The client whose address and port these are.

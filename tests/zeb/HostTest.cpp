@@ -7,6 +7,7 @@
 #include <kqappsession/Error.h>
 
 #include "tools/program/KeyFile.h"
+#include "zeb/ExpectError.h"
 #include "zeb/Host.h"
 #include "zeb/TemporaryFolder.h"
 #include "zeb/admin/Admin.h"
@@ -26,13 +27,8 @@ class ZebHost : public testing::Test {
         const auto sink = std::make_shared<spdlog::sinks::null_sink_mt>();
         return std::make_unique<Host>(platform, config, std::make_shared<spdlog::logger>("zebd", sink));
     }
-    std::string WhyNot() {
-        try {
-            Start();
-        } catch (const Error& error) {
-            return error.Description();
-        }
-        return {};
+    void ExpectNotStarted(std::int32_t number, const std::string& source, const std::string& description) {
+        ExpectError([this] { Start(); }, number, source, description);
     }
     void AddAna() {
         Account account;
@@ -98,10 +94,10 @@ TEST_F(ZebHost, LogsInAUserOfItsDatabase) {
     request.LoginID = "ana";
     request.Password = Secret("correct horse");
     const auto reply = Ask(*host, request.Build());
-    EXPECT_EQ(reply.Field("ErrorNumber"), "0");
+    ExpectGranted(reply);
     EXPECT_EQ(reply.Field("Port"), "7000");
     request.Password = Secret("wrong horse");
-    EXPECT_EQ(Ask(*host, request.Build()).Field("ErrorNumber"), "7721");
+    ExpectRefused(Ask(*host, request.Build()), Refusal::UnknownUser);
     host->Stop();
 }
 
@@ -116,7 +112,9 @@ TEST_F(ZebHost, CarriesABusWithAKey) {
 
 TEST_F(ZebHost, NeedsAKeyFileThatHoldsAKey) {
     config.bus_key_file = folder.Path("key");
-    EXPECT_THAT(WhyNot(), testing::StartsWith("The key file " + config.bus_key_file + " cannot be read: "));
+    ExpectNotStarted(ENOENT, "KeyFile",
+                     "The key file " + config.bus_key_file +
+                         " cannot be read: No such file or directory; 'zebctl bus-key' makes one");
 }
 
 TEST_F(ZebHost, DoesNotUseAnApplicationServerThatHasLostTheBus) {
@@ -135,12 +133,14 @@ TEST_F(ZebHost, DoesNotUseAnApplicationServerThatHasLostTheBus) {
 
 TEST_F(ZebHost, NeedsADatabase) {
     config.data = folder.Path("none");
-    EXPECT_THAT(WhyNot(), testing::HasSubstr("There is no database in " + config.data));
+    ExpectNotStarted(
+        NumberOf(RuntimeError::InvalidProcedureCall), "zebctl",
+        "There is no database in " + config.data + "; 'zebctl init --data " + config.data + "' makes one");
 }
 
 TEST_F(ZebHost, HasItsDataFolderForItself) {
     const auto host = Start();
-    EXPECT_EQ(WhyNot(), "Another zebd is running with the data in " + config.data);
+    ExpectNotStarted(EWOULDBLOCK, "zebd", "Another zebd is running with the data in " + config.data);
 }
 
 TEST_F(ZebHost, NamesTheAddressThatIsTaken) {
@@ -148,13 +148,17 @@ TEST_F(ZebHost, NamesTheAddressThatIsTaken) {
     InitData(folder.Path("second"));
     config.data = folder.Path("second");
     config.port = host->Port();
-    EXPECT_THAT(WhyNot(), testing::StartsWith("127.0.0.1:" + std::to_string(config.port) + ": "));
+    ExpectNotStarted(static_cast<std::int32_t>(NetError::AddressInUse), "KQAppProtocolLib",
+                     "127.0.0.1:" + std::to_string(config.port) + ": The address is in use");
 }
 
 TEST_F(ZebHost, OffersNoBusWithoutAKeyToOtherMachines) {
-    for (const char* address : {"0.0.0.0", "", "::", "192.0.2.10"}) {
+    for (const std::string address : {"0.0.0.0", "", "::", "192.0.2.10"}) {
         config.bus_address = address;
-        EXPECT_THAT(WhyNot(), testing::HasSubstr("A hub without a key listens on loopback only")) << address;
+        const std::string shown = address.empty() ? "*" : address == "::" ? "[::]" : address;
+        ExpectNotStarted(
+            NumberOf(RuntimeError::InvalidProcedureCall), "KQXMLBusClientLib",
+            shown + ":0: A hub without a key listens on loopback only: give it a key, or the address 127.0.0.1");
     }
 }
 

@@ -39,7 +39,7 @@ class DataFolder : public testing::Test {
     }
     void ExpectNoDatabase() {
         ExpectError([this] { OpenData(data); }, NumberOf(RuntimeError::InvalidProcedureCall), "zebctl",
-                    "There is no database in " + data + "; 'zebctl init --data " + data + "' makes one.");
+                    "There is no database in " + data + "; 'zebctl init --data " + data + "' makes one");
     }
     static void SetMode(const std::string& path, mode_t mode) { ASSERT_EQ(chmod(path.c_str(), mode), 0); }
 

@@ -34,7 +34,7 @@ class ProfilesUpdate : public ZebTest {
         return ASProfilesUpdateResponse::Read(Ask(request.Build()));
     }
     ASProfilesUpdateResponse Update(const std::string& profiles) { return Update(Request(profiles)); }
-    void ExpectStored(const std::string& profiles) { EXPECT_EQ(Update(profiles).ErrorNumber, "0"); }
+    void ExpectStored(const std::string& profiles) { ExpectGranted(Update(profiles)); }
     bool Has(const std::string& name) {
         Profiles profiles;
         profiles.LoadXML(Login("ana").Profiles);
@@ -49,7 +49,7 @@ class ProfilesUpdate : public ZebTest {
 TEST_F(ProfilesUpdate, WhatIsStoredComesWithTheNextLogin) {
     const auto reply = Ask(Request(Named("Work")).Build());
     EXPECT_EQ(reply.Type(), "ASProfilesUpdateResponse");
-    EXPECT_EQ(reply.Field("ErrorNumber"), "0");
+    ExpectGranted(reply);
     EXPECT_TRUE(Has("Work"));
 }
 
@@ -127,7 +127,7 @@ TEST_F(LargestProfiles, AreDeliveredDirectlyAndThroughAnApplicationServer) {
     ExpectStored(profiles);
     EXPECT_EQ(Login("ana").Profiles, profiles);
     server->Relay(LoginRequest("ana").Build());
-    EXPECT_EQ(server->Heard().Field("Profiles"), profiles);
+    EXPECT_EQ(server->ExpectHeard().Field("Profiles"), profiles);
 }
 
 TEST_F(LargestProfiles, AreFourMegabytes) {
@@ -142,15 +142,15 @@ TEST_F(ProfilesUpdate, OlderOnesThatCannotBeDeliveredRefuseTheLogin) {
         .Run();
     ExpectRefused(Login("ana"), Refusal::ProfilesTooLarge);
     UserData(store).RemoveProfiles(uid, kApp);
-    EXPECT_EQ(Login("ana").ErrorNumber, "0");
+    ExpectGranted(Login("ana"));
 }
 
 TEST_F(ProfilesUpdate, ARelayedUpdateIsAnsweredWithItsTransID) {
     server->Relay(Request(Named("Work")).Build(), "8");
-    const auto reply = server->Heard();
+    const auto reply = server->ExpectHeard();
     EXPECT_EQ(reply.Type(), "ASProfilesUpdateResponse");
     EXPECT_EQ(reply.Field("TransID"), "8");
-    EXPECT_EQ(reply.Field("ErrorNumber"), "0");
+    ExpectGranted(reply);
 }
 
 }  // namespace

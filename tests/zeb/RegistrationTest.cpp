@@ -15,11 +15,19 @@ class Registration : public ZebTest {
     }
     ASRegistrationResponse Ask(const std::string& session, const std::string& connection = "1") {
         server->AskToRegister(session, connection);
-        return ASRegistrationResponse::Read(server->Heard());
+        return ASRegistrationResponse::Read(server->ExpectHeard());
     }
-    std::string ErrorCode(const std::string& session) {
-        const auto response = Ask(session);
-        return response.ErrorResponse ? response.ErrorResponse->ErrorCode : "";
+    void ExpectConfirmed(const std::string& session, const std::string& connection = "1") {
+        EXPECT_FALSE(Ask(session, connection).ErrorResponse);
+    }
+    void ExpectNotConfirmed(const std::string& session, Refusal refusal) {
+        ExpectRefusal(Ask(session), refusal);
+    }
+    static void ExpectRefusal(const ASRegistrationResponse& response, Refusal refusal) {
+        EXPECT_FALSE(response.SessionInfo);
+        ASSERT_TRUE(response.ErrorResponse);
+        EXPECT_EQ(response.ErrorResponse->ErrorCode, std::to_string(NumberOf(refusal)));
+        EXPECT_EQ(response.ErrorResponse->ErrorDescription, SentenceOf(refusal));
     }
 
     std::int32_t uid = 0;
@@ -29,7 +37,7 @@ class Registration : public ZebTest {
 TEST_F(Registration, AGoodSessionIsConfirmedWithItsRecord) {
     const auto id = Login("ana").SessionID;
     server->AskToRegister(id, "12");
-    const auto reply = server->Heard();
+    const auto reply = server->ExpectHeard();
     EXPECT_EQ(reply.Type(), "ASRegistrationResponse");
     EXPECT_EQ(reply.Schema(), "ZEBSchemas");
     EXPECT_EQ(reply.Field("TransID"), id + "|12");
@@ -41,27 +49,24 @@ TEST_F(Registration, AGoodSessionIsConfirmedWithItsRecord) {
 
 TEST_F(Registration, IsAnsweredWithTheTagOfTheClientsRequest) {
     server->AskToRegister(Login("ana").SessionID, "12", "7");
-    EXPECT_EQ(server->Heard().Field("ReturnTag"), "7");
+    EXPECT_EQ(server->ExpectHeard().Field("ReturnTag"), "7");
     server->AskToRegister("unknown", "12", "8");
-    EXPECT_EQ(server->Heard().Field("ReturnTag"), "8");
+    EXPECT_EQ(server->ExpectHeard().Field("ReturnTag"), "8");
     server->AskToRegister("unknown", "12");
-    EXPECT_FALSE(server->Heard().HasField("ReturnTag"));
+    EXPECT_FALSE(server->ExpectHeard().HasField("ReturnTag"));
 }
 
 TEST_F(Registration, AnUnknownSessionIsRefusedWithNumberAndText) {
     const auto response = Ask("unknown");
-    EXPECT_FALSE(response.SessionInfo);
     EXPECT_EQ(response.TransID, "unknown|1");
-    EXPECT_EQ(response.ErrorResponse->ErrorCode, "7605");
-    EXPECT_EQ(response.ErrorResponse->ErrorDescription,
-              "The session is unknown or has expired. Please log in again.");
+    ExpectRefusal(response, Refusal::NoSession);
 }
 
 TEST_F(Registration, ASessionOfAnotherApplicationIsRefused) {
     const auto id = Login("ana").SessionID;
     const auto other = RunningServer(7001, "Other");
     other->AskToRegister(id);
-    EXPECT_EQ(other->Heard().Root().TextOf("ErrorResponse/ErrorCode"), "7605");
+    ExpectRefusal(ASRegistrationResponse::Read(other->ExpectHeard()), Refusal::NoSession);
 }
 
 TEST_F(Registration, ASessionMustBeRegisteredInTime) {
@@ -70,15 +75,15 @@ TEST_F(Registration, ASessionMustBeRegisteredInTime) {
     server->interval = "3600";
     server->Announce();
     Pass(std::chrono::minutes(9));
-    EXPECT_EQ(ErrorCode(in_time), "");
+    ExpectConfirmed(in_time);
     Pass(std::chrono::minutes(2));
-    EXPECT_EQ(ErrorCode(late), "7605");
+    ExpectNotConfirmed(late, Refusal::NoSession);
 }
 
 TEST_F(Registration, ADisabledUserIsRefused) {
     const auto id = Login("ana").SessionID;
     Accounts(store).SetDisabled(uid, true);
-    EXPECT_EQ(ErrorCode(id), "7601");
+    ExpectNotConfirmed(id, Refusal::Disabled);
 }
 
 TEST_F(Registration, TheNumberOfSessionsIsHeldHereToo) {
@@ -87,23 +92,23 @@ TEST_F(Registration, TheNumberOfSessionsIsHeldHereToo) {
     AddUser("bob", kPassword, details);
     const auto first = Login("bob").SessionID;
     const auto second = Login("bob").SessionID;
-    EXPECT_EQ(ErrorCode(first), "");
-    EXPECT_EQ(ErrorCode(second), "7790");
-    EXPECT_EQ(ErrorCode(first), "") << "the same session again is not one more";
+    ExpectConfirmed(first);
+    ExpectNotConfirmed(second, Refusal::TooManySessions);
+    ExpectConfirmed(first);  // again is not one more
 }
 
 TEST_F(Registration, RegisteringAgainLogsTheOldConnectionOutFirst) {
-    const auto id = LoginAndRegister("ana", *server, "1");
+    const auto id = ExpectRegistered("ana", *server, "1");
     const auto another = RunningServer(7001);
     another->AskToRegister(id, "9");
-    const auto order = server->Heard();
+    const auto order = server->ExpectHeard();
     EXPECT_EQ(order.Type(), "ASLogoutUser");
     EXPECT_EQ(order.Root().TextOf("SessionIDs/SessionID"), id);
-    EXPECT_FALSE(another->Heard().HasField("ErrorResponse"));
+    EXPECT_FALSE(another->ExpectHeard().HasField("ErrorResponse"));
 }
 
 TEST_F(Registration, OnOneServerTheOrderComesBeforeTheAnswer) {
-    const auto id = LoginAndRegister("ana", *server, "1");
+    const auto id = ExpectRegistered("ana", *server, "1");
     server->AskToRegister(id, "2");
     ASSERT_EQ(server->heard.size(), 2U);
     EXPECT_EQ(server->heard[0].Type(), "ASLogoutUser");
@@ -111,54 +116,54 @@ TEST_F(Registration, OnOneServerTheOrderComesBeforeTheAnswer) {
 }
 
 TEST_F(Registration, TheSameConnectionAskingAgainIsNotLoggedOut) {
-    const auto id = LoginAndRegister("ana", *server, "1");
-    EXPECT_FALSE(Ask(id, "1").ErrorResponse);
+    const auto id = ExpectRegistered("ana", *server, "1");
+    ExpectConfirmed(id, "1");
 }
 
 TEST_F(Registration, NoOrderGoesToAServerThatIsGone) {
-    const auto id = LoginAndRegister("ana", *server, "1");
+    const auto id = ExpectRegistered("ana", *server, "1");
     server->Say(server->Info("D", {}));
     const auto another = RunningServer(7001);
     another->AskToRegister(id, "9");
     EXPECT_TRUE(server->heard.empty());
-    EXPECT_FALSE(another->Heard().HasField("ErrorResponse"));
+    EXPECT_FALSE(another->ExpectHeard().HasField("ErrorResponse"));
 }
 
 TEST_F(Registration, ASessionThatEndedMayRegisterAgainForATime) {
-    const auto id = LoginAndRegister("ana", *server, "1");
+    const auto id = ExpectRegistered("ana", *server, "1");
     server->Say(server->Info("E", {id}));
     Pass(std::chrono::minutes(1));
     server->Announce();
-    EXPECT_FALSE(Ask(id, "2").ErrorResponse);
+    ExpectConfirmed(id, "2");
     server->Say(server->Info("E", {id}));
     Pass(std::chrono::minutes(11));
-    EXPECT_EQ(ErrorCode(id), "7605");
+    ExpectNotConfirmed(id, Refusal::NoSession);
 }
 
 TEST_F(Registration, TheEndOfTheOldConnectionDoesNotEndTheNewOne) {
-    const auto id = LoginAndRegister("ana", *server, "1");
+    const auto id = ExpectRegistered("ana", *server, "1");
     server->AskToRegister(id, "2");
     server->Say(server->Info("E", {id}));
     server->Announce({id});
     server->heard.clear();
-    EXPECT_FALSE(Ask(id, "2").ErrorResponse) << "still registered there: no order, no refusal";
+    ExpectConfirmed(id, "2");  // still registered there: no order
 }
 
 TEST_F(Registration, AnEndFromAnotherServerIsIgnored) {
     Account details;
     details.max_sessions = 1;
     AddUser("bob", kPassword, details);
-    const auto id = LoginAndRegister("bob", *server, "1");
+    const auto id = ExpectRegistered("bob", *server, "1");
     const auto another = RunningServer(7001);
     another->Say(another->Info("E", {id}));
-    EXPECT_EQ(Login("bob").ErrorNumber, "7790");
+    ExpectRefused(Login("bob"), Refusal::TooManySessions, "bob");
 }
 
 TEST_F(Registration, SessionsOutliveARestartOfTheLoginServer) {
     const auto id = Login("ana").SessionID;
     zeb.reset();
     StartZeb();
-    EXPECT_EQ(ErrorCode(id), "");
+    ExpectConfirmed(id);
 }
 
 TEST_F(Registration, ARequestWithoutAReplyAddressIsDropped) {
@@ -170,7 +175,7 @@ TEST_F(Registration, ARequestWithoutAReplyAddressIsDropped) {
     server->bus_client->Send(message);
     machine.loop->RunReady();
     EXPECT_TRUE(server->heard.empty());
-    EXPECT_FALSE(Ask(request.SessionID).ErrorResponse);
+    ExpectConfirmed(request.SessionID);
 }
 
 }  // namespace

@@ -151,7 +151,9 @@ TEST(StoreTransaction, ThatIsNotCommittedChangesNothing) {
 
 TEST(StoreTransaction, KeepsRowsTogetherThatBelongTogether) {
     Store store(":memory:");
-    EXPECT_THROW(store.Use("INSERT INTO profiles VALUES (17, 'Demo', '')").Run(), Error);
+    ExpectError([&] { store.Use("INSERT INTO profiles VALUES (17, 'Demo', '')").Run(); },
+                SQLITE_CONSTRAINT_FOREIGNKEY, std::string(kStoreSource),
+                "The database could not run a statement: FOREIGN KEY constraint failed");
 }
 
 TEST(AccountsStore, TakesEveryDetail) {
@@ -172,32 +174,72 @@ TEST(AccountsStore, TakesEveryDetail) {
     EXPECT_EQ(found.max_sessions, 3);
 }
 
+void ExpectNotAdded(Store& store, const Account& account, const std::string& why) {
+    const auto before = Accounts(store).All().size();
+    ExpectError([&] { Accounts(store).Add(account); }, NumberOf(RuntimeError::InvalidProcedureCall),
+                std::string(kStoreSource), why);
+    EXPECT_EQ(Accounts(store).All().size(), before);
+}
+
 TEST(AccountsStore, TakesALoginIdOnce) {
     Store store(":memory:");
     Account account;
     account.login = "ana";
     Accounts(store).Add(account);
-    EXPECT_THROW(Accounts(store).Add(account), Error);
+    ExpectNotAdded(store, account, "There is a user \"ana\" already");
 }
 
-TEST(AccountsStore, RefusesWhatIsNoLoginId) {
+TEST(AccountsStore, RefusesWhatIsNoLoginIdAndSaysWhy) {
+    const std::pair<std::string, std::string> refused[] = {
+        {"", "A login id cannot be empty"},
+        {" ana", "A login id cannot begin or end with a blank"},
+        {"ana ", "A login id cannot begin or end with a blank"},
+        {"a\nb", "A login id cannot hold control characters"},
+        {{"a\0b", 3}, "A login id cannot hold control characters"},
+        {"a\xff", "A login id must be UTF-8 text"},
+        {std::string(65, 'x'), "A login id has at most 64 characters"}};
     Store store(":memory:");
-    for (const auto& login : {std::string(), std::string(" ana"), std::string("ana "), std::string("a\nb"),
-                              std::string("a\xff"), std::string(65, 'x'), std::string("a\0b", 3)}) {
+    for (const auto& [login, why] : refused) {
         Account account;
         account.login = login;
-        EXPECT_THROW(Accounts(store).Add(account), Error) << login;
+        ExpectNotAdded(store, account, why);
     }
 }
 
-TEST(AccountsStore, RefusesWhatNoMessageCanCarry) {
+TEST(AccountsStore, TakesALoginIdOfSixtyFourCharactersAndOneWithBlanksInside) {
+    Store store(":memory:");
+    for (const std::string& login : {std::string(64, 'x'), std::string("ana maria")}) {
+        Account account;
+        account.login = login;
+        Accounts(store).Add(account);
+        EXPECT_TRUE(Accounts(store).Find(login)) << login;
+    }
+}
+
+TEST(AccountsStore, RefusesDetailsThatNoMessageCanCarry) {
+    Store store(":memory:");
+    for (auto text : {&Account::first_name, &Account::last_name, &Account::enterprise_id, &Account::language,
+                      &Account::tz, &Account::dst, &Account::buid, &Account::buid_union, &Account::privileges}) {
+        Account account;
+        account.login = "ana";
+        for (const char* wrong : {"bell\x07", "\xff"}) {
+            account.*text = wrong;
+            ExpectNotAdded(store, account,
+                           "The details of a user must be UTF-8 text without control characters");
+        }
+    }
+    Account account;
+    account.login = "ana";
+    account.last_name = "\xef\xbf\xbf";
+    EXPECT_THROW(Accounts(store).Add(account), Error) << "XML's own sentence";
+}
+
+TEST(AccountsStore, RefusesANegativeNumberOfSessions) {
     Store store(":memory:");
     Account account;
     account.login = "ana";
-    account.last_name = "bell\x07";
-    EXPECT_THROW(Accounts(store).Add(account), Error);
-    account.last_name = "\xef\xbf\xbf";
-    EXPECT_THROW(Accounts(store).Add(account), Error);
+    account.max_sessions = -1;
+    ExpectNotAdded(store, account, "The number of sessions cannot be negative");
 }
 
 TEST(PasswordAtRest, IsNotInTheDatabaseFile) {

@@ -24,7 +24,7 @@ TEST_F(ValidateClient, FindsTheInterfaceOfALiveServer) {
     const auto reply = Ask(Request().Build());
     EXPECT_EQ(reply.Type(), "ASValidateClientResponse");
     EXPECT_EQ(reply.Version(), "1");
-    EXPECT_EQ(reply.Field("ErrorNumber"), "0");
+    ExpectGranted(reply);
     EXPECT_EQ(reply.Field("InterfaceAvailable"), "True");
     EXPECT_EQ(reply.Field("ClientAvailable"), "False");
 }
@@ -112,7 +112,7 @@ TEST_F(ValidateClient, ARelayedRequestIsAnsweredToTheServerThatRelayedIt) {
     StartZeb();
     const auto server = RunningServer();
     server->Relay(Request().Build(), "17");
-    const auto reply = server->Heard();
+    const auto reply = server->ExpectHeard();
     EXPECT_EQ(reply.Type(), "ASValidateClientResponse");
     EXPECT_EQ(reply.Schema(), "ZEBSchemas");
     EXPECT_EQ(reply.Field("TransID"), "17");
@@ -124,9 +124,9 @@ TEST_F(ValidateClient, ARelayedRequestIsAnsweredWithTheTagOfTheClientsRequest) {
     StartZeb();
     const auto server = RunningServer();
     server->Relay(Request().Build(), "17", "7");
-    EXPECT_EQ(server->Heard().Field("ReturnTag"), "7");
+    EXPECT_EQ(server->ExpectHeard().Field("ReturnTag"), "7");
     server->Relay(Request().Build(), "17");
-    EXPECT_FALSE(server->Heard().HasField("ReturnTag"));
+    EXPECT_FALSE(server->ExpectHeard().HasField("ReturnTag"));
 }
 
 TEST_F(ValidateClient, ARelayedRestrictionNamesTheServerThatRelayed) {
@@ -136,14 +136,14 @@ TEST_F(ValidateClient, ARelayedRestrictionNamesTheServerThatRelayed) {
     request.RestrictIP = "what the client typed";
     request.RestrictPort = "7000";
     server->Relay(request.Build());
-    EXPECT_EQ(server->Heard().Field("InterfaceAvailable"), "True");
+    EXPECT_EQ(server->ExpectHeard().Field("InterfaceAvailable"), "True");
 }
 
 TEST_F(ValidateClient, ARestrictionPortThatIsTooLargeIsRefused) {
     StartZeb();
     auto request = Request();
     request.RestrictPort = "99999999999";
-    EXPECT_EQ(Ask(request.Build()).Field("ErrorNumber"), "7609");
+    ExpectRefused(Ask(request.Build()), Refusal::Failed);
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ void TestAppServer::Relay(const XMLMessage& request, const std::string& connecti
     Send(std::move(message), {"ZEB", ""});
 }
 
-XMLMessage TestAppServer::Heard() {
+XMLMessage TestAppServer::ExpectHeard() {
     EXPECT_EQ(heard.size(), 1U);
     const auto message = heard.empty() ? XMLMessage() : heard.front();
     heard.clear();
@@ -126,11 +126,11 @@ ASLoginResponse ZebTest::Login(const std::string& login, const std::string& pass
     return Login(request);
 }
 
-std::string ZebTest::LoginAndRegister(const std::string& login, TestAppServer& server,
+std::string ZebTest::ExpectRegistered(const std::string& login, TestAppServer& server,
                                       const std::string& connection) {
     const auto id = Login(login).SessionID;
     server.AskToRegister(id, connection);
-    EXPECT_EQ(server.Heard().Field("ErrorResponse"), "");
+    EXPECT_EQ(server.ExpectHeard().Field("ErrorResponse"), "");
     return id;
 }
 

@@ -17,6 +17,7 @@
 #include "libs/xmlbus/LocalBus.h"
 #include "messages/ASMessages.h"
 #include "support/FakePlatform.h"
+#include "zeb/ExpectError.h"
 #include "zeb/Zeb.h"
 
 namespace kq::zeb {
@@ -85,8 +86,8 @@ class TestAppServer {
     // What was heard, oldest first, apart from requests for an announcement.
     std::vector<XMLMessage> heard;
     std::vector<XMLMessage> announcement_requests;
-    // The only message heard since the last call.
-    XMLMessage Heard();
+    // One message was heard since the last call: this one.
+    XMLMessage ExpectHeard();
     BusAddress Reply() const { return {bus_client->ReplyType(), bus_client->ReplySubType()}; }
 
     std::string address = "192.0.2.10";
@@ -122,19 +123,8 @@ class ZebTest : public testing::Test {
     }
     ASLoginRequest LoginRequest(const std::string& login, const std::string& password = kPassword) const;
     // Logs in and has the server register the session; the session's id.
-    std::string LoginAndRegister(const std::string& login, TestAppServer& server,
+    std::string ExpectRegistered(const std::string& login, TestAppServer& server,
                                  const std::string& connection = "1");
-    // The answer is this refusal: number, code and sentence.
-    template <class Response>
-    static void ExpectRefused(const Response& reply, Refusal refusal, const std::string& code) {
-        EXPECT_EQ(reply.ErrorNumber, std::to_string(NumberOf(refusal)));
-        EXPECT_EQ(reply.ErrorParam, code);
-        EXPECT_EQ(reply.ErrorDesc, SentenceOf(refusal));
-    }
-    template <class Response>
-    static void ExpectRefused(const Response& reply, Refusal refusal) {
-        ExpectRefused(reply, refusal, std::string(CodeOf(refusal)));
-    }
     void Pass(Milliseconds time) { machine.loop->Advance(time); }
     std::string Log() const { return log_text.str(); }
 

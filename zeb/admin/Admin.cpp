@@ -54,7 +54,7 @@ void InitData(const std::string& data_folder) {
     MakePrivateFolder(data_folder);
     const auto path = DatabasePath(data_folder);
     if (PrivateFileExists(path))
-        Refuse("There is a database in " + data_folder + " already; nothing was changed.");
+        Refuse("There is a database in " + data_folder + " already; nothing was changed");
     Store::Create(path);
 }
 
@@ -62,7 +62,7 @@ std::unique_ptr<Store> OpenData(const std::string& data_folder) {
     const auto path = DatabasePath(data_folder);
     if (!PrivateFolderExists(data_folder) || !PrivateFileExists(path))
         Refuse("There is no database in " + data_folder + "; 'zebctl init --data " + data_folder +
-               "' makes one.");
+               "' makes one");
     return std::make_unique<Store>(path);
 }
 
@@ -70,12 +70,12 @@ std::int32_t AddUser(Store& store, const PasswordHasher& hasher, Account account
     Accounts accounts(store);
     // Said before the password is looked at, which takes a moment.
     if (const auto why = Accounts::WhyNoLogin(account.login); !why.empty()) Refuse(why);
-    if (accounts.Find(account.login)) Refuse("There is a user \"" + account.login + "\" already.");
+    if (accounts.Find(account.login)) Refuse("There is a user \"" + account.login + "\" already");
     const auto refusal = CheckNewPassword(password, account.login);
     if (refusal == Refusal::PasswordLength)
         Refuse("The password must have " + std::to_string(kMinPassword) + " to " +
-               std::to_string(kMaxPassword) + " characters.");
-    if (refusal != Refusal::None) Refuse(std::string(SentenceOf(refusal)) + ".");
+               std::to_string(kMaxPassword) + " characters");
+    if (refusal != Refusal::None) Refuse(std::string(SentenceOf(refusal)));
     account.password_hash = hasher.Hash(password);
     return accounts.Add(account);
 }
