@@ -1,6 +1,8 @@
 // The three sources of the configuration and the sentences about mistakes in them.
 #include <fstream>
 #include <functional>
+#include <map>
+#include <variant>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -158,13 +160,103 @@ TEST(ZebConfig, EveryNumberHasARange) {
     }
 }
 
-TEST(ZebConfig, EverySettingCanBeSetByItsFlag) {
-    for (const auto& setting : ConfigSettings()) {
-        Config config;
-        const bool choice = std::holds_alternative<Setting::Choice>(setting.value);
-        EXPECT_NO_THROW(ApplyFlags({{std::string(setting.name), choice ? "error" : "8"}}, config))
-            << setting.name;
+struct Member {
+    const char* setting;
+    std::variant<std::string Config::*, std::int32_t Config::*> member;
+};
+const std::vector<Member> kMembers = {
+    {"data", &Config::data},
+    {"listen", &Config::listen},
+    {"port", &Config::port},
+    {"bus_address", &Config::bus_address},
+    {"bus_port", &Config::bus_port},
+    {"bus_key_file", &Config::bus_key_file},
+    {"log_level", &Config::log_level},
+    {"register_time", &Config::register_time},
+    {"max_connections", &Config::max_connections},
+    {"max_request", &Config::max_request},
+    {"password_threads", &Config::password_threads},
+    {"password_queue", &Config::password_queue},
+    {"password_passes", &Config::password_passes},
+    {"password_memory", &Config::password_memory},
+};
+
+using Values = std::map<std::string, std::string>;
+
+// What a configuration holds, by setting.
+Values ValuesOf(const Config& config) {
+    Values values;
+    for (const auto& [setting, member] : kMembers) {
+        const auto* text = std::get_if<std::string Config::*>(&member);
+        values[setting] =
+            text ? config.**text : std::to_string(config.*std::get<std::int32_t Config::*>(member));
     }
+    return values;
+}
+
+// Sets every setting in turn to a value that is not its default; that one has it then, the others theirs.
+void ExpectEachSetBy(const std::function<void(const std::string&, const std::string&, Config&)>& set) {
+    const auto defaults = ValuesOf(Config());
+    EXPECT_EQ(ConfigSettings().size(), kMembers.size());
+    for (const auto& setting : ConfigSettings()) {
+        const std::string name(setting.name);
+        const std::string value = std::holds_alternative<Setting::Choice>(setting.value) ? "error" : "8";
+        Config config;
+        set(name, value, config);
+        auto expected = defaults;
+        expected[name] = value;
+        EXPECT_NE(expected, defaults) << name;
+        EXPECT_EQ(ValuesOf(config), expected) << name;
+    }
+}
+
+TEST(ZebConfig, EverySettingCanBeSetByItsFlag) {
+    ExpectEachSetBy([](const std::string& name, const std::string& value, Config& config) {
+        ApplyFlags({{name, value}}, config);
+    });
+}
+
+TEST(ZebConfig, EverySettingCanBeSetByItsVariable) {
+    ExpectEachSetBy([](const std::string& name, const std::string& value, Config& config) {
+        const std::string entry = VariableOf(name) + "=" + value;
+        Apply({entry.c_str()}, config);
+    });
+}
+
+TEST(ZebConfig, EverySettingCanBeSetInTheFileAsATextAndNumbersAsNumbers) {
+    ExpectEachSetBy([](const std::string& name, const std::string& value, Config& config) {
+        ApplyFileText(name + " = '" + value + "'", "zebd.toml", config);
+    });
+    for (const auto& setting : ConfigSettings()) {
+        const auto* number = std::get_if<Setting::Number>(&setting.value);
+        if (number == nullptr) continue;
+        Config config;
+        ApplyFileText(std::string(setting.name) + " = 8", "zebd.toml", config);
+        EXPECT_EQ(config.*number->member, 8) << setting.name;
+    }
+}
+
+TEST(ZebConfig, EverySettingHasItsDefaultInTheHelp) {
+    const auto defaults = ValuesOf(Config());
+    for (const auto& setting : ConfigSettings())
+        EXPECT_EQ(DefaultOf(setting), defaults.at(std::string(setting.name)));
+}
+
+TEST(ZebConfig, ALogLevelIsOneOfTheChoices) {
+    for (const char* level : {"", "INFO", "inf", "info|warn", "|"}) {
+        Config config;
+        ExpectMistake(
+            [&] {
+                ApplyFlags({{"log_level", level}}, config);
+            },
+            "--log-level: must be one of trace|debug|info|warn|error|off");
+        EXPECT_EQ(config.log_level, "info");
+    }
+}
+
+TEST(ZebConfig, AnUnknownFlagIsNamed) {
+    Config config;
+    ExpectMistake([&] { ApplyFlags({{"bus_prot", "1"}}, config); }, "--bus-prot: unknown");
 }
 
 }  // namespace
