@@ -1,4 +1,5 @@
 // What the login server learns from announcements, and when it asks for them.
+#include "base/Convert.h"
 #include "zeb/ZebTesting.h"
 
 namespace kq::zeb {
@@ -135,10 +136,18 @@ TEST_F(Announcement, AnEndedSessionLightensTheServer) {
 TEST_F(Announcement, WhatIsNoAnnouncementIsDropped) {
     StartZeb();
     const auto server = NewServer();
-    auto info = server->Info("C", {});
-    info.ApplicationInfos.reset();
-    server->Say(info);
-    ExpectNoServer();
+    const auto say_without = [&](const auto& remove) {
+        auto info = server->Info("C", {});
+        remove(info);
+        server->Say(info);
+        ExpectNoServer();
+    };
+    say_without([](auto& info) { info.ApplicationInfos.reset(); });
+    say_without([](auto& info) { info.ApplicationInfos->ApplicationInfo.reset(); });
+    say_without([](auto& info) { info.ASRequestInfo.reset(); });
+    say_without([](auto& info) { info.ASRequestInfo->ReturnMsgType.clear(); });
+    say_without([](auto& info) { info.ApplicationInfos->ApplicationInfo->AppID.clear(); });
+    EXPECT_EQ(TimesInLog("is ignored"), 5);
     server->Announce();
     ExpectServer();
 }
@@ -153,11 +162,11 @@ TEST_F(Announcement, AServerWithAnInvalidPortIsNotUsed) {
         SCOPED_TRACE(port);
         ExpectNoServer();
     }
-    for (const char* port : {"1", "65535"}) {
+    for (const char* port : {"1", " 7000 ", "65535"}) {
         auto info = server->Info("C", {});
         info.ApplicationInfos->ApplicationInfo->Port = port;
         server->Say(info);
-        EXPECT_EQ(Login("ana").Port, port);
+        EXPECT_EQ(Login("ana").Port, Trim(port));
     }
 }
 
@@ -231,6 +240,12 @@ TEST_F(LostServer, IsNotUsedFromTheMomentItLosesTheBus) {
     LosesTheBus();
     ExpectNoServer();
     EXPECT_EQ(TimesInLog("has lost its bus connection"), 1);
+}
+
+TEST_F(LostServer, ThatStoppedAndCameBackHasNoneOfItsSessions) {
+    server->Say(server->Info("D", {}));
+    server->Announce({});
+    ExpectSessionFree();
 }
 
 TEST_F(LostServer, LeavesItsUsersToTheOtherServers) {

@@ -158,7 +158,8 @@ TEST_F(ZebHost, OffersNoBusWithoutAKeyToOtherMachines) {
         const std::string shown = address.empty() ? "*" : address == "::" ? "[::]" : address;
         ExpectNotStarted(
             NumberOf(RuntimeError::InvalidProcedureCall), "KQXMLBusClientLib",
-            shown + ":0: A hub without a key listens on loopback only: give it a key, or the address 127.0.0.1");
+            shown +
+                ":0: A hub without a key listens on loopback only: give it a key, or the address 127.0.0.1");
     }
 }
 

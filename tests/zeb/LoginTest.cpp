@@ -297,6 +297,56 @@ TEST_F(LoginTest, TooManyWaitingChecksAreRefusedAndDoNotCountAsFailures) {
     ExpectGranted(Login("ana"));
 }
 
+// A user who may try once, as there were failures before.
+class OneAttempt : public ZebTest {
+ protected:
+    void SetUp() override {
+        StartZeb();
+        uid = AddUser("ana");
+        server = RunningServer();
+        Guesses(5);
+        Pass(std::chrono::seconds(1));
+    }
+    void Guesses(int times) {
+        for (int i = 0; i < times; ++i)
+            ExpectRefused(Login("ana", "a guess"), Refusal::UnknownUser);
+    }
+    std::int32_t uid = 0;
+    std::unique_ptr<TestAppServer> server;
+};
+
+TEST_F(OneAttempt, IsNotUsedUpWhileTheServerIsBusy) {
+    executor.full = true;
+    ExpectRefused(Login("ana"), Refusal::Busy);
+    executor.full = false;
+    ExpectGranted(Login("ana"));
+}
+
+TEST_F(OneAttempt, IsNotUsedUpByAHashThatCannotBeComputed) {
+    hasher.out_of_memory = true;
+    ExpectRefused(Login("ana"), Refusal::Failed);
+    hasher.out_of_memory = false;
+    ExpectGranted(Login("ana"));
+}
+
+TEST_F(OneAttempt, IsUsedUpByAFailure) {
+    Guesses(1);
+    ExpectRefused(Login("ana"), Refusal::TooManyAttempts);
+}
+
+TEST_F(OneAttempt, WithTheRightPasswordForgetsTheFailuresAlsoWhenTheLoginIsRefused) {
+    Accounts(store).SetDisabled(uid, true);
+    ExpectRefused(Login("ana"), Refusal::Disabled);
+    Guesses(4);
+    ExpectRefused(Login("ana"), Refusal::Disabled);
+    Accounts(store).SetDisabled(uid, false);
+    server->Say(server->Info("D", {}));
+    Guesses(4);
+    ExpectRefused(Login("ana"), Refusal::NoServer);
+    Guesses(4);
+    ExpectRefused(Login("ana"), Refusal::NoServer);
+}
+
 TEST_F(LoginTest, AHashThatCannotBeComputedIsAFailureAndNotAWrongPassword) {
     StartZeb();
     AddUser("ana");

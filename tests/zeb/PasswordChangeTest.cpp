@@ -81,6 +81,12 @@ TEST_F(PasswordChange, TheSessionMustBelongToTheUserAndTheApplication) {
     ExpectRefused(Change(request), Refusal::NoSession);
 }
 
+TEST_F(PasswordChange, ADisabledUserHasNoSession) {
+    Accounts accounts(store);
+    accounts.SetDisabled(accounts.Find("anastasia")->uid, true);
+    ExpectRefused(Change(Request("battery staple")), Refusal::NoSession);
+}
+
 TEST_F(PasswordChange, ARelayedChangeIsAnsweredWithItsTransID) {
     server->Relay(Request("battery staple").Build(), "5");
     const auto reply = server->ExpectHeard();

@@ -20,6 +20,9 @@ Refusal Check(const std::string& password) {
 TEST(PasswordRules, ADecentPasswordPasses) {
     EXPECT_EQ(Check("correct horse"), Refusal::None);
     EXPECT_EQ(Check("12345678"), Refusal::None);
+    EXPECT_EQ(Check("non\xC2\xA0"
+                    "breaking"),
+              Refusal::None);
 }
 
 TEST(PasswordRules, EachRuleHasItsRefusal) {
@@ -29,6 +32,10 @@ TEST(PasswordRules, EachRuleHasItsRefusal) {
     EXPECT_EQ(Check(std::string(65, 'x')), Refusal::PasswordLength);
     EXPECT_EQ(Check("line\nbreak"), Refusal::PasswordCharacter);
     EXPECT_EQ(Check("next\xC2\x85line"), Refusal::PasswordCharacter);
+    EXPECT_EQ(Check("last one\xC2\x9F"), Refusal::PasswordCharacter);
+    EXPECT_EQ(Check("delete\x7F"
+                    "it"),
+              Refusal::PasswordCharacter);
     EXPECT_EQ(Check("broken\xff\xff"), Refusal::MalformedPassword);
 }
 
@@ -155,7 +162,9 @@ TEST_F(Attempts, TheDelayDoubles) {
 
 TEST_F(Attempts, TheDelayHasAnEnd) {
     Fail("ana", 1000);
-    Pass(std::chrono::minutes(5));
+    Pass(std::chrono::minutes(5) - Milliseconds(1));
+    EXPECT_FALSE(attempts.Begin("ana"));
+    Pass(Milliseconds(1));
     EXPECT_TRUE(attempts.Begin("ana"));
 }
 
@@ -185,6 +194,28 @@ TEST_F(Attempts, TimeForgetsThem) {
     Pass(std::chrono::minutes(31));
     attempts.Failed("ana");
     EXPECT_TRUE(attempts.Begin("ana"));
+}
+
+TEST_F(Attempts, TimeForgetsThemAfterHalfAnHour) {
+    Fail("ana", 3);
+    Pass(std::chrono::minutes(30) - Milliseconds(1));
+    attempts.Failed("ana");
+    EXPECT_FALSE(attempts.Begin("ana"));
+}
+
+TEST_F(Attempts, ThatAreForgottenLeaveTheTable) {
+    Fail("ana", 3);
+    Pass(std::chrono::minutes(30));
+    attempts.Failed("bob");
+    EXPECT_EQ(attempts.Size(), 1U);
+}
+
+TEST_F(Attempts, OfWhomFailedLongestAgoMakeRoomInTheTable) {
+    for (const char* login : {"ana", "bob", "eve", "ana", "joe"})
+        Fail(login, 3);
+    EXPECT_TRUE(attempts.Begin("bob"));
+    EXPECT_FALSE(attempts.Begin("ana"));
+    EXPECT_FALSE(attempts.Begin("eve"));
 }
 
 TEST_F(Attempts, TheTableIsBounded) {

@@ -13,6 +13,7 @@
 #include "zeb/store/Accounts.h"
 #include "zeb/store/Passwords.h"
 #include "zeb/store/PrivateFiles.h"
+#include "zeb/store/UserData.h"
 
 namespace kq::zeb {
 namespace {
@@ -218,8 +219,9 @@ TEST(AccountsStore, TakesALoginIdOfSixtyFourCharactersAndOneWithBlanksInside) {
 
 TEST(AccountsStore, RefusesDetailsThatNoMessageCanCarry) {
     Store store(":memory:");
-    for (auto text : {&Account::first_name, &Account::last_name, &Account::enterprise_id, &Account::language,
-                      &Account::tz, &Account::dst, &Account::buid, &Account::buid_union, &Account::privileges}) {
+    for (auto text :
+         {&Account::first_name, &Account::last_name, &Account::enterprise_id, &Account::language,
+          &Account::tz, &Account::dst, &Account::buid, &Account::buid_union, &Account::privileges}) {
         Account account;
         account.login = "ana";
         for (const char* wrong : {"bell\x07", "\xff"}) {
@@ -240,6 +242,20 @@ TEST(AccountsStore, RefusesANegativeNumberOfSessions) {
     account.login = "ana";
     account.max_sessions = -1;
     ExpectNotAdded(store, account, "The number of sessions cannot be negative");
+}
+
+TEST(TranslationTables, AreThoseThatAnotherProgramHasChanged) {
+    const TemporaryFolder folder;
+    Store::Create(folder.Path("zeb.db"));
+    Store daemon(folder.Path("zeb.db"));
+    Store tool(folder.Path("zeb.db"));
+    UserData user_data(daemon);
+    const auto before = user_data.TranslationTable("1033");
+    tool.Use("INSERT INTO translations VALUES ('1033', 'open', 'Open'), ('1031', 'open', 'Öffnen')").Run();
+    const auto after = user_data.TranslationTable("1033");
+    EXPECT_EQ(before.find("Open"), std::string::npos);
+    EXPECT_NE(after.find("Open"), std::string::npos);
+    EXPECT_EQ(after.find("Öffnen"), std::string::npos);
 }
 
 TEST(PasswordAtRest, IsNotInTheDatabaseFile) {

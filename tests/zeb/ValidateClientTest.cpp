@@ -93,19 +93,29 @@ TEST_F(ValidateClient, ARestrictionToTheLoginServerItselfIsNone) {
     const auto server = RunningServer(7000);
     auto request = Request();
     request.RestrictPort = std::to_string(zeb->Port());
-    for (const char* name : {"127.0.0.1", "localhost", "192.0.2.10"}) {
+    for (const char* name : {"127.0.0.1", "127.0.0.53", "::1", "192.0.2.10"}) {
         request.RestrictIP = name;
         EXPECT_EQ(Available(request), "True") << name;
     }
+    request.RestrictIP = "203.0.113.7";
+    EXPECT_EQ(Available(request), "False") << "another machine's port of that number";
 }
 
 TEST_F(ValidateClient, AnAddressOfThisMachineMeansServersOnThisMachine) {
     StartZeb();
-    const auto server = RunningServer(7000);
+    const auto here = RunningServer(7000);
+    const auto elsewhere = NewServer(7001);
+    elsewhere->address = "203.0.113.5";
+    elsewhere->Announce();
     auto request = Request();
-    request.RestrictIP = "localhost";
-    request.RestrictPort = "7000";
-    EXPECT_EQ(Available(request), "True");
+    for (const char* address : {"127.0.0.1", "127.0.0.53", "::1", "192.0.2.10"}) {
+        SCOPED_TRACE(address);
+        request.RestrictIP = address;
+        request.RestrictPort = "7000";
+        EXPECT_EQ(Available(request), "True");
+        request.RestrictPort = "7001";
+        EXPECT_EQ(Available(request), "False");
+    }
 }
 
 TEST_F(ValidateClient, ARelayedRequestIsAnsweredToTheServerThatRelayedIt) {

@@ -50,8 +50,7 @@ std::string Accounts::WhyNoLogin(std::string_view login) {
     const auto characters = CountCharacters(login);
     if (!characters) return "A login id must be UTF-8 text";
     if (*characters == 0) return "A login id cannot be empty";
-    if (*characters > kMaxLogin)
-        return "A login id has at most " + std::to_string(kMaxLogin) + " characters";
+    if (*characters > kMaxLogin) return "A login id has at most " + std::to_string(kMaxLogin) + " characters";
     if (HasControlCharacter(login)) return "A login id cannot hold control characters";
     if (Trim(login).size() != login.size()) return "A login id cannot begin or end with a blank";
     return {};
