@@ -1,4 +1,4 @@
-// For hosts that run an asio::io_context of their own. This is the only public header that needs asio.
+// For programs that run an asio::io_context. This is the only public header that needs asio.
 #pragma once
 
 #include <memory>
@@ -10,8 +10,10 @@
 
 namespace kq {
 
-// A loop that runs on `context`. The context must outlive the loop and be run by one thread at a time, either
-// by the host (context.run) or by the library's own waits.
+// A loop that runs on `context`, to be given to MakePlatform. The context must outlive the loop. One thread
+// at a time may run it: the program (context.run) or a wait of the library, which runs the context itself. A
+// wait ends early, as at its deadline, when the program stops the context. Destroying the loop does not stop
+// the context.
 KQ_EXPORT std::shared_ptr<EventLoop> MakeAsioEventLoop(asio::io_context& context);
 
 }  // namespace kq

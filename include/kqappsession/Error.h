@@ -1,9 +1,8 @@
 // The one exception type of the library.
 //
-// Every failure that is reported to a caller is a kq::Error with four parts: a number (an automation code, so
-// negative when read as a signed 32-bit integer, or Winsock's positive number of a connection's error), the
-// source that reports it, a description for a person, and its cause.
-// A user's "no" is never an error; it is a result.
+// A kq::Error has four parts: a number, the source that reports it, a description for the user, and its
+// cause. The number is an automation code (negative as a signed 32-bit integer) or, for errors of
+// connections, Winsock's positive number. A user's "no" is never an error; it is a result.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +17,7 @@ namespace kq {
 // The source of every error that the login and session procedures raise.
 inline constexpr std::string_view kLibrarySource = "KQAppSessionLib";
 
-// What is behind an error. A number does not always say: kqaserrLoginBadLogin is raised for a missing
+// What is behind an error. The number does not always tell: kqaserrLoginBadLogin is raised for a missing
 // password and for a login server that does not reply. X(name, meaning)
 #define KQ_ERROR_CAUSES(X)                                                                            \
     X(Other, "none of the following, or not known")                                                   \
@@ -37,11 +36,11 @@ enum class ErrorCause : std::int32_t {
     KQ_ERROR_CAUSES(KQ_X)
 #undef KQ_X
 };
-// The name as it is written here: "NoReply".
+// The name as it is written above, such as "NoReply".
 KQ_EXPORT const char* NameOf(ErrorCause cause);
 
-// The cause that an error number alone tells: NoReply for NetError::TimedOut, NoConnection for the numbers of
-// a connection that failed or was lost, else Other.
+// The cause that follows from a number alone: NoReply for NetError::TimedOut, NoConnection for the numbers of
+// a connection that failed or was lost, otherwise Other.
 KQ_EXPORT ErrorCause CauseOf(std::int32_t number);
 
 class KQ_EXPORT Error : public std::exception {
@@ -81,8 +80,8 @@ constexpr std::int32_t NumberOf(RuntimeError error) {
     return static_cast<std::int32_t>(0x800A0000U + static_cast<std::uint32_t>(error));
 }
 
-// Raises the run-time error with its usual English description, or with `description` when one is given that
-// tells the caller more. The source is kLibrarySource.
+// Raises the run-time error with its usual English description or, if it is not empty, with `description`.
+// The source is kLibrarySource.
 [[noreturn]] KQ_EXPORT void Raise(RuntimeError error, std::string_view description = {},
                                   ErrorCause cause = ErrorCause::Other);
 
@@ -105,12 +104,12 @@ enum class NetError : std::int32_t {
     HostNotFound = 11001,
 };
 
-// The sentence for a Winsock number: "The connection was refused" and so on, without a full stop, so that it
-// can end another sentence; unknown numbers get one that names the number.
+// The English description of a Winsock number, such as "The connection was refused". It has no full stop, so
+// that it can end another sentence. The description of an unknown number names the number.
 KQ_EXPORT std::string NetErrorText(std::int32_t number);
 
-// Raises an Error with the Winsock number itself (a positive number), the given source and its sentence, or
-// `description` when one is given.
+// Raises an Error with the Winsock number itself (a positive number), the given source, and the number's
+// description or, if it is not empty, `description`.
 [[noreturn]] KQ_EXPORT void Raise(NetError error, std::string_view source, std::string_view description = {});
 
 }  // namespace kq

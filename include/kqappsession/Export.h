@@ -1,8 +1,8 @@
-// What the shared library shows of itself: what the public headers mark with KQ_EXPORT, and nothing else.
+// What the shared library exports: what the public headers mark with KQ_EXPORT, and nothing else.
 //
-// A class is marked as a whole, so that its type information is one for the library and the programs that use
-// it: an exception that the library raises is caught by its type. What a public class keeps to the library is
-// KQ_HIDDEN.
+// Classes are marked as a whole, so that the library and the programs that use it share their type
+// information: an exception that the library raises is caught by its type. KQ_HIDDEN marks the parts of a
+// public class that only the library uses.
 #pragma once
 
 #ifdef __ELF__

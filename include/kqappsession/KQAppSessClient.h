@@ -9,33 +9,33 @@
 //   client.ServerLogin(false);
 //   client.SessionClient()->Send(message);
 //
-// A silent procedure (Interactive false) reports every failure as an Error, usually with a number of
-// KQAppSessErrorEnum, which lists who raises what. The others: RuntimeError::TypeMismatch and
-// RuntimeError::Overflow for stored settings that are not what they should be, RuntimeError::PathFileAccess
-// for a settings file that cannot be written, NetError::Interrupted (below), and what is not expected,
-// unchanged. Error::Cause tells what is behind a number that several failures share. A silent procedure
+// A silent procedure (`interactive` false) reports every failure as an Error, usually with a
+// KQAppSessErrorEnum number; that header lists which procedure raises which. Other numbers are
+// RuntimeError::TypeMismatch and RuntimeError::Overflow for malformed stored settings,
+// RuntimeError::PathFileAccess for a settings file that cannot be written, NetError::Interrupted (below), and
+// unexpected errors, unchanged. Error::Cause distinguishes failures that share a number. A silent procedure
 // leaves nothing half done and never runs longer than its time-outs and pauses.
 //
-// An interactive procedure asks the user. In a program without dialogs (Platform::dialogs is null) it shows
-// nothing and goes on, and raises RuntimeError::InvalidProcedureCall where it would have to ask. SystemLogin
-// and Login always ask, so they raise it before they do anything.
+// An interactive procedure asks the user. In a program without dialogs (Platform::Interactive is false) it
+// shows nothing, and raises RuntimeError::InvalidProcedureCall where it would have to ask. SystemLogin and
+// Login always ask, so there they raise it before they do anything.
 //
-// One thread. The procedures run the event loop while they wait, so events arrive and other code runs in the
-// meantime; starting a procedure inside another one of the same object raises
-// RuntimeError::InvalidProcedureCall. Destroying the object, TerminateClient and EventLoop::Quit inside a
-// procedure end its wait immediately and close its dialogs and message boxes; it raises
-// NetError::Interrupted. So does every procedure that is started after Quit.
+// One thread: all members and events belong to the thread of the platform's event loop. Procedures run the
+// loop while they wait, so events arrive and other code runs in the meantime. Starting a procedure inside
+// another one of the same object raises RuntimeError::InvalidProcedureCall. Destroying the object,
+// TerminateClient and EventLoop::Quit end a running procedure immediately and close its dialogs and message
+// boxes; the procedure raises NetError::Interrupted. So does every procedure that is started after Quit.
 //
-// While an interactive procedure waits for a server it shows a small window that says so. That window is
-// modeless: the program's own windows take input in the meantime, so a program disables whatever would start
-// a procedure again. A user who closes the window, or presses Escape in it, gives the procedure up, as with
-// Cancel in a dialog: the wait ends immediately, the connection is released and the result is false.
+// While an interactive procedure waits for a server it shows a small window with a wait message. That window
+// is modeless: the program's own windows accept input in the meantime, so a program should disable whatever
+// could start a procedure again. A user who closes the window or presses Escape in it cancels the procedure:
+// the wait ends immediately, the connection is released, and the result is false.
 //
-// The settings file keeps the login server's address, port and time-out, and what the dialogs remember, for
-// each AppID: $XDG_CONFIG_HOME/HLXApps/AppSess_<AppID>.ini, with ~/.config in place of an unset
-// XDG_CONFIG_HOME; on Windows HLXApps\AppSess_<AppID>.ini in the user's documents folder. A path separator in
-// the AppID becomes "_". When it cannot be written, an interactive login goes on with what its user has
-// entered and warns of it once.
+// The settings file stores the login server's address, port and time-out, and what the dialogs remember, for
+// each AppID. On Linux it is $XDG_CONFIG_HOME/HLXApps/AppSess_<AppID>.ini (XDG_CONFIG_HOME defaults to
+// ~/.config), on Windows HLXApps\AppSess_<AppID>.ini in the user's documents folder. A path separator in the
+// AppID becomes "_". If the file cannot be written, an interactive login continues with what the user has
+// entered and warns once.
 #pragma once
 
 #include <cstdint>
@@ -59,12 +59,13 @@ namespace kq {
 
 class Icon;
 
-// How far a login has come.
+// How far the login has come.
 enum KQAppSessLoginState : std::int32_t {
     kqaslsNotLoggedIn = 0,
-    kqaslsSystemLogin = 1,  // logged in with the login server; no application-server session, or it was lost
-    kqaslsServerLogin = 2,  // registered with the application server as well
+    kqaslsSystemLogin = 1,  // logged in, but not registered with an application server, or not any more
+    kqaslsServerLogin = 2,  // registered with the application server
 };
+// Its name, such as "kqaslsNotLoggedIn"; empty for any other number.
 KQ_EXPORT const char* NameOf(KQAppSessLoginState state);
 
 struct SystemLoginArguments {
@@ -72,130 +73,146 @@ struct SystemLoginArguments {
     std::string InterfaceVersion;  // the interface version that the application needs
     std::string ClientVersion;     // empty: "Major.Minor.Revision" of AppObj, else the program's file version
     std::shared_ptr<AppObject> AppObj;    // may be null
-    std::shared_ptr<const Icon> AppIcon;  // of the dialogs' windows, made by the port; may be null
+    std::shared_ptr<const Icon> AppIcon;  // of the dialogs' windows, see MakeQtIcon; may be null
     std::string CommandStr;               // the program's command line; "/Profile NAME" chooses a profile
     std::string LoginID;                  // silent only
     Secret Password;                      // silent only
-    // Silent only: the login server. An empty address: all three are read from the settings file. A port
-    // outside of 1 to 65535 and a time-out of 0 or less raise kqaserrLoginBadAddr.
+    // The login server, silent only. If the address is empty, all three are read from the settings file. A
+    // port outside 1 to 65535 and a time-out of 0 or less raise kqaserrLoginBadAddr.
     std::string Address;
     std::int32_t Port = 0;
     std::int32_t TimeOut = 0;                   // ms
-    std::optional<bool> UseASServerForLogin{};  // given: replaces the stored setting
+    std::optional<bool> UseASServerForLogin{};  // SystemLogin2 only; replaces the stored setting
 };
 
 class ClientState;
 
 class KQ_EXPORT KQAppSessClient {
  public:
-    // RuntimeError::ObjectNotSet for null.
+    // Raises RuntimeError::ObjectNotSet when `platform` is null.
     explicit KQAppSessClient(PlatformPtr platform);
-    ~KQAppSessClient();  // TerminateClient
+    ~KQAppSessClient();  // as TerminateClient, without events
     KQAppSessClient(const KQAppSessClient&) = delete;
     KQAppSessClient& operator=(const KQAppSessClient&) = delete;
 
-    // LoginState is another one now, the argument: by a procedure of this object, SetSystemLoginState, or the
-    // end of the session connection. Raised on the loop's thread, within the call that changes the state; a
-    // handler that wants to start a procedure posts that to the loop.
+    // LoginState has changed, to the argument: by a procedure of this object, by SetSystemLoginState, or
+    // because the session connection has ended. Raised on the loop's thread, from inside the call that
+    // changes the state. A handler that wants to start a procedure posts that to the loop.
     Signal<KQAppSessLoginState> LoginStateChanged;
 
-    // Null before a login has delivered them. Objects are shared with the caller: a profile added to the
-    // collection or removed from it outside of a procedure is uploaded immediately, as by UpdateProfiles.
-    // What that upload raises is reported to the stray exception handler (see Signal.h); the next upload
-    // sends the whole collection, so it makes up for a failed one.
+    // What a login delivers; null before. The objects are shared with the caller. A profile that is added to
+    // or removed from the collection while no procedure runs is uploaded immediately, as by UpdateProfiles,
+    // before Add or Remove returns. An error of that upload is reported to the stray exception handler (see
+    // Signal.h). The next upload sends the whole collection, so it makes up for a failed one.
     std::shared_ptr<kq::TranslationTable> TranslationTable() const;
     std::shared_ptr<kq::Profiles> Profiles() const;
     std::shared_ptr<Profile> CurrentProfile() const;
-    // Ignored unless the collection has a profile of that name. RuntimeError::ObjectNotSet for null and while
-    // there is no collection.
+    // Ignored unless the collection has a profile of that name. Raises RuntimeError::ObjectNotSet for null
+    // and while there is no collection.
     void SetCurrentProfile(std::shared_ptr<Profile> profile);
     // The connection to the application server; null before a server login and after TerminateClient. Every
     // ServerLogin makes a new one and disconnects the old one, so handlers have to be connected again: when
-    // ServerLogin has returned true, or in LoginStateChanged at kqaslsServerLogin. That is before the first
-    // block is delivered. When the connection ends, the object stays and LoginState becomes
-    // kqaslsSystemLogin; nothing reconnects until ServerLogin is called again.
+    // ServerLogin has returned true, or in LoginStateChanged at kqaslsServerLogin. No block has been
+    // delivered by then. When the connection ends, the object stays and LoginState becomes kqaslsSystemLogin.
+    // Nothing reconnects until ServerLogin is called again.
     std::shared_ptr<APClient> SessionClient() const;
     std::shared_ptr<KQAppSessionInfo> SessionInfo() const;  // never null
+    // Default true. False: the user does not choose a profile, the login uses the one named "Default" and
+    // creates it if it is missing.
     bool UseProfiles() const;
     void SetUseProfiles(bool use);
     KQAppSessLoginState LoginState() const;
 
-    // Stored as given, without any check. A ServerLogin to a port outside of 1 to 65535 cannot connect.
+    // The application server that ServerLogin connects to. A system login sets all three: the address that it
+    // used itself, the port that the login server reported, and its TimeOut argument. Values are stored as
+    // given, without any check; ServerLogin cannot connect to a port outside 1 to 65535.
     std::string AppServerAddress() const;
     void SetAppServerAddress(const std::string& address);
     std::int32_t AppServerPort() const;
     void SetAppServerPort(std::int32_t port);
     std::int32_t AppServerTimeOut() const;  // ms; 0 or less: APClient::kDefaultTimeOut
     void SetAppServerTimeOut(std::int32_t time_out);
+    // System logins: use only application servers at this address and port. Default empty and 0: no
+    // restriction. With neither set, a login through the application server is restricted to the address and
+    // port that it connects to.
     std::string RestrictIP() const;
     void SetRestrictIP(const std::string& address);
     std::int32_t RestrictPort() const;
     void SetRestrictPort(std::int32_t port);
+    // Whether the last system login went through the application server, default false. Setting it does not
+    // change the next login, which uses the stored setting or its argument.
     bool UseASServerForLogin() const;
     void SetUseASServerForLogin(bool use);
 
-    // Logs in with the login server; the state is kqaslsSystemLogin afterwards. False only when an
-    // interactive user gave up or chose to be replaced by a newer client. After false or an error nothing of
-    // a login is left and the state is kqaslsNotLoggedIn. Profiles that could not be uploaded at the end of a
-    // login do not fail it: the error is reported to the stray exception handler (see Signal.h).
+    // Logs in with the login server; LoginState is kqaslsSystemLogin afterwards. False only when an
+    // interactive user gave up or chose to start a newer client. After false or an error nothing of a login
+    // is left, and LoginState is kqaslsNotLoggedIn. Profiles that could not be uploaded at the end of a login
+    // do not make it fail: the error is reported to the stray exception handler (see Signal.h).
     bool SystemLogin(bool interactive, const SystemLoginArguments& arguments);
-    // The same; arguments.UseASServerForLogin counts (SystemLogin ignores it).
+    // The same with arguments.UseASServerForLogin, which SystemLogin ignores.
     bool SystemLogin2(bool interactive, const SystemLoginArguments& arguments);
     // Connects to the application server and registers the session. True when it is registered
-    // (kqaslsServerLogin). False only when an interactive user gave up: LoginState tells whether for now
-    // (kqaslsSystemLogin, and ServerLogin may be called again) or in favour of a new login
-    // (kqaslsNotLoggedIn: session record, profiles and connections are released). Raises
-    // kqaserrLoginNoSystem before a system login; silent: kqaserrLoginNoConnectAS, kqaserrLoginNoRegister,
-    // kqaserrLoginRegisterFailed, each with the connection released and the state kqaslsSystemLogin.
+    // (kqaslsServerLogin). False only when an interactive user gave up. LoginState is then kqaslsSystemLogin,
+    // and ServerLogin may be called again, or kqaslsNotLoggedIn if the user wants a new login: session
+    // record, profiles and connections are released. Raises kqaserrLoginNoSystem before a system login. A
+    // silent one raises kqaserrLoginNoConnectAS, kqaserrLoginNoRegister or kqaserrLoginRegisterFailed; the
+    // connection is then released and LoginState is kqaslsSystemLogin.
     bool ServerLogin(bool interactive);
 
-    // Both, with a user at the dialogs, until the user is registered or gives up (false).
+    // Both logins, interactive, until the user is registered (true) or gives up (false).
     bool Login(const std::string& app_id, const std::string& interface_version,
                std::shared_ptr<AppObject> app_obj, const std::string& command_str = {},
                std::shared_ptr<const Icon> app_icon = nullptr);
     // Shows the server dialog with the stored settings of the login server and stores what the user confirms.
-    // False when cancelled. kqaserrLoginSessionRequired before a login or a SetSystem... call has opened the
-    // settings, RuntimeError::TypeMismatch or Overflow when they are malformed.
+    // False when cancelled. Raises kqaserrLoginSessionRequired before a login or a SetSystem... call has
+    // opened the settings, and RuntimeError::TypeMismatch or Overflow when they are malformed.
     bool ChangeConfiguration();
 
-    // Sends the profiles to the login server. Empty or 0 arguments are filled from the settings file, and the
-    // caller sees what was filled in. True when they were sent, false when an interactive user gave up.
-    // Raises kqaserrLoginBadAddr when the address is empty, the port outside of 1 to 65535 or the time-out 0
-    // or less, kqaserrLoginNoConnect (silent), RuntimeError::TypeMismatch if the stored time-out is missing
-    // or not a number, RuntimeError::ObjectNotSet without a session record, the errors of APClient::Request
-    // when no answer comes.
+    // Sends the profiles to the login server. Arguments that are empty or 0 are read from the settings file;
+    // the caller receives the values used, also on an error. `time_out`: milliseconds. True when they were
+    // sent, false when an interactive user gave up.
+    //
+    // Raises kqaserrLoginBadAddr if the address is empty, the port outside 1 to 65535 or the time-out 0 or
+    // less, kqaserrLoginNoConnect (silent), RuntimeError::TypeMismatch if the stored time-out is missing or
+    // not a number, RuntimeError::ObjectNotSet without a session record, and the errors of APClient::Request
+    // when no answer arrives.
     bool UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port, std::int32_t& time_out);
-    void UpdateProfiles();  // interactive, login server from the settings file
-    // Adds the profile in place of one of its name, then uploads all; the ASP variant never asks.
+    void UpdateProfiles();  // interactive, with the stored login server; its errors
+    // Adds the profile, in place of one of the same name, then uploads all of them. AddReplaceProfile is
+    // interactive, AddReplaceProfileASP silent. Raise RuntimeError::ObjectNotSet for null and while there is
+    // no collection, and the errors of UpdateProfilesEx; the profile stays added.
     void AddReplaceProfile(std::shared_ptr<Profile> changed_profile);
     void AddReplaceProfileASP(std::shared_ptr<Profile> changed_profile);
 
-    // What SetSystemLoginState takes: nothing, a text form, or the object itself (not null).
+    // An argument of SetSystemLoginState: nothing, a text form, or the object itself (not null).
     template <class T>
     using TextOrObject = std::variant<std::monostate, std::string, std::shared_ptr<T>>;
     // Puts the client into the state that a system login would have left: kqaslsSystemLogin, but only with an
-    // address and a port that is not 0. A translation table given as text is checked and then dropped: the
-    // field keeps its value. A time-out of 0 is read from the settings file. Raises XMLMessage::kNotAMessage
-    // for a session text that is not a message, kNotWebData for one of the other texts that does not load,
-    // RuntimeError::ObjectNotSet when the session or the profiles are nothing, RuntimeError::TypeMismatch (or
-    // Overflow) when the time-out is 0 and none is stored or the stored one is not a number. Fields set
-    // before a failing step keep their new values.
+    // address and a port that is not 0. A translation table given as text is checked, and the property keeps
+    // its value. An empty profile name means the first profile. A time-out (ms) of 0 is read from the
+    // settings file.
+    //
+    // Raises XMLMessage::kNotAMessage for a session text that is not a message, kNotWebData for one of the
+    // other texts that does not load, RuntimeError::ObjectNotSet when the session or the profiles are
+    // nothing, and RuntimeError::TypeMismatch (or Overflow) when the time-out is 0 and the stored one is
+    // missing or not a number. Properties set before a failing step keep their new values.
     void SetSystemLoginState(const TextOrObject<XMLMessage>& session_msg,
                              const TextOrObject<kq::TranslationTable>& translation_table,
                              const TextOrObject<kq::Profiles>& profiles,
                              const std::string& current_profile_name, const std::string& app_server_address,
                              std::int32_t app_server_port, std::int32_t app_server_time_out);
-    // Store the login server's settings (port, time-out in ms) unchecked in the settings file; with an empty
-    // address nothing is written. Raise kqaserrLoginSessionRequired without a session record, and
+    // Store the login server's settings (port, time-out in ms) in the settings file, without any check. With
+    // an empty address nothing is written. Raise kqaserrLoginSessionRequired without a session record, and
     // RuntimeError::PathFileAccess, with the file's path in the description, when the file cannot be written.
     void SetSystemConnectState(const std::string& system_address, std::int32_t system_port,
                                std::int32_t system_time_out);
     void SetSystemConnectState2(const std::string& system_address, std::int32_t system_port,
                                 std::int32_t system_time_out, bool use_as_server_for_login);
-    // Drops both connections; nothing else changes until the session connection's end arrives as an event,
-    // which turns LoginState to kqaslsSystemLogin. Never raises.
+    // Disconnects both connections and ends a running procedure. Everything else stays until the end of the
+    // session connection arrives as an event, which changes LoginState to kqaslsSystemLogin. Never raises.
     void TerminateClient();
-    // The first IPv4 address of the host as dotted text, empty when there is none. Never raises.
+    // The first IPv4 address of the host name as dotted text, empty if there is none. May take as long as the
+    // system's name resolution. Never raises.
     std::string IPAddressFromHostName(const std::string& host_name) const;
 
  private:

@@ -1,15 +1,15 @@
 // The error codes of the login and session procedures. The text id of a code is code - 0x80040A00 + 1000.
 //
-// A code is raised by the silent form of the procedures that its row names; %0% and so on are what its text
-// holds. Interactive procedures ask their user instead. Several failures share a code: Error::Cause tells
-// them apart.
+// A code is raised by the silent form of the procedures that its row names. %0%, %1% and so on are the values
+// that its text contains. Interactive procedures ask their user instead. Several failures share a code;
+// Error::Cause distinguishes them.
 #pragma once
 
 #include <cstdint>
 
 namespace kq {
 
-// X(name, code): one row for each code; numbers are never used again for something else.
+// X(name, code): one row for each code; numbers are never reused.
 #define KQ_APPSESS_ERRORS(X)                                                        \
     /* KQAppSessServer before Initialize */                                         \
     X(kqaserrNotInitialized, 0x80040A01U)                                           \

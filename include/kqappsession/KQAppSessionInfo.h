@@ -1,4 +1,4 @@
-// The record of one session, on both sides: what the login server said of it and the connection it lives on.
+// The record of one session, on both sides: what the login server reported about it, and its connection.
 #pragma once
 
 #include <cstdint>
@@ -15,9 +15,9 @@
 
 namespace kq {
 
-// Reads every property out of the message that the login server returned for the session, at the moment it is
-// asked; nothing is copied. Reading a property of a record that was never filled raises
-// RuntimeError::ObjectNotSet; a field that the message lacks reads as empty text.
+// Every property is read from the login server's message when it is asked for; nothing is copied. Reading a
+// property of a record that was never filled raises RuntimeError::ObjectNotSet. A field that the message does
+// not have reads as empty text.
 class KQ_EXPORT KQAppSessionInfo {
  public:
     std::string AppID() const { return Field("AppID"); }
@@ -25,21 +25,29 @@ class KQ_EXPORT KQAppSessionInfo {
     std::string LoginID() const { return Field("LoginID"); }
     std::string FirstName() const { return Field("FirstName"); }
     std::string LastName() const { return Field("LastName"); }
-    std::int32_t UserUID() const;  // RuntimeError::TypeMismatch when it is no number, absence included
+    // RuntimeError::TypeMismatch if it is missing or not a number, Overflow beyond 32 bits.
+    std::int32_t UserUID() const;
+    // On an application server EnterpriseID is XMLBusClient::EnterpriseID, and OperatorID is the user's
+    // number.
     std::string EnterpriseID() const { return Field("EnterpriseID"); }
     std::string OperatorID() const { return Field("OperatorID"); }
+    // Language, time zone, daylight saving time and business unit: texts as they were entered at the login
+    // server, in no fixed format. zebd gives the language as a decimal locale identifier.
     std::string Language() const { return Field("Language"); }
     std::string TZ() const { return Field("TZ"); }
     std::string DST() const { return Field("DST"); }
     std::string BUID() const { return Field("BUID"); }
-    // The field "BUIDUnionList" split at every "|"; an empty field gives one empty element.
+    // All business units and all privileges of the user: the fields "BUIDUnionList" and "PrivilegeList",
+    // split at every "|". Pieces are not trimmed; an empty field gives one empty element.
     std::vector<std::string> BUIDList() const;
     std::vector<std::string> PrivilegeList() const;
-    // The session's connection; may be null. Needs no filled record.
+    // The session's connection, null when there is none. A client's record has the connection to the login
+    // server after a system login, and the one to the application server after a server login. Does not need
+    // a filled record.
     const std::shared_ptr<APClient>& Client() const { return client_; }
-    // The message itself, not a copy: what is changed in it changes the record. Null before the record is
-    // filled.
+    // The message itself, not a copy: changing it changes the record. Null before the record is filled.
     const std::shared_ptr<XMLMessage>& Export() const { return message_; }
+    // The field "Password": empty unless the login server reports one.
     std::string Password() const { return Field("Password"); }
     bool IsInitialized() const { return initialized_; }
 
@@ -53,18 +61,19 @@ class KQ_EXPORT KQAppSessionInfo {
     bool initialized_ = false;
 };
 
-// The live sessions of an application server, in the order of their coming, keyed by session id as it was
-// when the session was added. Adding, removing and finding one by its id do not slow down with many sessions.
+// The live sessions of an application server, oldest first. The key is the session id at the time when the
+// session was added. Adding, removing and finding a session by its id take the same time however many
+// sessions there are. Belongs to the loop's thread.
 class KQ_EXPORT KQAppSessionInfos {
  public:
     using SessionPtr = std::shared_ptr<KQAppSessionInfo>;
 
-    // RuntimeError::InvalidProcedureCall when there is no such session. Positions count from 1.
+    // By session id or by position, from 1. RuntimeError::InvalidProcedureCall when there is no such session.
     SessionPtr Session(const std::string& session_id) const;
     SessionPtr Session(std::int32_t position) const;
     bool Exists(const std::string& session_id) const;
     std::int32_t Count() const;
-    // A snapshot to iterate over while sessions come and go.
+    // A snapshot, for iterating while sessions are added and removed.
     std::vector<SessionPtr> All() const;
 
  private:

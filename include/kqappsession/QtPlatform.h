@@ -1,13 +1,13 @@
-// For programs with windows on Qt 6: link kqappsession::kqappsession-qt (pkg-config: kqappsession-qt).
+// For programs with windows of Qt 6: link kqappsession::kqappsession-qt (pkg-config: kqappsession-qt).
 //
 //   QApplication application(argc, argv);
 //   kq::KQAppSessClient client(kq::MakeQtPlatform());
 //   client.SystemLogin(true, login);   // asks the user through dialogs
 //
-// Dialogs that ask are modal for all of the program's windows and come above its active one. While one is
-// open, the program's windows go on drawing, and its connections, timers and sockets are served. The window
-// that is shown while a procedure waits for a server is not modal: the program's windows take input in the
-// meantime. Disable what started the procedure until it returns.
+// Dialogs that ask are modal for all of the program's windows and appear above its active window. While one
+// is open, the program's windows are repainted, and its connections, timers and sockets are served. The
+// window that is shown while a procedure waits for a server is not modal: the program's windows accept input
+// in the meantime. Disable whatever started the procedure until it returns.
 #pragma once
 
 #include <cstdint>
@@ -22,14 +22,15 @@ namespace kq {
 
 class Icon;
 
-// The bundle of this machine with an event loop on Qt's own and with dialogs. The QApplication must outlive
-// the bundle and all objects that use it. Whether QApplication::exec runs makes no difference. `language` as
-// for MakePlatform, with its error; the buttons of message boxes are in that language too. Raises
-// RuntimeError::InvalidProcedureCall when there is no QApplication yet, and on another thread than its own.
+// A platform with dialogs of Qt and an event loop on Qt's own. It works whether or not QApplication::exec is
+// running. The QApplication must outlive the platform and all objects that use it. `language`: as for
+// MakePlatform, with the same error; the buttons of message boxes use that language too. Raises
+// RuntimeError::InvalidProcedureCall when there is no QApplication yet, and on another thread than the
+// QApplication's.
 KQ_EXPORT PlatformPtr MakeQtPlatform(std::optional<std::int32_t> language = {});
 
-// A picture for the dialogs' title bars from a file that Qt can read. Null when it cannot.
-// Raises RuntimeError::InvalidProcedureCall when there is no QApplication yet.
+// An icon for the dialogs' title bars from an image file (SystemLoginArguments::AppIcon). Null if Qt cannot
+// read the file. Raises RuntimeError::InvalidProcedureCall when there is no QApplication yet.
 KQ_EXPORT std::shared_ptr<const Icon> MakeQtIcon(const std::string& path);
 
 }  // namespace kq

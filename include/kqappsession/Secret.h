@@ -1,4 +1,5 @@
-// A password on its way: cannot be printed or compared by accident, and overwrites its memory when it goes.
+// A password in memory. A Secret cannot be printed or compared by accident, and overwrites its memory when it
+// is destroyed or assigned to.
 #pragma once
 
 #include <string>
@@ -9,8 +10,9 @@
 
 namespace kq {
 
-// Overwrites `size` bytes in a way that the optimiser keeps.
+// Overwrites `size` bytes with zeros; the compiler does not optimise that away.
 KQ_EXPORT void WipeMemory(void* data, std::size_t size) noexcept;
+// Overwrites the text with its whole capacity and empties it.
 KQ_EXPORT void Wipe(std::string& text) noexcept;
 
 class KQ_EXPORT Secret {
@@ -18,7 +20,7 @@ class KQ_EXPORT Secret {
     Secret() = default;
     explicit Secret(std::string_view text) : text_(text) {}
     explicit Secret(const char* text) : text_(text) {}
-    explicit Secret(std::string&& text) : text_(text) { Wipe(text); }
+    explicit Secret(std::string&& text) : text_(text) { Wipe(text); }  // wipes the argument
     Secret(const Secret&) = default;
     Secret(Secret&& other) noexcept { *this = std::move(other); }
     Secret& operator=(const Secret& other);
@@ -26,7 +28,7 @@ class KQ_EXPORT Secret {
     ~Secret() { Wipe(text_); }
 
     bool Empty() const { return text_.empty(); }
-    // The only way to the text; whoever calls it keeps it out of logs and error texts.
+    // The only access to the text. Whoever calls it keeps the text out of logs and error descriptions.
     const std::string& Reveal() const { return text_; }
 
  private:

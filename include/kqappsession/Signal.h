@@ -1,8 +1,8 @@
-// Events inside one thread: a Signal calls the handlers that were connected to it, an Owner ends what was
-// handed out on its behalf.
+// Events inside one thread. A Signal calls the handlers that are connected to it; an Owner disconnects
+// everything that was bound to it.
 //
-// A handler may do anything while it runs: disconnect itself or others, connect new handlers (they hear the
-// next event), destroy the signal's object or its own owner. After an Owner is destroyed or cancelled,
+// A handler may do anything while it runs: disconnect itself or others, connect new handlers (they receive
+// the next event), destroy the signal's object or its own owner. After an Owner is destroyed or cancelled,
 // nothing that was bound to it is called again. Signals and owners belong to the thread of their event loop.
 #pragma once
 
@@ -16,25 +16,27 @@
 
 namespace kq {
 
-// What a callback is bound to. A class that hands out callbacks keeps one Owner as its last member, so that
-// the callbacks die first.
+// What a callback is bound to. A class that hands out callbacks has an Owner as its last member, so that the
+// callbacks end before the other members are destroyed.
 class Owner {
  public:
     Owner() : token_(std::make_shared<Token>()) {}
     Owner(const Owner&) = delete;
     Owner& operator=(const Owner&) = delete;
 
-    // Ends everything bound so far; what is bound from now on lives again.
+    // Ends everything that has been bound so far. The owner can be used again.
     void Cancel() { token_ = std::make_shared<Token>(); }
 
     // A callable that does nothing once the owner is gone.
     template <class F>
+    // A callable that does nothing once the owner is destroyed or cancelled.
     auto Bind(F f) const {
         return [alive = std::weak_ptr<Token>(token_), f = std::move(f)](auto&&... args) mutable {
             if (!alive.expired()) f(std::forward<decltype(args)>(args)...);
         };
     }
 
+    // Expires when the owner is destroyed or cancelled.
     std::weak_ptr<const void> Life() const { return token_; }
 
  private:
@@ -42,8 +44,10 @@ class Owner {
     std::shared_ptr<Token> token_;
 };
 
-// Told of an exception that left an event handler; exceptions never pass through a Signal into the code that
-// raised the event. The default handler drops it. `set` returns the handler that was set before.
+// Receives the exceptions that leave event handlers: an exception never passes through a Signal into the code
+// that raised the event. There is one handler for the whole process; it may be called on any thread, and what
+// it throws is dropped. The default handler, or an empty one, drops the exception. Setting a handler returns
+// the one that was set before.
 using StrayExceptionHandler = std::function<void(std::exception_ptr)>;
 KQ_EXPORT StrayExceptionHandler SetStrayExceptionHandler(StrayExceptionHandler handler);
 KQ_EXPORT void ReportStrayException(std::exception_ptr exception) noexcept;
@@ -57,12 +61,13 @@ class Signal {
     Signal(const Signal&) = delete;
     Signal& operator=(const Signal&) = delete;
 
-    // Calls `handler` at every event until `owner` is gone. Handlers are called in the order of connection.
+    // Calls `handler` at every event until `owner` is destroyed or cancelled. Handlers are called in the
+    // order in which they were connected.
     void Connect(const Owner& owner, Handler handler) {
         slots_->push_back(std::make_shared<Slot>(Slot{owner.Life(), std::move(handler)}));
     }
 
-    // Ends what was connected for this owner.
+    // Disconnects every handler of this owner from this signal.
     void Disconnect(const Owner& owner) {
         const auto life = owner.Life().lock();
         for (auto& slot : *slots_) {
@@ -77,7 +82,7 @@ class Signal {
         return false;
     }
 
-    // Raises the event. By-reference arguments are the same objects for every handler.
+    // Raises the event. All handlers get the same objects as by-reference arguments.
     void operator()(Args... args) const {
         const auto all = slots_;  // outlives a handler that destroys the signal
         std::erase_if(*all, [](const auto& s) { return s->life.expired(); });

@@ -1,4 +1,5 @@
-// Named figures of a running program: counters that grow, gauges that are set, durations that are gathered.
+// Named figures of a running program: counters, gauges and durations. A name is any text. Counters and gauges
+// share one set of names; durations have their own. An object belongs to one thread.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +14,7 @@ namespace kq {
 
 class KQ_EXPORT Statistics {
  public:
-    // What was recorded under one name. Durations are milliseconds.
+    // The durations that were recorded under one name, in milliseconds.
     struct Duration {
         std::int64_t count = 0;
         double total = 0;
@@ -22,16 +23,19 @@ class KQ_EXPORT Statistics {
         double Mean() const { return count == 0 ? 0 : total / static_cast<double>(count); }
     };
 
-    void Increment(std::string_view name, std::int64_t by = 1);  // saturates at the ends of 64 bits
+    // Creates the counter or gauge if it is new. A counter stops at the ends of 64 bits.
+    void Increment(std::string_view name, std::int64_t by = 1);
     void Set(std::string_view name, std::int64_t value);
-    void Record(std::string_view name, double milliseconds);  // negative and not finite values raise error 5
+    // Raises RuntimeError::InvalidProcedureCall for a value that is negative or not finite.
+    void Record(std::string_view name, double milliseconds);
 
     std::int64_t Value(std::string_view name) const;   // 0 for an unknown name
     Duration DurationOf(std::string_view name) const;  // empty for an unknown name
-    std::vector<std::string> Names() const;            // of counters and gauges, in order
-    std::vector<std::string> DurationNames() const;
+    std::vector<std::string> Names() const;            // of counters and gauges, sorted
+    std::vector<std::string> DurationNames() const;    // sorted
     void Clear();
-    // One "name value" or "name count minimum mean maximum" a line, in order of names.
+    // One line for each figure, sorted by name: "name value", or "name count minimum mean maximum" with three
+    // decimals. White space and control characters in a name are written as "_".
     std::string Text() const;
 
  private:

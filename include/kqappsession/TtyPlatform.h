@@ -1,18 +1,17 @@
-// For programs without windows that ask their user on a terminal, over a remote shell too:
+// For programs without windows that ask their user on a terminal. It works over a remote shell too.
 //
 //   kq::KQAppSessClient client(kq::MakeTtyPlatform());
 //   client.SystemLogin(true, login);   // asks on the terminal
 //
-// A dialog's boxes are asked one after the other, passwords without echo; then its buttons are offered by
-// number. As long as a button leaves the dialog open it is asked again: after a message from the box that it
-// is about, else from the start. An empty answer keeps what is there, for buttons the default one; a single
-// space empties a text box. The interrupt key and the end of the input are Cancel. What a login waits for,
-// and how far a download is, are told in lines. Connections and timers are served meanwhile.
+// A dialog's boxes are asked one after the other, passwords without echo. Then its buttons are offered by
+// number. If a button leaves the dialog open, the questions are asked again: from the box that an error
+// message is about, otherwise from the start. An empty answer keeps the present value or, for the buttons,
+// chooses the default one. A single space empties a text box. The interrupt key and end of input mean Cancel.
+// Wait messages and download progress are printed. Connections and timers are served in the meantime.
 //
-// While a question waits the terminal is in a mode of its own; the mode before comes back with every answer,
-// when the program exits or an exception passes, and when the default action of a usual signal ends it
-// (SIGHUP, SIGINT, SIGTERM, those of faults and others, but for example not SIGKILL) or that of SIGTSTP stops
-// it.
+// While a question is open the terminal is in a mode of its own. The previous mode is restored after every
+// answer, when the program exits or an exception passes, and when the default action of a signal ends the
+// program (such as SIGHUP, SIGINT, SIGTERM and faults, but not SIGKILL) or SIGTSTP stops it.
 #pragma once
 
 #include <cstdint>
@@ -24,12 +23,12 @@
 
 namespace kq {
 
-// The bundle of this machine with dialogs on a terminal: `input` and `output` are open files, by default
-// standard input and standard error; they stay the caller's. The input need not be a terminal: a file or pipe
-// gives its lines as answers. Where nobody sees the questions, because they cannot be written or are asked of
-// a terminal but written elsewhere, each of them is answered by Cancel; an output that takes nothing for ten
-// seconds counts as one that cannot be written. So is a password that the terminal would show.
-// `loop` and `language` as for MakePlatform, with its error.
+// A platform with dialogs on a terminal. `input` and `output` are open files, by default standard input and
+// standard error; the caller keeps and closes them. The input need not be a terminal: the lines of a file or
+// pipe are the answers. `loop` and `language`: as for MakePlatform, with the same error.
+//
+// A question that nobody can see counts as cancelled: the output cannot be written, accepts nothing for ten
+// seconds, or only the input is a terminal. So does a password prompt whose echo cannot be turned off.
 KQ_EXPORT PlatformPtr MakeTtyPlatform(std::shared_ptr<EventLoop> loop = nullptr, int input = 0,
                                       int output = 2, std::optional<std::int32_t> language = {});
 

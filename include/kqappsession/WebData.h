@@ -1,10 +1,13 @@
-// The data that a login delivers and a client keeps: the translation table, the user's profiles with their
-// tables. Each object has a text form (XML) with a root element of its own; loading accepts only that root,
-// replaces everything on success, and changes nothing when it raises (number kNotWebData, source
-// "KQWebDataLib"). Texts, names and keys that XML cannot carry (control characters other than tab and line
-// ends, ill-formed UTF-8) raise RuntimeError::InvalidProcedureCall where they are set.
+// The data that a login delivers and a client keeps: the translation table, and the user's profiles with
+// their tables.
 //
-// Objects belong to the thread of their creator. Names are compared exactly, upper and lower case apart.
+// Each object has a text form, which is XML with a root element of its own. LoadXML accepts only that root.
+// It replaces everything on success; on an error (number kNotWebData, source "KQWebDataLib") nothing changes.
+// A text, name or key that XML cannot carry (ill-formed UTF-8, control characters other than tab and line
+// ends) raises RuntimeError::InvalidProcedureCall where it is set.
+//
+// Names, keys and columns are compared exactly, upper and lower case apart. Positions count from 1. An object
+// belongs to one thread.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +25,7 @@ namespace kq {
 
 inline constexpr std::int32_t kNotWebData = static_cast<std::int32_t>(0x80040B11U);
 
-struct WebDataReader;  // builds what a text says; the loaders' own
+struct WebDataReader;  // the loaders' own
 
 // A user's texts by key.
 class KQ_EXPORT TranslationTable {
@@ -31,11 +34,12 @@ class KQ_EXPORT TranslationTable {
     void SetLanguage(std::string_view language);
     std::int32_t Count() const;
     bool Exists(std::string_view key) const;
-    // The text of the key; the key itself when the table has none, so that a screen never shows a gap.
+    // The text of the key. If there is none, the key itself, so that a screen never shows a gap.
     std::string Translate(std::string_view key) const;
+    // Adds the text, or replaces the one that the key has.
     void Set(std::string_view key, std::string_view text);
-    void Remove(std::string_view key);      // nothing happens when there is none
-    std::vector<std::string> Keys() const;  // in order
+    void Remove(std::string_view key);      // does nothing if there is none
+    std::vector<std::string> Keys() const;  // sorted
 
     std::string ToXML() const;
     void LoadXML(std::string_view xml);
@@ -47,13 +51,13 @@ class KQ_EXPORT TranslationTable {
 
 class DataTable;
 
-// One row of a DataTable: a text in each column that was set.
+// One row of a DataTable: a text for each column that was set.
 class KQ_EXPORT DataRow {
  public:
-    // Raises RuntimeError::InvalidProcedureCall when the table has no such column. An empty value is the same
-    // as none.
+    // An empty value removes the one that the row has. Raises RuntimeError::InvalidProcedureCall when the
+    // table has no such column.
     void SetValue(std::string_view column, std::string_view value);
-    // `default_value` when the row has no value in the column, or an empty one.
+    // `default_value` if the row has no value in the column, or the table no such column.
     std::string Value(std::string_view column, std::string_view default_value = {}) const;
 
  private:
@@ -64,7 +68,7 @@ class KQ_EXPORT DataRow {
     std::map<std::string, std::string, std::less<>> values_;
 };
 
-// Rows found by Select: a count and items from 1.
+// The rows that Rows and Select return. The rows themselves are shared with the table, not copied.
 class KQ_EXPORT DataRows {
  public:
     std::int32_t Count() const { return static_cast<std::int32_t>(rows_.size()); }
@@ -78,13 +82,13 @@ class KQ_EXPORT DataRows {
     std::vector<std::shared_ptr<DataRow>> rows_;
 };
 
-// A table of texts. A copy has rows of its own.
+// A table of texts. A copy has its own rows.
 class KQ_EXPORT DataTable {
  public:
     DataTable() : DataTable("", "") {}
-    // `columns`: names separated by commas, blanks around them are not part of them. Raises
+    // `columns`: names separated by commas; spaces around a name are removed. Raises
     // RuntimeError::InvalidProcedureCall for an empty name between commas and for more than 1024 columns,
-    // RuntimeError::DuplicateKey for a name that stands twice.
+    // RuntimeError::DuplicateKey for a name that occurs twice.
     DataTable(std::string_view name, std::string_view columns);
     DataTable(const DataTable& other);
     DataTable(DataTable&&) noexcept = default;
@@ -95,13 +99,16 @@ class KQ_EXPORT DataTable {
     const std::string& Name() const { return name_; }
     const std::vector<std::string>& Columns() const { return *columns_; }
     DataRows Rows() const;
-    // The rows whose column holds exactly `value`, in order. Errors as DataRow::SetValue.
+    // The rows whose column has exactly `value`, in order. Raises RuntimeError::InvalidProcedureCall when the
+    // table has no such column.
     DataRows Select(std::string_view column, std::string_view value) const;
+    // Appends an empty row and returns it.
     std::shared_ptr<DataRow> AddRow();
-    // Raises RuntimeError::InvalidProcedureCall when it is no row of this table.
+    // Raises RuntimeError::InvalidProcedureCall if it is not a row of this table.
     void RemoveRow(const std::shared_ptr<DataRow>& row);
 
-    // Rows that were taken out before a load stay as they are, apart from the table.
+    // Loading replaces name, columns and rows. Rows obtained before a load keep their values but no longer
+    // belong to the table.
     std::string ToXML() const;
     void LoadXML(std::string_view xml);
 
@@ -111,7 +118,7 @@ class KQ_EXPORT DataTable {
     std::vector<std::shared_ptr<DataRow>> rows_;
 };
 
-// The tables of one profile, in the order in which they were added. A copy has tables of its own.
+// The tables of one profile, in the order in which they were added. A copy has its own tables.
 class KQ_EXPORT TableStore {
  public:
     TableStore() = default;
@@ -123,12 +130,14 @@ class KQ_EXPORT TableStore {
 
     std::int32_t Count() const { return static_cast<std::int32_t>(tables_.size()); }
     bool Exists(std::string_view name) const;
-    // Raises RuntimeError::DuplicateKey when the store has a table of that name.
+    // Adds a new table and returns it. Raises RuntimeError::DuplicateKey if the store has a table of that
+    // name, and the errors of DataTable.
     std::shared_ptr<DataTable> Create(std::string_view name, std::string_view columns);
-    // The same for a table that exists; the store holds the object itself. Raises RuntimeError::ObjectNotSet
-    // when it is null.
+    // Adds the object itself, not a copy, and returns it. Raises RuntimeError::DuplicateKey as above,
+    // RuntimeError::ObjectNotSet for null.
     std::shared_ptr<DataTable> Add(std::shared_ptr<DataTable> table);
-    // Raises RuntimeError::InvalidProcedureCall when there is none. By position: from 1.
+    // By name or by position. These and Remove raise RuntimeError::InvalidProcedureCall if there is no such
+    // table.
     std::shared_ptr<DataTable> Item(std::string_view name) const;
     std::shared_ptr<DataTable> Item(std::int32_t index) const;
     void Remove(std::string_view name);
@@ -140,18 +149,18 @@ class KQ_EXPORT TableStore {
     std::vector<std::shared_ptr<DataTable>> tables_;
 };
 
-// A named set of application settings. A copy has tables of its own.
+// A named set of application settings. A copy has its own tables.
 class KQ_EXPORT Profile {
  public:
     explicit Profile(std::string_view name = {});
     const std::string& Name() const { return name_; }
     TableStore& Tables() { return tables_; }
     const TableStore& Tables() const { return tables_; }
-    // The same contents under another name; no row or table is shared.
+    // The same contents under another name. No row or table is shared.
     std::shared_ptr<Profile> Copy(std::string_view name) const;
 
-    // Loading takes over the name in the text, too. Writing raises RuntimeError::DuplicateKey when two tables
-    // have come to the same name by loading.
+    // Loading replaces the name too. Writing raises RuntimeError::DuplicateKey when two tables have the same
+    // name, which loading one of them can cause.
     std::string ToXML() const;
     void LoadXML(std::string_view xml);
 
@@ -164,31 +173,35 @@ class KQ_EXPORT Profile {
 // A user's profiles, in the order in which they were added.
 class KQ_EXPORT Profiles {
  public:
-    // Raised after the collection has changed (not by LoadXML).
+    // Raised by Add and Remove, after the collection has changed and before they return. LoadXML and Rename
+    // raise neither.
     Signal<std::shared_ptr<Profile>> ProfileAdded;
     Signal<const std::string&> ProfileRemoved;
 
     std::int32_t Count() const { return static_cast<std::int32_t>(profiles_.size()); }
     bool Exists(std::string_view name) const;
-    // Raises RuntimeError::InvalidProcedureCall when there is none. By position: from 1.
+    // By name or by position. Raise RuntimeError::InvalidProcedureCall if there is no such profile.
     std::shared_ptr<Profile> Item(std::string_view name) const;
     std::shared_ptr<Profile> Item(std::int32_t index) const;
-    // Adds the object itself and returns it. Raises RuntimeError::DuplicateKey when the name is taken,
-    // RuntimeError::ObjectNotSet when it is null.
+    // Adds the object itself, not a copy, and returns it. Raises RuntimeError::DuplicateKey if the collection
+    // has a profile of that name, RuntimeError::ObjectNotSet for null.
     std::shared_ptr<Profile> Add(std::shared_ptr<Profile> profile);
-    // Raises RuntimeError::InvalidProcedureCall when there is none of that name.
+    // Raises RuntimeError::InvalidProcedureCall if there is no profile of that name.
     void Remove(std::string_view name);
-    // Gives the profile another name in its place. Raises RuntimeError::DuplicateKey when that is taken. The
-    // last used name follows. No event.
+    // Renames the profile, which keeps its position. If it is the one in LastUsed, that changes too. Raises
+    // RuntimeError::DuplicateKey if another profile has the new name, RuntimeError::InvalidProcedureCall if
+    // there is no profile `name`.
     void Rename(std::string_view name, std::string_view new_name);
     auto begin() const { return profiles_.begin(); }
     auto end() const { return profiles_.end(); }
 
-    // The name of the profile that was chosen last; it travels with the text form. Empty: none yet.
+    // The name of the profile that was chosen last, empty if there is none yet. It is part of the text form.
+    // Setting it does not check that there is such a profile.
     const std::string& LastUsed() const { return last_used_; }
     void SetLastUsed(std::string_view name);
 
-    // Writing raises RuntimeError::DuplicateKey when two profiles have come to the same name by loading.
+    // Writing raises RuntimeError::DuplicateKey when two profiles have the same name, which loading one of
+    // them can cause.
     std::string ToXML() const;
     void LoadXML(std::string_view xml);
 

@@ -1,10 +1,12 @@
-// A client of the XML bus: sends messages to addresses, hears the addresses that it subscribed to, and owns
-// one reply address that no other client has.
+// A client of the XML bus. It sends messages to addresses, receives messages for the addresses that it
+// subscribed to, and has one reply address that no other client has.
 //
-// A started client keeps its place on the bus by itself: when the bus goes away it reconnects with growing
-// delay (0.25 s doubling to 15 s), subscribes again and delivers what was sent meanwhile. What waits is
-// bounded (Limits). Everything happens on the loop's thread; event handlers may call back into the object or
-// drop it.
+// A started client stays connected automatically. When the connection to the bus is lost, it reconnects with
+// a growing delay (0.25 s, doubled up to 15 s), subscribes again and delivers what was sent in the meantime.
+// Its queue is limited (Limits).
+//
+// One thread: all members and events belong to the thread of the platform's event loop. Handlers may call
+// every member and may release the object.
 #pragma once
 
 #include <cstdint>
@@ -21,10 +23,10 @@ namespace kq {
 
 class BusTransport;
 
-// Where the hub is. The key is shared by all peers of a hub; a hub without one listens on loopback only.
+// Where the hub is. All peers of a hub share its key; a hub without a key listens on loopback only.
 struct BusSettings {
     std::string address = "127.0.0.1";
-    std::int32_t port = 0;  // 1 to 65535; with any other port every attempt to connect fails
+    std::int32_t port = 0;  // 1 to 65535; with any other port no attempt to connect succeeds
     std::string key;
 };
 
@@ -53,9 +55,9 @@ struct BusStatistics {
     std::int64_t sent = 0;      // handed to Send
     std::int64_t written = 0;   // written to the bus
     std::int64_t replaced = 0;  // states that a newer one outdated
-    std::int64_t expired = 0;   // dropped because their expiry passed before they reached the bus
+    std::int64_t expired = 0;   // dropped because they expired before they reached the bus
     std::int64_t received = 0;
-    std::int64_t malformed = 0;  // arrived, but dropped because they are no messages
+    std::int64_t malformed = 0;  // arrived, but dropped because they are not messages
     std::int64_t reconnects = 0;
     std::int64_t waiting = 0;  // in the queue now
 };
@@ -65,57 +67,62 @@ class KQ_EXPORT XMLBusClient : public std::enable_shared_from_this<XMLBusClient>
     using MessagePtr = std::shared_ptr<XMLMessage>;
     struct Limits {
         std::size_t waiting_messages = 100'000;
-        std::size_t waiting_bytes = 64U << 20;  // estimated size of the waiting messages
+        std::size_t waiting_bytes = 64U << 20;  // estimated size of the queued messages
     };
     static constexpr std::string_view kSource = "KQXMLBusClientLib";
-    // What a message may hold at most; a larger one is neither sent nor received. Room for the session
-    // list of an application server with 20,000 sessions, ten times over.
+    // Limits of one message; a larger one is neither sent nor received. Ten times the session list of an
+    // application server with 20,000 sessions fits.
     static constexpr std::size_t kMaxMessage = 16U << 20;  // bytes of its bus form
     static constexpr std::size_t kMaxElements = 200'000;   // its root included
     static constexpr Milliseconds kNoExpiry{0};
 
-    // A client of a hub, and a client over any transport (one inside the process for tests). Raises
-    // RuntimeError::ObjectNotSet when `platform` is null, RuntimeError::InvalidProcedureCall when `transport`
-    // is.
+    // A client of a hub, or a client over any transport (for tests: one inside the process). Raises
+    // RuntimeError::ObjectNotSet if `platform` is null, RuntimeError::InvalidProcedureCall if `transport` is
+    // null.
     static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform, BusSettings settings);
     static std::shared_ptr<XMLBusClient> Create(PlatformPtr platform,
                                                 std::shared_ptr<BusTransport> transport);
     XMLBusClient(const XMLBusClient&) = delete;
     XMLBusClient& operator=(const XMLBusClient&) = delete;
+    // Disconnects without waiting and without events. Queued messages are lost; call Stop first to have them
+    // written.
     ~XMLBusClient();
 
-    // A message for one of the subscribed addresses or the reply address. A handler that has dealt with it
-    // sets the flag; later handlers see it set.
+    // A message for one of the subscribed addresses or for the reply address. A handler that has dealt with
+    // it sets the flag; the handlers after it see the flag set.
     Signal<const MessagePtr&, bool&> ReceiveMessage;
     // Every 60 s while running, and when the client stops.
     Signal<const BusStatistics&> StatisticsEvent;
-    // The place on the bus was gained (true) or lost (false, with a sentence). Attempts that fail are told
-    // like a loss, but only when the sentence is another than the last one.
+    // Connected to the bus (true) or disconnected (false, with the reason). A failed attempt is reported like
+    // a disconnection, unless its reason is the same as the last one.
     Signal<bool, const std::string&> ConnectionChanged;
 
-    // Where the hub is; the key is in it. A client over another transport has no hub: default values, and
-    // setting makes it a hub's client. Set only while stopped, else RuntimeError::InvalidProcedureCall; what
-    // waits to be written goes to the new hub.
+    // Where the hub is, key included. A client over another transport has default values; setting them makes
+    // it a client of that hub. May be set only while stopped, else RuntimeError::InvalidProcedureCall. Queued
+    // messages go to the new hub.
     const BusSettings& Hub() const;
     void SetHub(BusSettings settings);
 
-    bool Running() const;    // started and not stopped, whether or not the bus is there at the moment
-    bool Connected() const;  // has its place on the bus
-    void Start();            // returns at once
-    // Runs the loop until what waits has arrived on the bus, 1 s at most, then gives the place up; does
-    // nothing when not running. Nothing can be sent meanwhile. What could not be written in time stays for
-    // the next start. A Start while this waits keeps the client running.
+    bool Running() const;    // started and not stopped, whether or not connected
+    bool Connected() const;  // to the bus, and accepted by it
+    void Start();            // returns immediately; does nothing when running
+    // Waits up to 1 s for queued messages to reach the bus, then disconnects. Nothing can be sent in the
+    // meantime. Messages that could not be written in time stay queued for the next start. A Start during the
+    // wait keeps the client running. Does nothing when not running.
     void Stop();
 
-    // Subscriptions hold over stop and start. Adding one twice changes its option; removing an unknown one
-    // raises RuntimeError::InvalidProcedureCall, and so does an address that is none (an empty type, control
-    // characters, more than 512 bytes) or that is the reply address.
+    // Subscriptions are kept over stop and start. Adding one twice changes its option. Removing an unknown
+    // one raises RuntimeError::InvalidProcedureCall; so does an address that is not valid (an empty type,
+    // control characters, more than 512 bytes) or that is the reply address.
     void AddSubscription(const std::string& type, BusSubscription option, const std::string& subtype);
     void RemoveSubscription(const std::string& type, const std::string& subtype);
 
-    // This client's own reply address.
+    // This client's reply address. It never changes.
     const std::string& ReplyType() const;
     const std::string& ReplySubType() const;
+    // The enterprise of the application server that uses this client, default empty. KQAppSessServer gives it
+    // to every session that it adds from now on, in place of the enterprise that the login server reports.
+    // The bus itself does not use it.
     const std::string& EnterpriseID() const;
     void SetEnterpriseID(const std::string& id);
 
@@ -132,7 +139,7 @@ class KQ_EXPORT XMLBusClient : public std::enable_shared_from_this<XMLBusClient>
     // RuntimeError::InvalidProcedureCall also for a value that BusOutdates does not have.
     void Send(const XMLMessage& message, const BusState& state);
     BusStatistics Statistics() const;
-    // For what is sent from now on; what is queued already stays.
+    // Limits for what is sent from now on. What is already queued stays queued.
     void SetLimits(const Limits& limits);
 
  private:
