@@ -16,26 +16,26 @@
         FIELD(Text, AppID, "the application's identifier")                                                   \
         FIELD(Text, InterfaceVersion, "the interface version that the application needs")                    \
         FIELD(Text, ClientVersion, "the client's own version")                                               \
-        FIELD(Optional, RestrictIP, "the only address that application servers may have")                    \
-        FIELD(Optional, RestrictPort, "the only port that application servers may have, decimal"))           \
+        FIELD(Optional, RestrictIP, "only application servers at this address are considered")               \
+        FIELD(Optional, RestrictPort, "only application servers at this port are considered, decimal"))      \
     MESSAGE(Client, ASValidateClientResponse, "the answer to ASValidateClientRequest",                       \
         FIELD(Text, ErrorNumber, "0 or the number of the error, decimal")                                    \
         FIELD(Text, ClientAvailable, "True: a newer client can be downloaded")                               \
-        FIELD(Text, InterfaceAvailable, "True: there is a server for the interface version")                 \
-        FIELD(Optional, ErrorDesc, "the error for a person")                                                 \
-        FIELD(Optional, ErrorParam, "a code of the error, such as ZEBError-132"))                            \
+        FIELD(Text, InterfaceAvailable, "True: there is an application server for the interface version")    \
+        FIELD(Optional, ErrorDesc, "description of the error for the user")                                  \
+        FIELD(Optional, ErrorParam, "code of the error, such as ZEBError-132"))                              \
     MESSAGE(Client, ASLoginRequest, "logs a user in",                                                        \
         FIELD(Text, AppID, "the application's identifier")                                                   \
         FIELD(Text, LoginID, "the user's login name")                                                        \
         FIELD(Password, Password, "the user's password")                                                     \
-        FIELD(Password, NewPassword, "the password from this login on; empty to keep the old one")           \
-        FIELD(WantedData, Request, "what is wanted: the translation table and the profiles")                 \
-        FIELD(Optional, RestrictIP, "the only address that application servers may have")                    \
-        FIELD(Optional, RestrictPort, "the only port that application servers may have, decimal"))           \
+        FIELD(Password, NewPassword, "the new password; empty: keep the current one")                        \
+        FIELD(WantedData, Request, "the data to return: the translation table and the profiles")             \
+        FIELD(Optional, RestrictIP, "only application servers at this address are considered")               \
+        FIELD(Optional, RestrictPort, "only application servers at this port are considered, decimal"))      \
     MESSAGE(Client, ASLoginResponse, "the answer to ASLoginRequest",                                         \
         FIELD(Text, ErrorNumber, "0 or the number of the error, decimal")                                    \
-        FIELD(Optional, ErrorDesc, "the error for a person")                                                 \
-        FIELD(Optional, ErrorParam, "a code of the error, such as ZEBError-132")                             \
+        FIELD(Optional, ErrorDesc, "description of the error for the user")                                  \
+        FIELD(Optional, ErrorParam, "code of the error, such as ZEBError-132")                               \
         FIELD(Optional, DaysToExpirePassword, "days until the password expires, decimal")                    \
         FIELD(XML, TranslationTable, "the user's translation table")                                         \
         FIELD(Message, SessionInfo, "the session's record")                                                  \
@@ -46,12 +46,12 @@
         FIELD(Text, AppID, "the application's identifier")                                                   \
         FIELD(Text, LoginID, "the user's login name")                                                        \
         FIELD(Text, SessionID, "the session's identifier")                                                   \
-        FIELD(Password, OldPassword, "the password until now")                                               \
-        FIELD(Password, NewPassword, "the password from now on"))                                            \
+        FIELD(Password, OldPassword, "the current password")                                                 \
+        FIELD(Password, NewPassword, "the new password"))                                                    \
     MESSAGE(Client, ASPasswordChangeResponse, "the answer to ASPasswordChangeRequest",                       \
         FIELD(Text, ErrorNumber, "0 or the number of the error, decimal")                                    \
-        FIELD(Optional, ErrorDesc, "the error for a person, or its code")                                    \
-        FIELD(Optional, ErrorParam, "a code of the error, such as ZEBError-132"))                            \
+        FIELD(Optional, ErrorDesc, "description of the error for the user, or its code")                     \
+        FIELD(Optional, ErrorParam, "code of the error, such as ZEBError-132"))                              \
     MESSAGE(Client, ASProfilesUpdate, "replaces the profiles that the login server keeps",                   \
         FIELD(Text, AppID, "the application's identifier")                                                   \
         FIELD(Text, LoginID, "the user's login name")                                                        \
@@ -60,22 +60,22 @@
         FIELD(XML, Profiles, "the user's profiles"))                                                         \
     MESSAGE(Client, ASProfilesUpdateResponse, "the answer to ASProfilesUpdate",                              \
         FIELD(Text, ErrorNumber, "0 or the number of the error, decimal")                                    \
-        FIELD(Optional, ErrorDesc, "the error for a person")                                                 \
-        FIELD(Optional, ErrorParam, "a code of the error"))                                                  \
+        FIELD(Optional, ErrorDesc, "description of the error for the user")                                  \
+        FIELD(Optional, ErrorParam, "code of the error"))                                                    \
     MESSAGE(Client, ASRegisterRequest, "registers a session with an application server",                     \
         FIELD(Text, AppID, "the application's identifier")                                                   \
         FIELD(Text, SessionID, "the session's identifier")                                                   \
         FIELD(Text, LocaleID, "the user's locale identifier, decimal"))                                      \
     MESSAGE(Client, ASRegisterResponse, "the answer to ASRegisterRequest",                                   \
         FIELD(Text, ErrorNum, "0 or the number of the error, decimal")                                       \
-        FIELD(Optional, ErrorDesc, "the error for a person"))                                                \
+        FIELD(Optional, ErrorDesc, "description of the error for the user"))                                 \
     MESSAGE(Client, ASUnknownResponse, "an application server's answer to a client that has not registered", \
         FIELD(Text, ErrorNum, "the number of the error, decimal")                                            \
-        FIELD(Optional, ErrorDesc, "the error for a person"))                                                \
-    MESSAGE(Client, ASDownloadClientRequest, "asks for a newer client's installer; it comes as raw bytes", ) \
+        FIELD(Optional, ErrorDesc, "description of the error for the user"))                                 \
+    MESSAGE(Client, ASDownloadClientRequest, "asks for a newer client's installer, sent as raw bytes", )     \
     MESSAGE(Client, ASDownloadClientResponse, "the answer to ASDownloadClientRequest without an installer",  \
         FIELD(Text, ErrorNumber, "the number of the error, decimal")                                         \
-        FIELD(Optional, ErrorDesc, "the error for a person"))                                                \
+        FIELD(Optional, ErrorDesc, "description of the error for the user"))                                 \
     MESSAGE(Element, SessionInfo, "a session's record",                                                      \
         FIELD(Text, LoginID, "the user's login name")                                                        \
         FIELD(Text, UserUID, "the user's number, decimal")                                                   \
@@ -91,10 +91,10 @@
         FIELD(Text, PrivilegeList, "the user's privileges, separated by |")                                  \
         FIELD(Optional, SessionID, "the session's identifier")                                               \
         FIELD(Optional, AppID, "the application's identifier"))                                              \
-    MESSAGE(Element, ErrorResponse, "why a registration was refused",                                        \
+    MESSAGE(Element, ErrorResponse, "why a registration is refused",                                         \
         FIELD(Text, ErrorCode, "the number of the error, decimal")                                           \
-        FIELD(Text, ErrorDescription, "the error for a person"))                                             \
-    MESSAGE(Element, ASRequestInfo, "where the sender hears answers",                                        \
+        FIELD(Text, ErrorDescription, "description of the error for the user"))                              \
+    MESSAGE(Element, ASRequestInfo, "the sender's reply address",                                            \
         FIELD(Text, ReturnMsgType, "the type of the sender's reply address")                                 \
         FIELD(Text, ReturnSubType, "the subtype of the sender's reply address"))                             \
     MESSAGE(Element, ApplicationInfo, "an application server and its sessions",                              \
@@ -106,13 +106,13 @@
         FIELD(Optional, ClientVersion, "the installer's version")                                            \
         FIELD(Texts, InterfaceVersions, "the interface versions that are served, one element each")          \
         FIELD(Optional, InfoState, "C: all sessions, E: a session that ended, D: the server stops")          \
-        FIELD(SessionIDList, Sessions, "the sessions that the state speaks of"))                             \
+        FIELD(SessionIDList, Sessions, "the sessions that InfoState refers to"))                             \
     MESSAGE(Element, ApplicationInfos, "the application servers of an announcement",                         \
         FIELD(Element<kq::ApplicationInfo>, ApplicationInfo, "the application server"))                      \
     MESSAGE(Bus, ASBroadcastInfo, "an application server announces itself",                                  \
-        FIELD(Element<kq::ASRequestInfo>, ASRequestInfo, "where the application server hears answers")       \
-        FIELD(Element<kq::ApplicationInfos>, ApplicationInfos, "what is announced"))                         \
-    MESSAGE(Bus, RequestBroadcastAS, "asks application servers to announce themselves at once", )            \
+        FIELD(Element<kq::ASRequestInfo>, ASRequestInfo, "the application server's reply address")           \
+        FIELD(Element<kq::ApplicationInfos>, ApplicationInfos, "the announced application servers"))         \
+    MESSAGE(Bus, RequestBroadcastAS, "asks application servers to announce themselves immediately", )        \
     MESSAGE(Bus, RequestASRegistration, "asks the login server to confirm a session",                        \
         FIELD(Text, ReturnMsgType, "the type of the application server's reply address")                     \
         FIELD(Text, ReturnSubType, "the subtype of the application server's reply address")                  \

@@ -14,15 +14,15 @@ Generated from `src/messages/ASMessageList.h`; a test compares the two. To rewri
 after a change of the list, run `KQ_UPDATE_GOLDEN=1 test_messages`. A filled sample of each message is
 `tests/golden/messages/<type>.xml`.
 
-Every message has a type, the version "1" and named fields in the order shown. Names are exact, upper and
-lower case apart. Every value is a text: numbers are decimal, a Boolean is true when it is exactly `True`. An
-error number of 0, empty or missing means success.
+Every message has a type, the version "1" and named fields in the order shown. Names are case-sensitive. Every
+value is a text: numbers are decimal, and a Boolean is true when it is exactly `True`. An error number that is
+0, empty or missing means success.
 )";
 
 constexpr std::string_view kBetweenServers = R"(
-All of them stand in the schema namespace `ZEBSchemas`. A client's request that an application server passes
-on to the login server travels as a message of the same type and fields in that namespace, with these fields
-added; the answer brings `TransID` back.
+All of them are in the schema namespace `ZEBSchemas`. When an application server relays a client's request to
+the login server, it sends a message of the same type and fields in that namespace and adds these fields. The
+answer returns `TransID`.
 
 | Field | Form | Meaning |
 |---|---|---|
@@ -65,9 +65,8 @@ std::string MessageDocument() {
     page += kBetweenServers;
     AddChannel(page, MessageChannel::Bus);
     page +=
-        "\n## Elements inside messages\n\nThe session's record inside `ASLoginResponse` is a nested message: "
-        "the "
-        "element then also carries a type and a version.\n";
+        "\n## Elements inside messages\n\nInside `ASLoginResponse` the session's record is a nested message: its "
+        "element also has a type and a version.\n";
     AddChannel(page, MessageChannel::Element);
     return page;
 }
