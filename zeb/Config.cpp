@@ -26,16 +26,17 @@ using Number = Setting::Number;
 using Choice = Setting::Choice;
 
 constexpr std::array<Setting, 14> kSettings = {{
-    {"data", "folder with the database, made by 'zebctl init'", Text{&Config::data}},
+    {"data", "folder with the database, created by 'zebctl init'", Text{&Config::data}},
     {"listen", "address to listen on for clients; empty: all", Text{&Config::listen}},
     {"port", "port for clients; 0: a free one", Number{&Config::port, 0, 65535}},
     {"bus_address", "address to listen on for the bus; empty: all", Text{&Config::bus_address}},
     {"bus_port", "port for the bus; 0: a free one", Number{&Config::bus_port, 0, 65535}},
-    {"bus_key_file", "file with the key of the bus, made by 'zebctl bus-key'; without one: loopback only",
+    {"bus_key_file", "file with the bus key, created by 'zebctl bus-key'; without one: loopback only",
      Text{&Config::bus_key_file}},
-    {"log_level", "trace, debug, info, warn, error or off",
+    {"log_level", "level of the log: trace, debug, info, warn, error or off",
      Choice{&Config::log_level, "trace|debug|info|warn|error|off"}},
-    {"register_time", "seconds from a login to its registration", Number{&Config::register_time, 1, 86'400}},
+    {"register_time", "seconds within which a login must be registered",
+     Number{&Config::register_time, 1, 86'400}},
     {"max_connections", "maximum number of client connections", Number{&Config::max_connections, 1, 100'000}},
     {"max_request", "largest request in KiB", Number{&Config::max_request, 4, 16'384}},
     {"password_threads", "threads that check passwords", Number{&Config::password_threads, 1, 64}},

@@ -20,17 +20,17 @@ using namespace kq;
 using namespace kq::zeb;
 
 constexpr const char* kAbout =
-    "The login server. It answers logins and registrations for the users in its database and carries the "
-    "bus. Its log goes to standard error. When it is ready it writes two lines to standard output:\n"
+    "The login server. It answers logins and registrations of the users in its database and runs the "
+    "message bus. It logs to standard error. When it is ready it writes two lines to standard output:\n"
     "  zebd: listening on ADDRESS:PORT\n"
     "  zebd: bus on ADDRESS:PORT\n"
-    "The database is made by 'zebctl init --data DIR'.\n"
+    "'zebctl init --data DIR' creates the database.\n"
     "Example: zebd --data /var/lib/zebd";
 
 constexpr const char* kFooter =
-    "Every setting can also be given in the configuration file (underlines for hyphens) or in the "
-    "environment (ZEBD_DATA, ZEBD_PORT and so on; ZEBD_CONFIG names the file). The command line wins over "
-    "the environment, the environment over the file.\n"
+    "Every setting can also be given in the configuration file (with underscores instead of hyphens) or in "
+    "the environment (ZEBD_DATA, ZEBD_PORT and so on; ZEBD_CONFIG names the file). The command line takes "
+    "precedence over the environment, the environment over the file.\n"
     "\n"
     "SIGTERM, SIGINT and SIGHUP stop the server.\n"
     "\n";

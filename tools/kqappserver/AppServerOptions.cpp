@@ -21,7 +21,7 @@ void AddOptions(CLI::App& app, AppServerOptions& options) {
     app.add_option("--bus-address", options.bus_address, "The address of the bus")->capture_default_str();
     app.add_option("--bus-port", options.bus_port, "The port of the bus")->required()->check(InRange(kPort));
     app.add_option("--bus-key-file", options.bus_key_file,
-                   "The file with the key of the bus, as zebd reads it; made by 'zebctl bus-key'")
+                   "The file with the bus key of zebd, created by 'zebctl bus-key'")
         ->type_name("FILE");
     app.add_option("--path", options.path,
                    "The application's folder; the folder Install in it holds the client installer")
@@ -30,10 +30,10 @@ void AddOptions(CLI::App& app, AppServerOptions& options) {
     app.add_option("--info-interval", options.info_interval, "Seconds between announcements; 0: none")
         ->check(InRange({0, kLongestInterval}))
         ->capture_default_str();
-    app.add_option("--run-for", options.run_for, "Seconds after which the program ends by itself")
+    app.add_option("--run-for", options.run_for, "Seconds after which the program ends")
         ->check(InRange({0, kLongestInterval}));
     app.add_flag("--commands", options.commands,
-                 "Obey lines on standard input: sessions, disconnect ID, quit");
+                 "Read commands from standard input: sessions, disconnect ID, quit");
 }
 
 }  // namespace
@@ -41,7 +41,7 @@ void AddOptions(CLI::App& app, AppServerOptions& options) {
 std::optional<AppServerOptions> ParseAppServerOptions(int argc, const char* const* argv, int& exit_code) {
     AppServerOptions options;
     CLI::App app(
-        "An application server without an application: accepts sessions and logs every event as one line.\n"
+        "An application server without an application: registers clients and logs every event as one line.\n"
         "Example: kqappserver --app Demo --bus-port 7701",
         "kqappserver");
     app.footer(ExitCodeTable({{kExitDone, "ended by a signal, --run-for or the command quit"},

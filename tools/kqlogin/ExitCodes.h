@@ -22,7 +22,7 @@ namespace kq {
     X(GivenUp, 10, "the user gave up (--tty)")                                       \
     X(ServerFailure, 11, "server busy, failed or invalid reply; try again later")    \
     X(SettingsFile, 12, "the settings file could not be written (--save-settings)")  \
-    X(Signal, 128, "plus the signal's number: ended by a signal before the end")
+    X(Signal, 128, "plus the signal's number: ended by a signal")
 
 enum class ExitCode : int {
 #define KQ_X(name, code, meaning) name = code,

@@ -1,4 +1,4 @@
-// The password is no option: other users of the machine can read a command line.
+// There is no option for the password: other users of the machine can read a command line.
 #include "tools/kqlogin/LoginOptions.h"
 
 #include <limits>
@@ -9,7 +9,7 @@
 namespace kq {
 namespace {
 
-// Throws what says that a combination of options means nothing.
+// Throws an error for options that contradict each other or need another one.
 void CheckTogether(const LoginOptions& options) {
     const auto refuse = [](const char* sentence) { throw CLI::ValidationError(sentence); };
     if (!options.tty && options.user.empty()) refuse("--user is required");
@@ -26,10 +26,9 @@ void AddOptions(CLI::App& app, LoginOptions& options) {
     constexpr auto kLargest = std::numeric_limits<std::int32_t>::max();
     const CLI::Validator filled([](std::string& text) { return std::string(text.empty() ? "is empty" : ""); },
                                 "");
-    auto* tty =
-        app.add_flag("--tty", options.tty,
-                     "Ask on the terminal for login id and password, for the server when the settings "
-                     "file has none, and what to do about failures");
+    auto* tty = app.add_flag("--tty", options.tty,
+                             "Ask on the terminal for login id and password, for the server if the settings "
+                             "file has none, and what to do about failures");
     app.add_option("--address", options.address, "The login server's name or address")->excludes(tty);
     app.add_option("--port", options.port, "The login server's port")->check(InRange(kPort))->excludes(tty);
     app.add_option("--time-out", options.time_out, "Milliseconds to wait for a connection or a reply")
@@ -37,7 +36,7 @@ void AddOptions(CLI::App& app, LoginOptions& options) {
         ->capture_default_str()
         ->excludes(tty);
     app.add_flag("--settings", options.settings,
-                 "Take address, port and time-out from the settings file (see below)")
+                 "Read address, port and time-out from the settings file (see below)")
         ->excludes(tty);
     app.add_flag("--save-settings", options.save_settings,
                  "Store address, port and time-out in the settings file after the login")
@@ -62,7 +61,7 @@ void AddOptions(CLI::App& app, LoginOptions& options) {
                  "Register with the application server after the login");
     app.add_option("--send", options.send, "Send an application message with this text after registering");
     app.add_flag("--wait", options.wait,
-                 "Stay connected until the server ends the session or a signal comes");
+                 "Stay connected until the server ends the session or a signal arrives");
     app.add_flag("--json", options.json, "Write the result as one JSON object");
 }
 
@@ -71,9 +70,9 @@ void AddOptions(CLI::App& app, LoginOptions& options) {
 std::optional<LoginOptions> ParseLoginOptions(int argc, const char* const* argv, int& exit_code) {
     LoginOptions options;
     CLI::App app(
-        "Logs a user in. The password is read from standard input: a prompt without echo on a terminal, else "
-        "one line. With --tty the user is asked for everything, as in the dialogs of a program with windows; "
-        "questions go to standard error, the result to standard output.\n"
+        "Logs a user in. The password is one line of standard input; on a terminal there is a prompt without "
+        "echo. With --tty the user is asked for everything, as in the dialogs of a program with windows. "
+        "Questions go to standard error, the result to standard output.\n"
         "Example: kqlogin --address 127.0.0.1 --port 7700 --app Demo --user ann",
         "kqlogin");
     app.footer(

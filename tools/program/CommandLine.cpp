@@ -54,9 +54,9 @@ std::string Description(const CLI::App& app, const CLI::ParseError& error) {
 
 void PrepareCommandLine(CLI::App& app) {
     app.formatter(std::make_shared<Help>());
-    app.set_help_flag("-h,--help", "Show this help and end");
+    app.set_help_flag("-h,--help", "Show this help and exit");
     app.set_version_flag("--version", app.get_name() + " " + std::string(kVersion),
-                         "Show the version and end");
+                         "Show the version and exit");
 }
 
 CLI::Validator InRange(NumberRange range) {

@@ -112,16 +112,17 @@ void AddAccountOptions(CLI::App& add, Command& command) {
 }
 
 void AddProfilesCommands(CLI::App& app, Command& command) {
-    auto* const profiles = app.add_subcommand("profiles", "The profiles of a user");
+    auto* const profiles = app.add_subcommand("profiles", "Manages the profiles of a user");
     profiles->require_subcommand(1);
     for (auto* const added :
-         {AddCommand(*profiles, command, "show",
-                     "Lists the applications with profiles, or prints those for one application as XML",
-                     ShowTheProfiles),
+         {AddCommand(
+              *profiles, command, "show",
+              "Lists the applications with profiles, or prints the profiles for one application as XML",
+              ShowTheProfiles),
           AddCommand(*profiles, command, "remove", "Removes the profiles for one application or for all",
                      RemoveTheProfiles)}) {
         added->add_option("USER", command.account.login, "login id")->required();
-        added->add_option("--app", command.app_id, "application");
+        added->add_option("--app", command.app_id, "application identifier");
     }
 }
 
@@ -133,18 +134,18 @@ int Main(int argc, const char* const* argv) {
         "zebctl");
     app.footer(
         "'zebctl COMMAND --help' shows the options of a command. A new password is the first line of "
-        "standard input; on a terminal it is asked for without echo.\n\n" +
+        "standard input; on a terminal there is a prompt without echo.\n\n" +
         ExitCodeTable(
             {{kExitDone, "done"}, {kExitFailed, "failed"}, {kExitMisused, "invalid command line"}}));
     PrepareCommandLine(app);
     app.require_subcommand(1);
-    AddCommand(app, command, "init", "Makes a new database", Init);
-    auto* const user = app.add_subcommand("user", "The users");
+    AddCommand(app, command, "init", "Creates a new database", Init);
+    auto* const user = app.add_subcommand("user", "Manages the users");
     user->require_subcommand(1);
     AddAccountOptions(*AddCommand(*user, command, "add", "Adds a user", AddTheUser), command);
     AddCommand(*user, command, "list", "Lists the users", List);
     AddProfilesCommands(app, command);
-    auto* const key = app.add_subcommand("bus-key", "Makes a file with a new key of the bus");
+    auto* const key = app.add_subcommand("bus-key", "Creates a file with a new bus key");
     key->callback([&command] { command.run = MakeBusKey; });
     key->add_option("FILE", command.key_file, "the file; only its owner may read it")->required();
     if (const auto code = ParseCommandLine(app, argc, argv)) return *code;

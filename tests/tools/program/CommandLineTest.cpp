@@ -70,8 +70,8 @@ TEST_F(CommandLineOfAProgram, ShowsItsHelp) {
               "  user list                  Lists the users\n"
               "\n"
               "Options:\n"
-              "  -h, --help                 Show this help and end\n"
-              "  --version                  Show the version and end\n"
+              "  -h, --help                 Show this help and exit\n"
+              "  --version                  Show the version and exit\n"
               "  --port NUMBER              The port to listen on (1 to 65535; default: 7700)\n"
               "  --name TEXT                A name (required)\n"
               "  --quiet                    Says nothing\n"
@@ -101,7 +101,7 @@ TEST_F(CommandLineOfAProgram, ShowsTheHelpOfACommand) {
               "  LOGIN                      Login id (required)\n"
               "\n"
               "Options:\n"
-              "  -h, --help                 Show this help and end\n");
+              "  -h, --help                 Show this help and exit\n");
 }
 
 TEST_F(CommandLineOfAProgram, ShowsItsVersion) {
