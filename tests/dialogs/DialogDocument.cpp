@@ -12,14 +12,14 @@ constexpr std::string_view kIntroduction = R"(# Dialogs
 Generated from the forms in `src/dialogs`; a test compares the two. To rewrite this page after a change of a
 form, run `KQ_UPDATE_GOLDEN=1 test_dialogs`.
 
-A dialog is data: a list of controls that a renderer draws by kind. Controls stand in tab order, which is
-the order of reading. A text is its number in `resources/strings`, with the English words; where there is
-none, the dialog or the user fills it in. Enter clicks the default button, Escape the cancel button. The close
-box hides a dialog; only the code that showed it ends it.
+A dialog is data: a list of controls that a renderer draws by kind. Controls are listed in tab order, which is
+the order of reading. A text is shown as its number in `resources/strings` and its English words. A control
+without one is filled in by the dialog or the user. Enter clicks the default button, Escape the cancel button.
+The close box hides a dialog; only the code that showed it ends it.
 
-The focus is at first where the table says, else on the first control that takes it; the login dialog begins
-with the password when it knows the login id, the profiles dialog with the button "New" when there is no profile.
-After a message the focus is on the box that the message is about, with its text selected.
+The first focus is where the table says, else on the first control that accepts it. The login dialog begins with
+the password if it knows the login id, the profiles dialog with the button "New" if there is no profile. After
+a message the focus is on the box that the message is about, with its text selected.
 )";
 
 std::string_view NameOf(ControlKind kind) {
