@@ -1,7 +1,7 @@
-// One control of a form, as data: what it is, what it shows, what happens when the user touches it.
+// One control of a form, as data: what it is, what it shows, what happens when the user uses it.
 //
-// A renderer reads controls and is told of their changes (FormView); it never writes them. What the user does
-// it reports to the form. Positions and lengths in a text count characters (code points).
+// A renderer reads controls and is informed of their changes (FormView); it never writes them. It reports
+// what the user does to the form. Positions and lengths in a text count characters (code points).
 #pragma once
 
 #include <cstddef>
@@ -20,20 +20,20 @@ class Form;
 enum class ControlKind {
     Label,        // a text; with a buddy it names that box, for screen readers and access keys too
     TextBox,      // one line that the user types
-    MaskedBox,    // the same shown as "*"; what was typed reaches the form alone
+    MaskedBox,    // the same shown as "*"; only the form gets the text
     CheckBox,     // a text and a tick
     Button,       // a text and a click
     ListView,     // items of one column, at most one selected
     ProgressBar,  // how much of a range is done
     Frame,        // holds the controls that name it; no text, no border needed
-    Timer,        // not shown; the form runs it by itself
+    Timer,        // not shown; the form runs it
 };
 
-// Where a control stands in its frame. Frames without a frame stand below each other in the form.
+// The position of a control in its frame. Frames without a frame are below each other in the form.
 enum class Place {
     NextRow,    // begins a row; a label without a buddy runs over the whole width
     SameRow,    // right of the control before it
-    ButtonRow,  // in the one row of buttons of its frame, which comes where its first button stands
+    ButtonRow,  // in the one row of buttons of its frame, at the position of its first button
     Side,       // in the column of buttons right of the list
 };
 
@@ -41,14 +41,14 @@ enum class Place {
 struct ControlRow {
     ControlKind kind = ControlKind::Label;
     std::string_view name;
-    std::int32_t text_id = 0;  // 0: no text of its own
+    std::int32_t text_id = 0;  // 0: none
     std::string_view buddy = {};
     std::string_view frame = {};  // empty: the form itself
     Place place = Place::NextRow;
     bool visible = true;
     bool enabled = true;
     std::int32_t interval = 0;       // Timer: milliseconds
-    std::int32_t other_text_id = 0;  // a second text that takes turns with the first; 0: none
+    std::int32_t other_text_id = 0;  // a second text that alternates with the first; 0: none
 };
 
 struct Selection {
@@ -64,7 +64,7 @@ struct Progress {
     bool operator==(const Progress&) const = default;
 };
 
-// What a view has to draw anew.
+// What a view has to draw again.
 enum class ControlChange { Text, Selection, Visible, Enabled, Checked, Items, SelectedItem, Progress };
 
 class Control {
@@ -77,9 +77,9 @@ class Control {
     const ControlRow& Row() const { return row_; }
     ControlKind Kind() const { return row_.kind; }
     std::string_view Name() const { return row_.name; }
-    // Caption or typed text. Of a masked box always empty.
+    // Caption or typed text. Always empty for a masked box.
     const std::string& Text() const { return text_; }
-    // What takes turns with the text: setting one makes the other this. There is room for both, so that
+    // The text that alternates with Text: setting one makes the other this. There is room for both, so that
     // nothing moves. Empty: none.
     const std::string& OtherText() const { return other_text_; }
     std::size_t Length() const;  // characters; of a masked box too
@@ -93,9 +93,9 @@ class Control {
     bool TimerEnabled() const { return timer_enabled_; }
     bool TakesFocus() const;
 
-    // For the form's behaviour. Each tells the view; what is the same already changes nothing, except that a
-    // selection is made again.
-    // SetText puts the caret at the start and raises Change for a text box, before it returns.
+    // For the form's behaviour. Each informs the view. Setting the present value does nothing, except that a
+    // selection is made again. SetText puts the caret at the start and, for a text box, raises Change before
+    // it returns.
     void SetText(std::string_view text);
     void SetOtherText(std::string_view text) { other_text_ = text; }  // before the form is shown
     void SetSelection(kq::Selection selection);                       // cut to the text
@@ -104,15 +104,15 @@ class Control {
     void SetEnabled(bool on);
     void SetChecked(bool on);
     void SetItems(std::vector<std::string> items);  // selects none
-    void SelectItem(std::ptrdiff_t index);          // raises nothing; out of range: none
+    void SelectItem(std::ptrdiff_t index);          // raises no event; out of range: none
     void SetProgress(const kq::Progress& progress);
-    // Enabling starts the interval; enabling what is enabled leaves it running.
+    // Enabling starts the interval; a timer that is already enabled goes on.
     void SetTimerEnabled(bool on);
-    // Masked box: what was typed, and emptying it. There is no way to fill it but typing.
+    // Masked box: the typed text, and emptying it. Only the user can fill it.
     const Secret& Typed() const { return secret_; }
     void Clear();
 
-    // Handlers of what the user does; one each.
+    // Handlers of what the user does, one for each event.
     void OnClick(Handler handler) { click_ = std::move(handler); }
     void OnChange(Handler handler) { change_ = std::move(handler); }
     void OnGotFocus(Handler handler) { got_focus_ = std::move(handler); }

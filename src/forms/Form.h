@@ -1,19 +1,19 @@
-// A dialog as data. A Form lists its controls and holds their state; its behaviour is a handler per event; a
-// renderer (FormView) draws kinds of controls and knows no dialog by name.
+// A dialog as data. A Form lists its controls and holds their state. Its behaviour is one handler for each
+// event. A renderer (FormView) draws kinds of controls and knows no particular dialog.
 //
-// For who writes behaviour: a handler may hide the form, change any control, show another modal form or a
-// message box, during which everything else may happen. An exception that leaves a handler hides the form and
-// comes out of ShowModal (of a modeless form it is a stray exception).
+// For behaviour: a handler may hide the form, change any control, show another modal form or a message box,
+// and anything may happen while those are open. An exception that leaves a handler hides the form and is
+// raised by ShowModal; for a modeless form it is a stray exception.
 //
-// For who writes a renderer:
-// - The view is made by DialogHost::CreateView at the first showing, reads everything from the form, and is
-//   told of every later change that is not its own report. It reports what the user did, never what the form
-//   set.
-// - Every event may, before it returns, change and hide the form, show others and run the loop, or unload the
-//   form and so destroy the view: a view lets its window go without pulling it from under the toolkit (hide
-//   at once, destroy later) and touches nothing of itself after an event that it did not hold.
-// - The form is held by shared_from_this as long as a view needs it.
-// - A control can be used while Reachable says so; events of others are ignored.
+// For renderers:
+// - DialogHost::CreateView makes the view when the form is shown first. The view reads everything from the
+//   form and is informed of every later change that it has not reported itself. It reports what the user did,
+//   never what the form set.
+// - Before an event returns it may change and hide the form, show other forms and run the loop. It may also
+//   unload the form and so destroy the view. A view therefore hides its window immediately, destroys it
+//   later, and after an event uses only what it has kept alive itself.
+// - shared_from_this keeps the form alive as long as a view needs it.
+// - A control can be used while Reachable returns true; events of others are ignored.
 #pragma once
 
 #include <exception>
@@ -32,14 +32,14 @@
 
 namespace kq {
 
-// A picture for title bars, made and understood by one port. Others show none.
+// A picture for title bars. Only the renderer that made it can show it; others show none.
 class Icon {
  public:
     virtual ~Icon() = default;
 };
 using IconPtr = std::shared_ptr<const Icon>;
 
-// What the close box does: the form is hidden, or nothing happens. Nothing but Unload ends a form.
+// What the close box does: it hides the form, or nothing. Only Unload ends a form.
 enum class Closing { Hides, Refused };
 
 struct FormRow {
@@ -52,7 +52,7 @@ struct FormRow {
     std::vector<ControlRow> controls = {};
 };
 
-// How high the window is.
+// The height of the window.
 struct FormHeight {
     enum class Rule {
         Natural,  // what the controls need
@@ -91,31 +91,34 @@ class Form final : public std::enable_shared_from_this<Form> {
     const IconPtr& FormIcon() const { return icon_; }
     const FormHeight& Height() const { return height_; }
     bool Visible() const { return visible_; }
-    bool Modal() const { return modal_; }  // else it stays above all windows and takes no focus
+    bool Modal() const { return modal_; }  // else it stays above all windows
     std::shared_ptr<Form> OwnerForm() const { return owner_form_.lock(); }
     const std::list<Control>& Controls() const { return controls_; }
-    // Null when there is none of the name.
+    // Null when there is no control of that name.
     const Control* Find(std::string_view name) const;
     const Control* DefaultButton() const { return Find(row_.default_button); }
     const Control* CancelButton() const { return Find(row_.cancel_button); }
-    // Drawn: visible and not in a part of the form that is cut off. Reachable: drawn and enabled.
+    // Drawn: visible and not in a hidden part of the form. Reachable: drawn and enabled.
     bool Drawn(const Control& control) const;
     bool Reachable(const Control& control) const { return Drawn(control) && control.Enabled(); }
-    const Control* Focused() const { return focused_; }  // the latest GotFocus of this showing; may be null
+    const Control* Focused() const {
+        return focused_;
+    }  // the last GotFocus since the form was shown; may be null
 
     // Events, from the view.
-    void Activated();  // the window can take the focus; counts once for each showing
+    void
+    Activated();  // the window can get the focus; later reports are ignored until the form is shown again
     void Click(const Control& button);
     void Toggle(const Control& check_box, bool checked);
-    // The user changed a text; where the selection is afterwards.
+    // The user changed a text. `selection`: afterwards.
     void Type(const Control& text_box, std::string_view text, Selection selection);
     void Type(const Control& masked_box, Secret text);
     void GotFocus(const Control& control);
     void Select(const Control& list, std::ptrdiff_t index);
-    // Double click, or Enter on an item: selects it, then its handler or else the default button.
+    // Double click, or Enter on an item: selects it, then runs its handler or else clicks the default button.
     void ActivateItem(const Control& list, std::ptrdiff_t index);
     void EnterPressed();   // clicks the default button
-    void EscapePressed();  // clicks the cancel button; without one as CloseAsked
+    void EscapePressed();  // clicks the cancel button; without one: as CloseAsked
     void CloseAsked();     // the close box, or the system's menu
 
     // For the form's behaviour.
@@ -123,21 +126,22 @@ class Form final : public std::enable_shared_from_this<Form> {
     void SetCaption(std::string_view caption);
     void SetIcon(IconPtr icon);
     void SetHeight(const FormHeight& height);
-    // Before the window can take the focus: where it is at first, instead of at the row's first focus.
+    // Sets the first focus instead of the row's, before the window can get the focus.
     void SetFocus(Control& control);
     // Shows the form and runs the event loop until it is hidden or the loop quits; the owner and every other
-    // modal form wait meanwhile. Raises what a handler raised, and RuntimeError::InvalidProcedureCall in a
-    // program without a face. Returns at once when the form is unloaded.
+    // modal form accept no input in the meantime. Returns immediately when the form is unloaded. Raises what
+    // a handler raised, and RuntimeError::InvalidProcedureCall in a program without a user interface.
     void ShowModal(const std::shared_ptr<Form>& owner = nullptr);
-    // Shows the form above all other windows and returns; when it is shown, raises it again.
+    // Shows the form above all other windows and returns. A form that is already shown is raised again.
     void ShowTopmost();
-    // Hides the modal form that it owns, too.
+    // Also hides the modal form that it owns.
     void Hide();
-    // Raised by each Hide, though the form is not shown: what is asked on the form's behalf is withdrawn.
+    // Raised by each Hide, even if the form is not shown: questions that are asked on the form's behalf are
+    // withdrawn.
     Signal<> Hidden;
-    // Called after the user has closed the form by hand: the close box, or Escape without a cancel button.
+    // Called after the user has closed the form by the close box, or by Escape without a cancel button.
     void OnClosed(Control::Handler handler) { closed_ = std::move(handler); }
-    // Hides the form and lets its window go for good; timers stop, no handler is called again.
+    // Hides the form and releases its window. Timers stop, and no handler is called again.
     void Unload();
 
  private:
@@ -165,7 +169,7 @@ class Form final : public std::enable_shared_from_this<Form> {
     std::weak_ptr<Form> owner_form_;
     std::weak_ptr<Form> owned_;
     std::list<Control> controls_;
-    const Control* first_focus_ = nullptr;  // null: as the row says
+    const Control* first_focus_ = nullptr;  // null: the row's
     const Control* focused_ = nullptr;
     std::shared_ptr<FormView> view_;
     Control::Handler closed_;

@@ -1,4 +1,4 @@
-// Sharing a folder on the network. Neither call raises, neither waits for the share to come up.
+// Sharing a folder on the network. Neither call raises, and neither waits until the share is available.
 #pragma once
 
 #include <string>

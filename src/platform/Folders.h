@@ -1,4 +1,4 @@
-// Where a user's files live.
+// The folders and files of a user.
 #pragma once
 
 #include <optional>
@@ -13,7 +13,7 @@ class Folders {
     // without a trailing separator; nothing when the platform knows no such folder.
     virtual std::optional<std::string> SpecialFolder(int csidl) const = 0;
     virtual char Separator() const = 0;
-    // Creates one folder. False when it could not be made or is there already; never raises.
+    // Creates one folder. False when it could not be created or exists already; never raises.
     virtual bool CreateFolder(const std::string& path) = 0;
     // Whether the path names an existing file (its attributes can be read).
     virtual bool FileExists(const std::string& path) const = 0;

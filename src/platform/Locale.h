@@ -12,7 +12,7 @@ class Locale {
     virtual std::int32_t UserLocaleId() const = 0;
 };
 
-// The language that a host has chosen.
+// The language that the program has chosen.
 class ChosenLocale final : public Locale {
  public:
     // Raises RuntimeError::InvalidProcedureCall unless `id` has the form of a locale identifier: 1 to 0xFFFF,

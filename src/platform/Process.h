@@ -13,8 +13,8 @@ class Process {
     virtual std::string ComputerName() const = 0;
     // Full path of the running program.
     virtual std::string ExecutablePath() const = 0;
-    // Starts a program with a visible window and does not wait. Empty when it was started, else why not: the
-    // system's description, without a full stop.
+    // Starts a program with a visible window and does not wait. Empty when it was started, else the
+    // system's description of the error, without a full stop.
     virtual std::string Start(const std::string& path) = 0;
 };
 

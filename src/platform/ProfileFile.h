@@ -1,6 +1,6 @@
-// Private-profile (INI) files with the platform calls' own meaning: sections and keys in any case, outer
-// blanks and one pair of quotation marks around a value dropped, every read and write straight from and to
-// the file.
+// Private-profile (INI) files as the platform's calls treat them: sections and keys are case-insensitive, a
+// value is read without outer spaces and without one pair of quotation marks, and every read and write uses
+// the file directly.
 #pragma once
 
 #include <string>
@@ -10,12 +10,12 @@ namespace kq {
 class ProfileFile {
  public:
     virtual ~ProfileFile() = default;
-    // At most size - 1 characters of the key's value; of `default_value`, trailing blanks dropped, when file,
-    // section or key is missing.
+    // At most size - 1 characters of the key's value. If file, section or key is missing, of `default_value`
+    // without trailing spaces.
     virtual std::string Read(const std::string& section, const std::string& key,
                              const std::string& default_value, std::size_t size,
                              const std::string& path) const = 0;
-    // False when the file could not be written; the file is then as it was.
+    // False when the file could not be written; it is then unchanged.
     virtual bool Write(const std::string& section, const std::string& key, const std::string& value,
                        const std::string& path) = 0;
 };

@@ -1,7 +1,7 @@
 // TCP as the library needs it: non-blocking streams and listeners that report through the event loop.
 //
 // Error numbers are Winsock's on every platform (NetError). A callback is never called from inside a call on
-// the same object, and never after the object is gone; it may destroy the object.
+// the same object, and never after the object is destroyed; it may destroy the object.
 #pragma once
 
 #include <cstddef>
@@ -16,9 +16,9 @@ namespace kq {
 struct IoResult {
     enum class Kind {
         Done,        // `count` bytes were taken (at least 1)
-        WouldBlock,  // nothing now; the next Readable or Writable event says when
+        WouldBlock,  // not now; the next Readable or Writable event reports when
         Ended,       // read only: the peer has finished sending
-        Failed,      // `error` says why; the stream is of no further use
+        Failed,      // with `error`; the stream cannot be used any more
     };
     Kind kind = Kind::WouldBlock;
     std::size_t count = 0;
@@ -26,10 +26,10 @@ struct IoResult {
 };
 
 enum class SocketEvent {
-    Connected,  // once, first: the connection stands
-    Readable,   // Read gives something: bytes, the end, or an error
+    Connected,  // once, first: the connection is open
+    Readable,   // Read returns something: bytes, the end, or an error
     Writable,   // after a Write that would have blocked: there is room again
-    Failed,     // the connection attempt failed; LastError says why
+    Failed,     // the connection attempt failed; see LastError
 };
 
 class StreamSocket {
@@ -46,7 +46,7 @@ class StreamSocket {
     virtual void FinishWriting() = 0;
     virtual void SetKeepAlive(bool on) = 0;
     virtual std::int32_t LastError() const = 0;
-    virtual std::string LocalAddress() const = 0;  // numeric, empty before the connection stands
+    virtual std::string LocalAddress() const = 0;  // numeric, empty before the connection is open
     virtual int LocalPort() const = 0;
     virtual std::string RemoteAddress() const = 0;
     virtual int RemotePort() const = 0;
@@ -57,8 +57,8 @@ class ListenSocket {
     virtual ~ListenSocket() = default;  // closes
     // Called when a connection waits to be accepted, and again while one waits.
     virtual void SetHandler(std::function<void()> handler) = 0;
-    // The next waiting connection; null when none waits or the waiting one has gone. When the machine has no
-    // room for it (file handles used up) `error` is set and the listener pauses for a moment by itself.
+    // The next queued connection; null when there is none or its peer has disconnected. When the machine has
+    // no room for it (no free file handles) `error` is set, and the listener pauses for a moment.
     virtual std::unique_ptr<StreamSocket> Accept(std::int32_t* error) = 0;
     virtual std::string LocalAddress() const = 0;
     virtual int LocalPort() const = 0;

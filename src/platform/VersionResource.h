@@ -23,7 +23,7 @@ class VersionBlock {
 class VersionResource {
  public:
     virtual ~VersionResource() = default;
-    // Null when the file is missing, is no executable or carries no version resource.
+    // Null when the file is missing, is not an executable or has no version resource.
     virtual std::unique_ptr<VersionBlock> Load(const std::string& path) const = 0;
 };
 

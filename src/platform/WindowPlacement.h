@@ -1,4 +1,4 @@
-// Size, position and show state of a window of the host, in the platform call's ten values.
+// Size, position and show state of a window of the program, in the platform call's ten values.
 #pragma once
 
 #include <cstdint>
@@ -25,12 +25,12 @@ struct Placement {
 
 class WindowPlacement {
  public:
-    using NativeWindow = std::uintptr_t;  // the window's handle as the host knows it
+    using NativeWindow = std::uintptr_t;  // the window's handle as the program knows it
 
     virtual ~WindowPlacement() = default;
     // Nothing when there is no such window.
     virtual std::optional<Placement> Get(NativeWindow window) const = 0;
-    // Moves the window and shows it as the show command says, without asking whether it fits on a screen.
+    // Moves the window and applies the show command, without checking whether the window fits on a screen.
     // False when there is no such window.
     virtual bool Set(NativeWindow window, const Placement& placement) = 0;
 };

@@ -1,4 +1,4 @@
-// The face: conversions, and a reference to itself for as long as a call runs.
+// The public class: converts, and holds itself as long as a call runs.
 #include <utility>
 
 #include <kqappsession/APClient.h>

@@ -1,4 +1,4 @@
-// Receiving, sending and ending. How a connection is made stands in Connecting.cpp.
+// Receiving, sending and ending. Connecting.cpp makes connections.
 #include "libs/appprotocol/APClientImpl.h"
 
 #include <algorithm>

@@ -1,10 +1,9 @@
-// What APClient is made of: the connection that stands, the blocks that wait for the host, and the calls that
+// The inside of APClient: the open connection, the blocks that are queued for the program, and the calls that
 // wait for blocks.
 //
-// Everything that the host is to hear stands in one queue in the order of its coming, the end of a connection
-// included, so that Disconnected comes after the blocks, and once for every connection even when a new one
-// stands already. Deliver is the only place that raises; it runs from the loop, never from inside a call of
-// the host.
+// Everything that is reported to the program is in one queue, oldest first, the end of a connection included.
+// So Disconnected comes after the blocks, and once for every connection, even if a new one is open already.
+// Only Deliver raises events; it is called from the loop, never from inside a member that the program calls.
 #pragma once
 
 #include <cstdint>
@@ -62,7 +61,7 @@ class APClient::Impl final : public Connection::Sink {
     void SetKeepAlive(bool on);
 
  private:
-    // A call that waits for the block with its tag, which never comes into the inbox.
+    // A call that waits for the block with its tag. That block is never put into the inbox.
     struct AnswerWait {
         std::string tag;
         std::uint64_t serial;
@@ -70,7 +69,7 @@ class APClient::Impl final : public Connection::Sink {
     };
     struct End {
         Ending ending;
-        bool told;  // a call has learned of it, or asked for it
+        bool told;  // a call has reported it, or caused it
     };
     using Item = std::variant<Block, End>;
     // A connection that is being made.
@@ -82,7 +81,7 @@ class APClient::Impl final : public Connection::Sink {
         std::size_t tried = 0;  // of the addresses
         std::int32_t error = static_cast<std::int32_t>(NetError::HostNotFound);
         EventLoop::TimerId timer = 0;
-        bool waited = false;  // by a call of Connect, which tells the result itself
+        bool waited = false;  // by a call of Connect, which returns the result
         Owner owner;
     };
     class Waiting;
@@ -97,11 +96,11 @@ class APClient::Impl final : public Connection::Sink {
 
     void TryNextAddress();
     void LimitAttempt(EventLoop::TimePoint until, EventLoop::Task task);
-    // 0: the connection stands; else why not.
+    // 0: connected; else the error's number.
     void EndAttempt(std::int32_t result);
     std::unique_ptr<Attempt> GiveUpAttempt();
 
-    // The connection has ended: what waits stays, its end takes the last place.
+    // The connection has ended: the queued blocks stay, its end is queued behind them.
     void NoteEnd(Ending ending, bool told);
     void DropBlocks();
     void Deliver();
@@ -109,16 +108,17 @@ class APClient::Impl final : public Connection::Sink {
     void RaiseProgress(const BlockProgress& progress);
     bool BlockWaits() const { return !inbox_.Empty() && std::holds_alternative<Block>(inbox_.Front()); }
     Block PopBlock();
-    // Blocks wait for calls and not for events.
+    // Blocks are kept for calls instead of raising events.
     bool HoldsBlocks() const { return mode_ == kq::ReceiveMode::Take || waiting_ > 0; }
     bool Wanted(DataType type) const { return receive_type_ == DataType::Any || receive_type_ == type; }
-    // So much waits to be written to the peer that it gets nothing done before it reads.
+    // So much is queued for the peer that nothing more is done for it until it reads.
     bool Clogged() const { return !made_ && Connected() && connection_->Unsent() >= limits_.reading_stops; }
     void UpdateReading();
-    // Reports what this stranger holds; others, or this one, may be cut.
+    // Reports the bytes that this stranger holds. That may close other strangers, or this one.
     void UpdateHeld();
     void Cut(std::int32_t number, const std::string& sentence);
-    // Runs the loop until `done` holds or the connection has ended; raises why it did not.
+    // Runs the loop until `done` returns true or the connection has ended. Raises the reason if `done` is
+    // still false.
     void Await(const std::function<bool()>& done, std::int32_t time_out);
     bool CallWaitsInVain() const;
     [[noreturn]] void RaiseNotConnected(bool waited);
@@ -139,7 +139,7 @@ class APClient::Impl final : public Connection::Sink {
     std::unique_ptr<Strangers::Place> place_;  // of an accepted connection that is not admitted
     bool clogged_ = false;                     // blocks or bytes wait for OnWritten
 
-    // Of the connection or the attempt; another number says that it has been given up.
+    // Number of the connection or attempt. A wait that finds another number is over.
     std::uint64_t serial_ = 0;
     std::unique_ptr<Attempt> attempt_;
     std::int32_t connect_result_ = 0;
@@ -152,7 +152,7 @@ class APClient::Impl final : public Connection::Sink {
     std::size_t waiting_ = 0;  // calls of TakeBlock
     std::vector<AnswerWait*> answer_waits_;
     Ending last_ending_;
-    bool unlearned_ = false;  // no call has learned of the last ending
+    bool unlearned_ = false;  // no call has reported the last ending
     bool deliver_posted_ = false;
     Owner owner_;
 };

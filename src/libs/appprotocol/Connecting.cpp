@@ -1,5 +1,5 @@
-// Making a connection: the name becomes addresses, and one after the other is tried until one answers. All of
-// it runs by events; Connect only waits for the end of what BeginConnect starts.
+// Making a connection: the name is resolved to addresses, which are tried one after the other until one
+// answers. All of it runs by events; Connect only waits for the end of what BeginConnect has started.
 #include <algorithm>
 #include <utility>
 
@@ -38,7 +38,7 @@ class Waits {
 void APClient::Impl::Connect(const std::string& address, std::int32_t port, const std::string& local_address,
                              std::int32_t time_out) {
     BeginConnect(address, port, local_address, time_out);
-    // The caller's texts may go from here on.
+    // The caller's texts may be destroyed from here on.
     attempt_->waited = true;
     const auto mine = serial_;
     {
@@ -55,7 +55,7 @@ void APClient::Impl::Connect(const std::string& address, std::int32_t port, cons
     if (connect_result_ != 0) {
         throw kq::Error(connect_result_, std::string(kAppProtocolSource), NetErrorText(connect_result_));
     }
-    // Another wait may have run on from here: what stood may have ended again.
+    // Another wait may have run since: the connection may have ended again.
     if (!Connected())
         throw kq::Error(last_ending_.number, std::string(kAppProtocolSource), last_ending_.sentence);
 }

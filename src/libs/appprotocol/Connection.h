@@ -1,8 +1,8 @@
-// One connection from its first byte to its end: bytes to blocks, blocks to bytes, and the limits in between.
-// The object above it (the Sink) keeps the blocks, and decides when the host hears of them.
+// One connection from its first byte to its end: bytes to blocks, blocks to bytes, and the limits. The object
+// above it (the Sink) keeps the blocks and decides when the program gets them.
 //
-// No host code runs while a Connection works. Its calls to OnConnected, OnRead, OnWritten and OnOver may lead
-// to host code that destroys it, so each is the last thing that it does.
+// No code of the program runs while a Connection works. Its calls of OnConnected, OnRead, OnWritten and
+// OnOver may lead to code that destroys it, so each is the last thing that it does.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@
 
 namespace kq {
 
-// Why a connection is no more. The other side's orderly end is no failure, but has a number for a call that
+// Why a connection has ended. The peer's orderly end is not a failure, but has a number for a call that
 // waits.
 struct Ending {
     std::int32_t number = 0;
@@ -43,7 +43,7 @@ class Connection {
         virtual void OnConnectFailed(std::int32_t number) = 0;
         virtual void OnBlock(Block block) = 0;  // keeps it; runs no other code
         virtual void OnRead() = 0;              // a turn of reading is over
-        virtual void OnWritten() = 0;           // nothing waits to be written any more
+        virtual void OnWritten() = 0;           // nothing is queued any more
         virtual void OnOver(Ending ending) = 0;
 
      protected:
@@ -60,33 +60,32 @@ class Connection {
     State GetState() const { return state_; }
     StreamSocket& Socket() const { return *socket_; }
     void SetFrameLimits(FrameLimits limits) { reader_.SetLimits(limits); }
-    // The connection is over unless a block is complete within `time` from now.
+    // The connection ends unless a block is complete within `time`.
     void LimitFirstFrame(Milliseconds time);
-    // The connection is over at `time` from now; replaces what was set before. 0 or less: it is not.
+    // The connection ends after `time`. Replaces an earlier deadline. 0 or less: no deadline.
     void SetDeadline(Milliseconds time);
     void CancelTimes();
     void SetReading(bool on);
 
-    // Queues a frame, to be written when the loop runs; what has become large is written at once. False when
-    // more than `most` bytes would wait: the frame is lost, and with it the sense of the connection.
+    // Queues a frame, which is written when the loop runs; large amounts are written immediately. False when
+    // more than `most` bytes would be queued: the frame is lost, and the connection must be ended.
     bool Send(DataType type, std::string_view tag, std::string_view data, std::size_t most);
     std::size_t Unsent() const { return queue_.Size(); }
-    // Bytes of the block that is arriving, and those that wait to be written.
+    // Bytes of the incoming block, and of what is queued to be written.
     std::size_t Held() const {
         return reader_.Arriving().tag.size() + reader_.Arriving().data.size() + Unsent();
     }
-    // Gives the socket up in peace: what waits is written in the background. The Connection is empty
-    // afterwards.
+    // Ends the connection; what is queued is written in the background. The Connection is empty afterwards.
     void Leave();
 
-    // What can be told of a block that takes more than one turn of reading: how much is there, when that is
-    // more than was told before, and that it is complete.
+    // Progress of a block that takes more than one turn of reading: how much has arrived, if that is more
+    // than at the last call, and its completion.
     std::optional<BlockProgress> TakeProgress();
     std::optional<BlockProgress> TakeCompletion() { return std::exchange(completion_, std::nullopt); }
 
  private:
     void OnSocket(SocketEvent event);
-    // One turn; tells the sink.
+    // One turn of reading; then calls the sink.
     void Read(int reads);
     bool ReadOnce();  // true when there may be more
     void TakeBlocks(std::string_view bytes);
@@ -107,7 +106,7 @@ class Connection {
     std::optional<Ending> ending_;
     std::optional<Ending> write_failure_;
     std::optional<BlockProgress> completion_;
-    std::size_t told_ = 0;  // bytes of the arriving block that TakeProgress has told
+    std::size_t told_ = 0;  // bytes of the incoming block that TakeProgress has reported
     EventLoop::TimerId first_frame_ = 0;
     EventLoop::TimerId deadline_ = 0;
     bool reading_ = true;

@@ -2,9 +2,9 @@
 //
 //   'K' 'Q'   version 1   data type   tag length (2 bytes)   data length (4 bytes)   tag   data
 //
-// Numbers are big endian. A frame may carry any data type. The reader believes nothing else: every byte of
-// the header is judged when it arrives, and memory is taken for what has arrived, not for what the header
-// promises.
+// Numbers are big endian. A frame may carry any data type; everything else is checked. The reader checks
+// every byte of the header when it arrives, and allocates memory for what has arrived, not for what the
+// header announces.
 #pragma once
 
 #include <array>
@@ -45,7 +45,7 @@ class FrameReader {
  public:
     explicit FrameReader(FrameLimits limits) : limits_(limits) {}
 
-    // Counts from the next header on.
+    // Apply from the next header on.
     void SetLimits(FrameLimits limits) { limits_ = limits; }
 
     // Takes from the front of `bytes` until a block is complete (and returned) or no byte is left. After an

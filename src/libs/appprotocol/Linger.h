@@ -1,10 +1,11 @@
-// Sees a socket off after its connection has been given up: writes what waits, tells the peer that no more
-// comes, reads the peer's rest away (an unread rest would make the network throw away what was just written)
-// and closes when the peer has ended too, or after 1 s.
+// Closes a socket properly after its connection has been ended: writes what is queued, shuts down its
+// direction, reads what the peer still sends (unread bytes would make the network discard what was just
+// written), and closes when the peer has ended too, or after 1 s.
 //
-// A Linger stands in a table of the process until then, since nobody else is left to own it. It goes when its
-// timer goes: expired, cancelled, or destroyed together with the loop. A loop that is abandoned without being
-// destroyed keeps its sockets, all written and finished as far as that was possible, until the process ends.
+// A table of the process owns each Linger until then, since no other object is left to own it. A Linger is
+// destroyed with its timer: when that expires, is cancelled, or is destroyed together with the loop. A loop
+// that is abandoned without being destroyed keeps its sockets until the process ends; all of them are written
+// and shut down as far as possible.
 #pragma once
 
 #include <memory>

@@ -1,7 +1,7 @@
-// Accepting, the collection, and the way of the clients' events to the listener's.
+// Accepting, the collection, and forwarding the clients' events to the listener's.
 //
-// A client's events reach the listener through the client's own signals, to which the listener is connected
-// first: a handler of the client's Disconnected already finds it gone from the collection.
+// A client's events reach the listener through the client's signals, to which the listener is connected
+// first: a handler of the client's Disconnected already finds the client removed from the collection.
 #include <algorithm>
 #include <list>
 #include <unordered_map>
@@ -153,7 +153,7 @@ void Listener::Impl::OnDisconnected(const ClientPtr& client) {
     if (entry == by_identifier_.end()) return;
     clients_.erase(entry->second);
     by_identifier_.erase(entry);
-    // Should the host connect the object anew, that is none of the listener's business.
+    // If the program connects the object again, the listener does not report it.
     client->Receive.Disconnect(owner_);
     client->Error.Disconnect(owner_);
     client->Disconnected.Disconnect(owner_);

@@ -1,9 +1,8 @@
 // The connections of one listener whose peers have not been admitted: how many each address has, and how many
 // bytes they hold together.
 //
-// Strangers compete for places and memory among themselves. When either runs out, the one that takes the most
-// loses its connection: of the bytes the connection that holds the most, of the places the oldest connection
-// of the address that has the most.
+// When strangers run out of bytes, the connection that holds the most is closed. When connections run out,
+// the oldest one of the address that has the most is closed.
 #pragma once
 
 #include <cstddef>
@@ -21,10 +20,10 @@ namespace kq {
 
 class Strangers : public std::enable_shared_from_this<Strangers> {
  public:
-    // Ends the connection without running code of the host.
+    // Ends the connection without running code of the program.
     using Cut = std::function<void(std::int32_t number, const std::string& sentence)>;
 
-    // One stranger. Destroyed when it is admitted or its connection has ended, inside Cut at the latest.
+    // One stranger. Destroyed when it is admitted or its connection has ended, at the latest inside Cut.
     class Place {
      public:
         Place(std::shared_ptr<Strangers> strangers, const std::string& address, Cut cut);
@@ -32,7 +31,8 @@ class Strangers : public std::enable_shared_from_this<Strangers> {
         Place(const Place&) = delete;
         Place& operator=(const Place&) = delete;
 
-        // What it holds from now on. May cut this place or others, so it is the caller's last use of it.
+        // The bytes that it holds from now on. May close this connection or others, so it must be the
+        // caller's last use of it.
         void Holds(std::size_t bytes);
 
      private:
@@ -49,7 +49,7 @@ class Strangers : public std::enable_shared_from_this<Strangers> {
     };
 
     std::size_t CountOf(const std::string& address) const;
-    // Cuts the oldest stranger of the address that has the most. False when none has many.
+    // Closes the oldest stranger of the address that has the most. False when no address has many.
     bool MakeRoom();
 
     std::size_t most_bytes = 64U << 20;

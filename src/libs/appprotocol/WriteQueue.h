@@ -1,5 +1,5 @@
-// What waits to be written to one socket. Small pieces share a chunk, so that many small frames leave in one
-// write; a large piece is a chunk of its own, copied once.
+// The bytes that are queued to be written to one socket. Small pieces share a chunk, so that many small
+// frames are written together. A large piece is a separate chunk, copied once.
 #pragma once
 
 #include <cstdint>
