@@ -1,5 +1,5 @@
-// Text in JSON. A quoted text is valid JSON whatever bytes it came from, and is on one line as OneLine makes
-// it, so it is also how texts of others are shown on a terminal.
+// Text in JSON. A quoted text is valid JSON whatever bytes it contains, and is on one line as OneLine makes
+// it. So it is also used to show texts of others on a terminal.
 #pragma once
 
 #include <cstdint>

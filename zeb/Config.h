@@ -1,6 +1,6 @@
-// The configuration of zebd: one list of settings, each of which can stand in the configuration file (TOML),
-// in the environment (ZEBD_ and the name in capitals) and on the command line (hyphens for underlines). The
-// command line wins over the environment, the environment over the file.
+// The configuration of zebd: one list of settings. Each of them may be in the configuration file (TOML), in
+// the environment (ZEBD_ and the name in capitals) and on the command line (hyphens instead of underscores).
+// The command line takes precedence over the environment, the environment over the file.
 #pragma once
 
 #include <cstdint>
@@ -48,19 +48,20 @@ struct Setting {
 };
 
 std::span<const Setting> ConfigSettings();
-// For the help: "NUMBER" or "TEXT"; "1 to 64", empty for a text; the default, empty when there is none.
+// For the help: "NUMBER" or "TEXT"; the range, such as "1 to 64", empty for a text; the default, empty if
+// there is none.
 std::string TypeOf(const Setting& setting);
 std::string RangeOf(const Setting& setting);
 std::string DefaultOf(const Setting& setting);
 
-// Each raises kq::Error whose description is one line that says where the mistake is:
-// "zebd.toml:3: unknown key \"colour\"", "ZEBD_PORT: must be a whole number from 0 to 65535", "--port: ...".
+// Each raises kq::Error. Its description is one line that says where the error is: "zebd.toml:3: unknown key
+// \"colour\"", "ZEBD_PORT: must be a whole number from 0 to 65535", "--port: ...".
 void ApplyFile(const std::string& path, Config& config);
 void ApplyFileText(std::string_view text, const std::string& path, Config& config);
-// `environment`: "NAME=value" each, null at the end, as `environ`. A variable that is set to nothing counts
-// as not set. One that begins with ZEBD_ and is neither a setting's nor kFileVariable is a mistake.
+// `environment`: "NAME=value" each, null at the end, as `environ`. An empty variable counts as not set. A
+// variable that begins with ZEBD_ and is neither a setting's nor kFileVariable is an error.
 void ApplyEnvironment(const char* const* environment, Config& config);
-// Names the configuration file; whoever reads the file looks at it.
+// Names the configuration file. Its value is read by the program, not by ApplyEnvironment.
 inline constexpr std::string_view kFileVariable = "ZEBD_CONFIG";
 // By setting name.
 void ApplyFlags(const std::map<std::string, std::string>& flags, Config& config);

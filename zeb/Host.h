@@ -20,10 +20,10 @@ class Host {
 
     std::int32_t Port() const { return zeb_->Port(); }
     std::int32_t BusPort() const { return hub_->Port(); }
-    // Where the two listen, as "127.0.0.1:7700" or "[::1]:7700".
+    // The two addresses that are listened on, as "127.0.0.1:7700" or "[::1]:7700".
     std::string Listening() const;
     std::string BusListening() const;
-    // Says good-bye: what was answered is still written out.
+    // Ends all connections; answers are still written.
     void Stop();
 
  private:

@@ -1,5 +1,5 @@
-// The log of zebd: lines on standard error, each on one line whatever the texts in it hold. Whoever reads it
-// cannot hold up the server.
+// The log of zebd: entries on standard error, each on one line whatever its texts contain. A slow reader does
+// not hold up the server.
 #pragma once
 
 #include <memory>
@@ -11,8 +11,8 @@
 
 namespace kq::zeb {
 
-// `level`: one of the setting "log_level". Colours the level when `colours`. What is logged after
-// lines->Close() is lost.
+// `level`: one of the setting "log_level". `colours`: the level is coloured. Entries after lines->Close() are
+// lost.
 std::shared_ptr<spdlog::logger> MakeLog(std::shared_ptr<LineWriter> lines, const std::string& level,
                                         bool colours);
 // Whether standard error is a terminal that shows colours.

@@ -9,8 +9,8 @@ namespace kq::zeb {
 namespace {
 
 constexpr std::int32_t kTick = 5'000;  // ms
-// Application servers come back to a restarted bus within 15 s; one that was asked while it was away has not
-// heard.
+// Application servers reconnect to a restarted bus within 15 s. One that was asked while it was away has not
+// received the request.
 constexpr std::int64_t kTicksToAskAfterStart = 6;
 constexpr std::int64_t kTicksToAsk = ServerRegistry::kAskInterval.count() / kTick;
 // A client's time from one request to the next until it has logged in: its user may have to be asked in

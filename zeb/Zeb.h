@@ -1,4 +1,4 @@
-// The login server: takes requests from its own connections and from the bus, and keeps the books.
+// The login server: answers requests from its own connections and from the bus.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +21,8 @@ struct ZebSettings {
     std::string listen = "127.0.0.1";  // empty: all addresses
     std::int32_t port = 0;             // 0: a free one
     std::int32_t max_connections = 2'000;
-    // Of a request. Profiles come over connections that have not logged in, so it is no less before the
-    // login.
+    // Of a request. Profiles are uploaded over connections that have not logged in, so the limit is the same
+    // before the login.
     std::size_t max_request = 1U << 20;
     Sessions::Rule sessions;
     FailedAttempts::Rule attempts;
@@ -30,7 +30,7 @@ struct ZebSettings {
 
 class Zeb {
  public:
-    // What is referred to must outlive the server; the bus client is this server's alone.
+    // Everything passed by reference must outlive the server. Nothing else may use the bus client.
     Zeb(PlatformPtr platform, Store& store, Executor& executor, const PasswordHasher& hasher,
         std::shared_ptr<XMLBusClient> bus, std::shared_ptr<spdlog::logger> log, const ZebSettings& settings);
     Zeb(const Zeb&) = delete;
@@ -39,10 +39,10 @@ class Zeb {
 
     // Raises the network's error when it cannot listen.
     void Start();
-    // What was answered is still written out, within 1 s.
+    // Answers are still written, within 1 s.
     void Stop();
-    // For the host of the hub: an address of the bus has got its first subscriber or lost its last one. An
-    // application server is not used while its reply address has none.
+    // To be called by the hub's owner when an address of the bus has got its first subscriber or lost its
+    // last one. An application server is not used while its reply address has no subscriber.
     void Reachable(const BusAddress& address, bool there);
     std::int32_t Port() const { return listener_->Port(); }
     std::string BoundAddress() const { return listener_->BoundAddress(); }

@@ -1,4 +1,4 @@
-// The host of a session manager: joins it to the bus, writes a line for each of its events, obeys commands.
+// The program around a session manager: joins the bus, writes a line for each event, executes commands.
 #pragma once
 
 #include <functional>
@@ -22,12 +22,11 @@ class AppServer {
 
     // Listens and announces itself. Raises the errors of KQAppSessServer::Listen.
     void Start();
-    // Takes its leave of the bus and disconnects every client; their Disconnected lines are written on the
-    // way.
+    // Leaves the bus and disconnects every client; their Disconnected lines are written in the meantime.
     void Stop();
-    // "sessions", "disconnect ID" or "quit"; another line is answered by one that says what there is.
+    // "sessions", "disconnect ID" or "quit"; any other line is answered by the list of commands.
     void Obey(const std::string& command);
-    // The program is to end; asked for by the command "quit" or by the caller.
+    // Whether the program is to end, by the command "quit" or by End.
     bool Ending() const { return ending_; }
     void End() { ending_ = true; }
 

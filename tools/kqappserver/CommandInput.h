@@ -10,9 +10,10 @@ namespace kq {
 
 class EventLoop;
 
-// A thread of its own reads, because watching the terminal with the loop would make it non-blocking for every
-// program that shares it. `on_line` is called on the loop's thread, without the line's end; never after this
-// object is gone. Lines over 4,096 bytes are cut there. The end of the input ends the lines, nothing else.
+// A separate thread reads, because watching the terminal with the loop would make it non-blocking for every
+// program that shares it. `on_line` is called on the loop's thread, without the line's end, and never after
+// this object is destroyed. Lines are cut after 4,096 bytes. At the end of the input there are no more lines;
+// nothing else happens.
 class CommandInput {
  public:
     CommandInput(EventLoop& loop, int input, std::function<void(const std::string&)> on_line);

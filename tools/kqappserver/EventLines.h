@@ -1,4 +1,4 @@
-// The lines that kqappserver writes: one for each event, whatever the texts in it hold.
+// The lines that kqappserver writes: one for each event, whatever its texts contain.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace kq {
 
 // "Connected session=S17 user=ann"; event: Connected or Disconnected.
 std::string SessionLine(std::string_view event, const KQAppSessionInfo& session);
-// "ReceivedData session=S17 type=KQAppMessage bytes=80 Text="Hello""; Text only when the message has that
+// "ReceivedData session=S17 type=KQAppMessage bytes=80 Text="Hello""; Text only if the message has that
 // field.
 std::string ReceivedDataLine(const KQAppSessionInfo& session, const Block& block);
 // "Error 10054 The connection was reset."

@@ -1,4 +1,4 @@
-// kqappserver: runs a session manager and writes a line for each of its events, at once.
+// kqappserver: runs a session manager and writes a line for each of its events immediately.
 #include <cerrno>
 #include <memory>
 #include <unistd.h>
@@ -19,13 +19,13 @@ void Serve(const AppServerOptions& options, StopSignals& signals, LineWriter& li
     const PlatformPtr platform = MakePlatform();
     EventLoop& loop = *platform->Loop();
     AppServer server(platform, options, [&lines](const std::string& line) { lines.Write(line); });
-    // The first signal lets the server take its leave; a second one ends that as well.
+    // The first signal stops the server in order; a second one ends the program immediately.
     signals.Watch(loop, [&loop, &server] {
         if (server.Ending()) loop.Quit();
         server.End();
     });
     server.Start();
-    // Nobody could learn the port. A reader who is late can.
+    // Without its first line nobody knows the port. A reader that is slow gets it later.
     if (const int error = lines.Flush(); error != 0 && error != ETIMEDOUT) throw OutputError(error);
     std::unique_ptr<CommandInput> commands;
     if (options.commands) {

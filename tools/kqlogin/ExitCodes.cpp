@@ -1,4 +1,4 @@
-// Exit codes by the cause of an error: numbers do not tell a wrong password from a login server that is busy.
+// Exit codes by the cause of an error: one number may mean a wrong password or a login server that is busy.
 #include "tools/kqlogin/ExitCodes.h"
 
 namespace kq {

@@ -1,4 +1,4 @@
-// What kqlogin's exit code says: one code for each kind of failure that a script would treat in its own way.
+// kqlogin's exit codes: one for each kind of failure that a script would handle differently.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace kq {
 
-// X(name, code, meaning): the rows of --help. Codes are never used again for something else.
+// X(name, code, meaning): the rows of --help. Codes are never reused.
 #define KQ_EXIT_CODES(X)                                                             \
     X(Ok, 0, "done")                                                                 \
     X(Output, 1, "standard output could not be written")                             \

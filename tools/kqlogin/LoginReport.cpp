@@ -1,5 +1,5 @@
-// The session record's password is never read here. Texts that come from servers are shown without their
-// control characters, so that no server writes to the terminal.
+// The session record's password is never read here. Control characters are removed from the servers' texts,
+// so that no server controls the terminal.
 #include "tools/kqlogin/LoginReport.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-// What kqlogin tells of a login: one line for each fact while it goes on, or one JSON object in the end.
+// What kqlogin reports about a login: one line for each step, or one JSON object at the end.
 #pragma once
 
 #include <cstdint>
@@ -20,14 +20,14 @@ class LoginReport {
     void LoggedIn(const KQAppSessClient& client);
     void Registered(const KQAppSessClient& client);
     void Sent(const std::string& type, std::size_t bytes);
-    // The JSON object is written here, so that it is there before a long wait.
+    // Writes the JSON object, so that it can be read before a long wait.
     void Succeeded(const KQAppSessClient& client);
     void Failed(const KQAppSessClient& client, const Error& error);
     void GivenUp(const KQAppSessClient& client);
     void WaitEnded(bool by_server);
 
  private:
-    // Everything on the two streams stands on lines of its own and is there at once.
+    // Each text is a separate line and is written immediately.
     void Line(const std::string& text);
 
     std::ostream& output_;
@@ -35,8 +35,8 @@ class LoginReport {
     bool json_;
 };
 
-// The line for standard error: "0x80040A06 Could not connect to login server: ...", or the decimal number of
-// a connection's error. On one line whatever the description holds.
+// The line for standard error: "0x80040A06 Could not connect to login server: ...", or with the decimal
+// number of a connection's error. It is one line whatever the description contains.
 std::string ErrorLine(const Error& error);
 // 0x80040A06 for automation codes, decimal for the others.
 std::string ErrorNumberText(std::int32_t number);

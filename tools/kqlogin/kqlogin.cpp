@@ -1,7 +1,7 @@
-// kqlogin: logs a user in from a command line, registers with the application server, sends a message. It has
-// all that it needs from its options, or asks its user on the terminal.
+// kqlogin: logs a user in from a command line, registers with the application server, sends a message. It
+// gets everything from its options, or asks its user on the terminal.
 //
-// A signal ends the running step and with it the program; the connections are closed in order on every way
+// A signal ends the running step and with it the program. The connections are closed in order on every way
 // out.
 #include <unistd.h>
 
@@ -50,7 +50,7 @@ void SendText(KQAppSessClient& client, const std::string& text, LoginReport& rep
     report.Sent(message.Type(), message.ToXML().size());
 }
 
-// Until the application server ends the session or the loop is told to quit.
+// Until the application server ends the session or the loop is quit.
 void WaitForTheEnd(EventLoop& loop, KQAppSessClient& client, LoginReport& report) {
     const auto gone = [&client] { return client.LoginState() != kqaslsServerLogin; };
     while (!gone() && !loop.Quitting())
@@ -58,7 +58,7 @@ void WaitForTheEnd(EventLoop& loop, KQAppSessClient& client, LoginReport& report
     report.WaitEnded(gone());
 }
 
-// Up to the registration, if that is wanted. False when the user, who is asked with --tty alone, gave up.
+// Up to the registration, if it is wanted. False when the user, who is asked only with --tty, gave up.
 bool Connect(KQAppSessClient& client, const LoginOptions& options, const SystemLoginArguments& arguments,
              LoginReport& report) {
     for (;;) {
@@ -85,7 +85,7 @@ bool LogIn(EventLoop& loop, KQAppSessClient& client, const LoginOptions& options
     return true;
 }
 
-// What comes of a login, as an exit code.
+// Runs the login and returns its exit code.
 ExitCode Outcome(const LoginOptions& options, StopSignals& signals, LoginReport& report, Secret password) {
     const PlatformPtr platform = options.tty ? MakeTtyPlatform() : MakePlatform();
     EventLoop& loop = *platform->Loop();

@@ -29,7 +29,8 @@ std::string Wrapped(const std::string& line, std::size_t indent) {
     return text + "\n";
 }
 
-// Every line for itself. An indented one is a row of a table, whose second column begins behind two blanks.
+// Each line is wrapped separately. An indented line is a row of a table; its second column begins after two
+// spaces.
 std::string WrappedLines(const std::string& lines) {
     std::string text;
     std::istringstream input(lines);
@@ -57,7 +58,7 @@ std::string Row(const std::string& name, const std::string& description) {
     return row + Wrapped(std::string(kColumn, ' ') + description, kColumn).substr(kColumn);
 }
 
-// CLI11 gives the type and what the checks say of themselves as one text: "TEXT:1 to 65535".
+// CLI11 returns the type and the descriptions of the checks as one text: "TEXT:1 to 65535".
 struct Value {
     std::string type;
     std::string range;
@@ -130,7 +131,7 @@ std::string Help::make_help(const CLI::App* app, std::string name, CLI::AppForma
     const std::string commands = Commands(*app, "");
     if (!commands.empty()) text += "\nCommands:\n" + commands;
     text += Options(*app, "Arguments", true) + Options(*app, "Options", false);
-    // A command has inherited the program's footer.
+    // A command inherits the program's footer.
     const bool whole = app->get_parent() == nullptr;
     if (const auto footer = app->get_footer(); whole && !footer.empty()) text += "\n" + WrappedLines(footer);
     return text;

@@ -1,4 +1,4 @@
-// What is checked is the open file, so it cannot become another one in between.
+// The checks are made on the open file, so it cannot be exchanged in between.
 #include "tools/program/KeyFile.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
-// The file with the shared key of the bus, as every program reads it.
+// The file with the shared key of the bus. All programs read it in the same way.
 //
-// Whoever has the key is a peer of the bus and can answer logins, so the file belongs to one user alone, and
-// a key is long enough that nobody guesses it from an overheard greeting.
+// A program that has the key is a peer of the bus and can answer logins. So the file must belong to one user
+// alone, and the key must be long enough that it cannot be guessed from an intercepted greeting.
 #pragma once
 
 #include <cstddef>
@@ -22,8 +22,8 @@ inline constexpr std::size_t kMostKeyFile = 4096;  // bytes
 //   - holds one line of kLeastKey characters or more, in UTF-8, without control characters.
 Secret ReadKeyFile(const std::string& path);
 
-// Makes a file (mode 0600) with a new random key of 64 characters. Raises kq::Error when there is such a file
-// already, which stays as it is, or it cannot be made.
+// Creates a file (mode 0600) with a new random key of 64 characters. Raises kq::Error when the file exists
+// already, which is left unchanged, or cannot be created.
 void MakeKeyFile(const std::string& path);
 
 }  // namespace kq

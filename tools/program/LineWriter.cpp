@@ -1,5 +1,5 @@
-// The thread shares the queue with the writer that made it: if even the last write never returns, it is left
-// behind with it, until the program ends.
+// The thread shares the queue with the LineWriter. If even the last write never returns, thread and queue are
+// left behind until the program ends.
 #include "tools/program/LineWriter.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Lines that a server writes without ever waiting for whoever reads them.
+// Lines that a server writes without ever waiting for their reader.
 #pragma once
 
 #include <cstddef>
@@ -9,15 +9,15 @@
 
 namespace kq {
 
-// A queue of lines and a thread that writes them, together all that have come in the meantime. When nobody
-// reads, the queue loses its oldest lines. Where lines are missing, for that reason or because a write
-// failed, a line tells how many. All members may be called from any thread.
+// A queue of lines and a thread that writes them, all queued lines together. When nobody reads, the oldest
+// lines are dropped. Where lines are missing, for that reason or because a write failed, a line says how
+// many. All members may be called from any thread.
 class LineWriter {
  public:
     static constexpr std::size_t kRoom = 1U << 20;  // bytes
 
-    // `program` begins the lines about lost ones. The queue holds `room` bytes, or one line that is longer.
-    // Raises std::system_error.
+    // `program`: the beginning of the lines about missing ones. The queue holds `room` bytes, or one longer
+    // line. Raises std::system_error.
     LineWriter(int descriptor, std::string program, std::size_t room = kRoom);
     ~LineWriter();  // Close
     LineWriter(const LineWriter&) = delete;
@@ -25,10 +25,10 @@ class LineWriter {
 
     // A line without its end; never waits.
     void Write(std::string_view line);
-    // Waits until every line so far is written or lost, for a second at most. Returns why lines are missing
-    // that no later line has told of, as an errno (ETIMEDOUT: nobody reads), or 0 when that is not so.
+    // Waits until every line so far is written or lost, for a second at most. Returns an errno if lines are
+    // missing that no later line has reported (ETIMEDOUT: nobody reads), else 0.
     int Flush();
-    // Flush; what is not written then is lost, as is every later line.
+    // As Flush. Lines that are not written then are lost, as are all later ones.
     int Close();
 
  private:

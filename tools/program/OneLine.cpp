@@ -1,6 +1,5 @@
-// What is escaped: the control characters of Unicode, and of its format characters those that act on other
-// characters or show nothing. Arabic number signs and their like are format characters that are seen; they
-// stay.
+// What is escaped: the control characters of Unicode, and those format characters that act on other
+// characters or are invisible. Visible format characters, such as Arabic number signs, are kept.
 #include "tools/program/OneLine.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Texts of others on the lines that a program writes: in logs, events, reports and error lines.
+// Texts of others in the lines that a program writes: logs, events, reports and error lines.
 #pragma once
 
 #include <cstdint>
@@ -7,14 +7,14 @@
 
 namespace kq {
 
-// The text on one line, without anything that a terminal obeys, that is invisible, or that changes the order
-// in which its neighbours are shown. Each such character becomes \u and its UTF-16 code in four hexadecimal
-// digits, as in JSON; ill-formed UTF-8 becomes U+FFFD. Backslashes stay as they are. A text that is on one
-// line already comes back unchanged.
+// The text on one line, without characters that control a terminal, are invisible, or change the order in
+// which other characters are shown. Each of these becomes \u and its UTF-16 code in four hexadecimal digits,
+// as in JSON; ill-formed UTF-8 becomes U+FFFD. Backslashes are unchanged. A text that is already on one line
+// is returned unchanged.
 std::string OneLine(std::string_view text);
 
-// The same for a text of any length that a stranger made up: its first 64 characters. One that was cut ends
-// with U+2026 (three dots).
+// The same for a text of any length from a stranger: its first 64 characters. U+2026 (three dots) marks the
+// cut.
 std::string ShortLine(std::string_view text);
 
 // "127.0.0.1:7700", "[::1]:7700"

@@ -1,4 +1,4 @@
-// A write of no more than PIPE_BUF bytes does not block once the output has told that there is room.
+// A write of no more than PIPE_BUF bytes does not block once the output has reported room.
 #include "tools/program/Output.h"
 
 #include <algorithm>

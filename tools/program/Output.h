@@ -1,4 +1,4 @@
-// What a program writes to its standard streams arrives, or the program says why it did not.
+// Output to the standard streams: it is written, or the program reports the error.
 #pragma once
 
 #include <chrono>
@@ -16,9 +16,9 @@ struct Patience {
     int stop = -1;  // a descriptor that ends the wait when it becomes readable; -1: none
 };
 
-// Writes the text and removes from it what was written. 0, or the errno of what ended it: ETIMEDOUT and EINTR
-// are those of the patience. Waits for room before it writes, so an output that nobody reads holds up nothing
-// but this call, and that no longer than the patience.
+// Writes the text and removes from it what was written. Returns 0, or the errno of the error that ended it;
+// ETIMEDOUT and EINTR mean that the patience has ended. Waits for room before it writes, so an output that
+// nobody reads holds up only this call, and only as long as the patience.
 int WriteAll(int descriptor, std::string_view& text, const Patience& patience = {});
 
 // Standard output could not be written.
@@ -29,14 +29,14 @@ struct OutputError : std::runtime_error {
 // Writes to standard output; raises OutputError.
 void Print(std::string_view text, const Patience& patience = {});
 
-// The line "program: what" on standard error, at once; waits for room for a second at most.
+// Writes the line "program: what" to standard error immediately; waits for room for a second at most.
 void Complain(std::string_view program, std::string_view what);
 
 // A stream to a descriptor, written with each flush. After a failed write it is bad.
 class OutputStream : private std::streambuf, public std::ostream {
  public:
     OutputStream(int descriptor, const Patience& patience);
-    // The errno of the failed write; 0 while there is none.
+    // The errno of the failed write, 0 if none failed.
     int Error() const { return error_; }
 
  private:

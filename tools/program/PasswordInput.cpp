@@ -1,8 +1,7 @@
-// Signals are held back and read like bytes. Each gets its effect here, between two reads, with the terminal
-// as it was; so there is no handler that would have to know the terminal.
+// Signals are blocked and read like bytes. Each gets its effect here, between two reads, while the terminal
+// has its former mode. So there is no signal handler that would have to know the terminal.
 //
-// The bytes are kept in one buffer of this file's own, which is wiped; the C library's input buffers are not
-// used.
+// The bytes are kept in one buffer of this file, which is wiped; the C library's input buffers are not used.
 #include "tools/program/PasswordInput.h"
 
 #include <array>

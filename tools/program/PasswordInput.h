@@ -13,26 +13,26 @@ struct PasswordError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A signal that the program handles itself, see StopSignals, ended the prompt.
+// The prompt was ended by a signal that the program handles (see StopSignals).
 struct PasswordInterrupted : PasswordError {
     PasswordInterrupted() : PasswordError("interrupted") {}
 };
 
-// While it lives, a terminal echoes nothing. Its former mode comes back with the destructor, and before any
-// signal has its usual effect: one ends the program, is left to StopSignals, or stops the program until it is
-// continued; in that case the echo is off again, nothing that was typed counts, and the prompt is repeated.
+// Turns the echo of a terminal off for its lifetime. The former mode is restored by the destructor and before
+// any signal has its usual effect: it ends the program, is left to StopSignals, or stops the program until it
+// is continued. After that the echo is off again, what was typed is dropped, and the prompt is repeated.
 class PasswordInput {
  public:
-    // Prompts are written to `output`, on a terminal only. Raises PasswordError when a terminal's echo cannot
-    // be switched off.
+    // Writes prompts to `output`, on a terminal only. Raises PasswordError when a terminal's echo cannot be
+    // turned off.
     PasswordInput(int input, int output);
     ~PasswordInput();
     PasswordInput(const PasswordInput&) = delete;
     PasswordInput& operator=(const PasswordInput&) = delete;
 
     bool IsTerminal() const;
-    // The next line without its end; from a file or a pipe only one is read. Waits for it. Raises
-    // PasswordError when there is none or it is over 1,024 bytes.
+    // Waits for the next line and returns it without its end; from a file or a pipe only one line is read.
+    // Raises PasswordError when there is none or it is over 1,024 bytes.
     Secret Read(const char* prompt);
 
  private:

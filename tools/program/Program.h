@@ -1,4 +1,4 @@
-// The frame of a program's main function.
+// What the programs' main functions have in common.
 #pragma once
 
 #include <functional>
@@ -11,9 +11,9 @@ inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;   // also: the output could not be written
 inline constexpr int kExitMisused = 2;  // invalid command line
 
-// Runs `body` and returns its exit code. First the standard descriptors that are closed become the null
-// device, so that no socket takes their numbers. What `body` raises becomes one line on standard error and
-// the exit code kExitFailed for an OutputError, `failed` for anything else.
+// Runs `body` and returns its exit code. Opens the null device for standard descriptors that are closed, so
+// that no socket gets their numbers. An exception of `body` becomes one line on standard error and the exit
+// code kExitFailed for an OutputError, `failed` for any other.
 int RunProgram(const std::string& name, int failed, const std::function<int()>& body);
 
 }  // namespace kq

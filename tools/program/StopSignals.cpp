@@ -1,4 +1,4 @@
-// A signal descriptor needs no handler and no thread: the signals are held back and read like bytes.
+// A signal descriptor needs no handler and no thread: the signals are blocked and read like bytes.
 #include "tools/program/StopSignals.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-// SIGINT, SIGTERM and SIGHUP as something that can be waited for: they end a program's waits instead of the
+// SIGINT, SIGTERM and SIGHUP as events that can be waited for. They end a program's waits instead of the
 // program, so that every way out cleans up.
 #pragma once
 

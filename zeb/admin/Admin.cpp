@@ -1,4 +1,4 @@
-// The commands of zebctl. They work beside a running zebd, which sees every change at its next look.
+// The commands of zebctl. A running zebd sees every change when it reads the database next.
 #include "zeb/admin/Admin.h"
 
 #include <algorithm>

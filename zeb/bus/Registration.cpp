@@ -1,4 +1,4 @@
-// "RequestASRegistration": an application server asks whether a session that a client has shown is good.
+// "RequestASRegistration": an application server asks whether a client's session is valid.
 #include "zeb/bus/ServerMessages.h"
 #include "zeb/store/SessionRecord.h"
 

@@ -14,19 +14,19 @@ class ServerMessages {
  public:
     explicit ServerMessages(Services& services) : services_(services) {}
 
-    // False for a type that does not come from application servers.
+    // False for a type that application servers do not send.
     bool Handle(const XMLMessage& message);
-    // Asks every application server to announce itself at once.
+    // Asks every application server to announce itself immediately.
     void AskForAnnouncements();
-    // Whether the connection behind a reply address is there: an application server without one is not used
+    // Whether the connection behind a reply address is open. An application server without one is not used
     // until it is back.
     void Reachable(const BusAddress& reply, bool there);
-    // What time brings: servers that have fallen silent, sessions that have expired.
+    // To be called regularly: removes servers that have fallen silent and sessions that have expired.
     void Tidy();
 
  private:
     void Register(const XMLMessage& message);
-    // The answer's content; None with a filled session record.
+    // The content of the answer: None with a filled session record, or the refusal.
     Refusal Confirm(const RequestASRegistration& request, SessionInfo& info);
     void OrderLogout(const Session& session);
     void Announce(const XMLMessage& message);

@@ -1,4 +1,4 @@
-// Both families of addresses, told apart by the colons that only IPv6 has.
+// IPv4 and IPv6 addresses; only the latter contain colons.
 #include "zeb/requests/Addresses.h"
 
 #include <arpa/inet.h>

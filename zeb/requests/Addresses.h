@@ -1,4 +1,4 @@
-// Network addresses as they are read.
+// Numeric network addresses in their usual spelling.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,5 @@
-// The requests of clients, direct and relayed: one handler for each message type. Every request that is known
-// is answered, sooner or later, with the response of its type.
+// The requests of clients, direct and relayed: one handler for each message type. Every known request is
+// answered with the response of its type, some of them later.
 #pragma once
 
 #include <functional>
@@ -21,7 +21,7 @@ class ClientRequests {
     explicit ClientRequests(Services& services)
         : services_(services), host_names_(services.platform, HostNames::Rule()) {}
 
-    // False for a type that is no client's request.
+    // False for a type that is not a request of a client.
     bool Handle(const XMLMessage& message, const PeerPtr& peer);
 
  private:
@@ -32,23 +32,23 @@ class ClientRequests {
     void UpdateProfiles(const XMLMessage& message, const PeerPtr& peer);
     void DownloadClient(const XMLMessage& message, const PeerPtr& peer);
 
-    // The user of a session, when login id, session and application belong together.
+    // The user of a session if login id, session and application belong together.
     std::optional<Account> FindUser(const std::string& login, const std::string& session_id,
                                     const std::string& app_id);
 
-    // What the two restriction fields of a request mean, unless a host name has to be looked up for that. A
-    // direct client that names this server itself is not restricted.
+    // The restriction that two fields of a request ask for; nothing if a host name would have to be resolved.
+    // A direct client that names this server itself is not restricted.
     std::optional<Restriction> KnownRestriction(const Peer& peer, const std::string& address,
                                                 std::int32_t port) const;
-    // Reads the restriction of a login whose password was right, looking up a host name. `then` may be called
-    // later for that; false and never when too many names are being looked up.
+    // The restriction of a login whose password was correct; resolves a host name. `then` may be called later
+    // for that. False when too many names are being resolved; `then` is not called.
     bool ReadRestriction(const PeerPtr& peer, const ASLoginRequest& request,
                          std::function<void(const Restriction&)> then);
     Restriction DirectRestriction(const Peer& peer, const std::vector<std::string>& addresses,
                                   std::int32_t port) const;
 
-    // The outcome of a password check. With None: the account, and the hash of the new password if one was
-    // given.
+    // The outcome of a password check. With None: the account, and the hash of the new password if there is
+    // one.
     struct Checked {
         Refusal refusal = Refusal::None;
         Account account;
@@ -59,16 +59,16 @@ class ClientRequests {
     Refusal FinishLogin(const ASLoginRequest& request, const Restriction& restriction, const Checked& checked,
                         XMLMessage& answer);
     Refusal StoreNewPassword(const Checked& checked);
-    // With None the attempt is still open: Settle ends it.
+    // With None the attempt is still open; Settle ends it.
     void CheckPassword(const std::string& login, const Secret& password,
                        const std::optional<Secret>& new_password,
                        const std::function<void(const Checked&)>& then);
     Checked Judge(const std::string& login, const std::optional<Account>& asked,
                   const PasswordAnswer& answer);
-    // Reads the account again, which may have changed since. A refusal when its password is another one now
-    // or it is disabled.
+    // Reads the account again, because it may have changed in the meantime. A refusal if its password has
+    // changed or it is disabled.
     Refusal Recheck(Account& account);
-    // Runs what a right password leads to, up to its commit, and only then forgets the failures before it.
+    // Runs what follows a correct password, up to its commit, and only then forgets the failures before it.
     Refusal Settle(const std::string& login, const std::function<Refusal()>& finish);
 
     // Runs a step of a handler; whatever it raises becomes the refusal Failed.
@@ -83,8 +83,8 @@ class ClientRequests {
     Owner owner_;
 };
 
-// A login id or a password that is longer than any account's loses what follows its first character too many:
-// it is still wrong, but what waits for a password check is small.
+// Cuts a login id or password that is longer than any account's behind its first character too many. It is
+// still wrong, but a queued password check stays small.
 void ShortenLogin(std::string& login);
 void ShortenPassword(Secret& password);
 

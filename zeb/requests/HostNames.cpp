@@ -1,4 +1,4 @@
-// One question to the resolver for each name, whose answer goes to everybody who waits for it.
+// One query to the resolver for each name; its answer is given to all requests that wait for it.
 #include "zeb/requests/HostNames.h"
 
 #include "platform/Machine.h"

@@ -1,6 +1,6 @@
-// The addresses of host names that users restrict their logins to. A question may take the system's resolver
-// many seconds and a thread. So only a user whose password was right has a name looked up, requests for the
-// same name share one question, and the numbers of names and requests are limited: in all, for a connection
+// Resolves the host names that logins are restricted to. A query may occupy the system's resolver and a
+// thread for many seconds. So a name is resolved only for a user whose password was correct, requests for the
+// same name share one query, and the numbers of names and requests are limited: in total, for a connection
 // and for a login id.
 #pragma once
 
@@ -20,7 +20,7 @@ class HostNames {
  public:
     using Addresses = std::vector<std::string>;
     struct Rule {
-        std::size_t names = 64;        // that are looked up at once
+        std::size_t names = 64;        // that are resolved at the same time
         std::size_t requests = 1'000;  // that wait for all of them
         std::size_t each = 4;          // that wait for one connection, and for one login id
     };
@@ -30,8 +30,8 @@ class HostNames {
     };
     HostNames(PlatformPtr platform, const Rule& rule) : platform_(std::move(platform)), rule_(rule) {}
 
-    // Calls `then` later, never from inside the call, with the numeric addresses of a name; none when there
-    // is no such host. False, and `then` is never called, when too much is waiting already.
+    // Calls `then` later, never from inside the call, with the numeric addresses of a name; none if there is
+    // no such host. False when too much is queued already; `then` is not called.
     bool Find(const Asker& asker, const std::string& host, std::function<void(const Addresses&)> then);
 
  private:

@@ -1,7 +1,7 @@
-// "ASLoginRequest": who the user is, where the application server is, and what the client needs of the user.
+// "ASLoginRequest": checks the user, chooses the application server and collects the user's data.
 //
 // The new password and the session are stored in one transaction, which is committed when the answer is
-// complete. A login that is refused or fails leaves no session behind and the old password in force.
+// complete. A login that is refused or fails leaves no session behind, and the old password remains valid.
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"

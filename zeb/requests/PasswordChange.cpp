@@ -1,4 +1,4 @@
-// "ASPasswordChangeRequest": a user who is logged in takes another password.
+// "ASPasswordChangeRequest": changes the password of a user who is logged in.
 #include "zeb/requests/ClientRequests.h"
 
 namespace kq::zeb {

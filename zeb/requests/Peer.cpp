@@ -1,4 +1,4 @@
-// Both ways back to the client that asked.
+// The two ways to answer a client.
 #include "zeb/requests/Peer.h"
 
 #include <kqappsession/Error.h>

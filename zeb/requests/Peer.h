@@ -1,5 +1,5 @@
-// Who sent a request: a client that is connected to this server, or one behind an application server whose
-// request came over the bus.
+// The sender of a request: a client that is connected to this server, or one behind an application server
+// that relayed the request over the bus.
 #pragma once
 
 #include <cstdint>
@@ -16,12 +16,12 @@ namespace kq::zeb {
 class Peer {
  public:
     virtual ~Peer() = default;
-    // Nothing happens when the peer has gone.
+    // Does nothing when the peer has disconnected.
     virtual void Answer(const XMLMessage& answer) = 0;
     // The peer has logged in.
     virtual void Admit() {}
     virtual bool Relayed() const = 0;
-    // Where a direct peer reached this server; empty and 0 for a relayed one.
+    // The address and port at which a direct peer reached this server; empty and 0 for a relayed one.
     virtual std::string LocalAddress() const { return {}; }
     virtual std::int32_t LocalPort() const { return 0; }
     virtual std::string Name() const = 0;  // for the log
@@ -31,7 +31,7 @@ using PeerPtr = std::shared_ptr<Peer>;
 
 class DirectPeer final : public Peer {
  public:
-    // `name`: the client's address, which a connection that has ended no longer knows. `tag`: of the request,
+    // `name`: the client's address, which a connection that has ended no longer knows. `tag`: the request's,
     // returned with every answer to it.
     DirectPeer(std::shared_ptr<APClient> client, std::string name, std::string tag)
         : client_(std::move(client)), name_(std::move(name)), tag_(std::move(tag)) {}
@@ -48,8 +48,8 @@ class DirectPeer final : public Peer {
     std::string tag_;
 };
 
-// Answers go back with the request's "TransID" and "ReturnTag" to the reply address that the application
-// server put in.
+// Answers are sent with the request's "TransID" and "ReturnTag" to the reply address in the request, which
+// the application server has set.
 class RelayedPeer final : public Peer {
  public:
     RelayedPeer(const XMLMessage& request, std::function<void(const XMLMessage&)> send_on_bus);

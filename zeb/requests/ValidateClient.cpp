@@ -1,7 +1,7 @@
 // "ASValidateClientRequest": is there a server for this client's interface version?
 //
-// Nobody has logged in yet, so no host name is looked up. A restriction that names a host is read as one to
-// its port alone; the login then looks at the host too.
+// Nobody has logged in yet, so no host name is resolved. A restriction to a host name is treated as a
+// restriction to its port alone; the login checks the host too.
 #include "base/Convert.h"
 #include "zeb/requests/ClientRequests.h"
 

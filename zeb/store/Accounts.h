@@ -1,4 +1,4 @@
-// The users: who they are, what they may and the hash of their password.
+// The users: their data, permissions and password hashes.
 #pragma once
 
 #include <cstddef>
@@ -39,18 +39,18 @@ class Accounts {
     // Login ids are compared exactly.
     std::optional<Account> Find(std::string_view login);
     std::optional<Account> Find(std::int32_t uid);
-    // Stores a new user; its uid is chosen here and returned. Raises kq::Error when the login id is taken or
-    // cannot be one, or a text cannot travel in a message.
+    // Stores a new user; chooses and returns its uid. Raises kq::Error for a duplicate or invalid login id,
+    // and for a text that a message cannot carry.
     std::int32_t Add(const Account& account);
-    // Replaces the hash and clears must_change, unless the hash is not `old_hash` any more: then another
-    // change came first, and the result is false. Within a transaction of the caller, or as one.
+    // Replaces the hash and clears must_change. False when the hash is not `old_hash`, because another change
+    // came first. Within a transaction of the caller, or as one.
     bool ChangePassword(std::int32_t uid, std::string_view old_hash, std::string_view new_hash);
     void SetDisabled(std::int32_t uid, bool disabled);
     // By login id.
     std::vector<Account> All();
 
-    // Why a text cannot be a login id, as a sentence; empty when it can: 1 to 64 characters, no control
-    // characters, no blank at either end.
+    // Why a text is not valid as a login id, as a description; empty when it is: 1 to 64 characters, no
+    // control characters, no space at either end.
     static std::string WhyNoLogin(std::string_view login);
 
  private:

@@ -1,9 +1,9 @@
-// Slows down guessing: after a few failed attempts in a row a login id has to wait before the next one is
-// looked at, longer every time. Ids that no user has are treated alike, so the waiting says nothing about who
-// exists.
+// Slows down guessing: after a few failed attempts in a row a login id has to wait before the next attempt is
+// checked, longer every time. Unknown ids are treated in the same way, so the wait does not reveal which
+// users exist.
 //
-// The table holds keyed hashes of the ids. An entry has a fixed size whatever a client sends, and the memory
-// of the server does not list what people typed as their login id.
+// The table holds keyed hashes of the ids. An entry has a fixed size whatever a client sends, and the
+// server's memory does not contain what users typed as their login id.
 #pragma once
 
 #include <array>
@@ -24,15 +24,15 @@ class FailedAttempts {
         Milliseconds first{1'000};  // doubles with every further failure
         Milliseconds longest{5 * 60 * 1'000};
         Milliseconds forget{30 * 60 * 1'000};  // without an attempt
-        std::size_t table = 10'000;            // ids that are remembered; the longest unused one makes room
+        std::size_t table = 10'000;  // ids that are remembered; the least recently used one is removed
     };
     FailedAttempts(std::shared_ptr<EventLoop> loop, const Rule& rule);
 
-    // Whether an attempt may go on now. Of an id that has to wait between attempts, one at a time may.
+    // Whether an attempt may be checked now. While an id has to wait between attempts, one at a time may.
     bool Begin(const std::string& login);
     void Failed(const std::string& login);
     void Succeeded(const std::string& login);
-    // The attempt that Begin let through was not looked at after all.
+    // The attempt that Begin allowed was not checked after all.
     void Withdraw(const std::string& login);
     std::size_t Size() const { return entries_.size(); }
 
@@ -44,7 +44,7 @@ class FailedAttempts {
         EventLoop::TimePoint last;
         EventLoop::TimePoint not_before;
     };
-    using Entries = std::list<Entry>;  // the longest unused one first
+    using Entries = std::list<Entry>;  // the least recently used one first
 
     Fingerprint FingerprintOf(const std::string& login) const;
     Milliseconds DelayAfter(int failures) const;

@@ -1,5 +1,5 @@
-// Password work away from the event loop: hashing takes a tenth of a second and much memory, so a few threads
-// do it, and only so much of it may wait.
+// Checks passwords away from the event loop: hashing takes a tenth of a second and much memory, so a few
+// threads do it, and the queue is limited.
 #pragma once
 
 #include <condition_variable>
@@ -25,12 +25,12 @@ class Executor {
  public:
     using Work = std::function<void()>;
     virtual ~Executor() = default;
-    // False when too much waits already; the work is then not run.
+    // False when the queue is full; the work is then not run.
     virtual bool Submit(Work work) = 0;
 };
 
-// Runs work on `threads` threads; at most `queue` pieces wait beside those that run. The destructor waits for
-// what runs and drops what waits.
+// Runs work on `threads` threads; at most `queue` pieces are queued beside those that run. The destructor
+// waits for the running work and drops the queued work.
 class ThreadPool final : public Executor {
  public:
     ThreadPool(std::size_t threads, std::size_t queue);
@@ -44,7 +44,7 @@ class ThreadPool final : public Executor {
     std::mutex mutex_;
     std::condition_variable wake_;
     std::deque<Work> waiting_;
-    std::size_t unfinished_ = 0;  // waiting or running
+    std::size_t unfinished_ = 0;  // queued or running
     bool stopping_ = false;
     std::vector<std::thread> threads_;
 };
@@ -53,24 +53,24 @@ struct PasswordQuestion {
     std::string login;
     Secret password;
     std::optional<std::string> hash;     // none: there is no such user
-    std::optional<Secret> new_password;  // to be checked and hashed when the password is right
+    std::optional<Secret> new_password;  // to be checked and hashed if the password is correct
 };
 
 struct PasswordAnswer {
     bool correct = false;
     bool failed = false;                           // the machine could not do the work
-    Refusal new_password_refusal = Refusal::None;  // why the new one cannot be taken
-    std::string new_hash;                          // when one was given and can be taken
+    Refusal new_password_refusal = Refusal::None;  // why the new one is not accepted
+    std::string new_hash;                          // if there is one and it is accepted
 };
 
 // Answers questions about passwords on the loop's thread. An unknown user costs the same work as a known one.
 class PasswordPool {
  public:
-    // The executor must be gone before the loop and the hasher are.
+    // The executor must be destroyed before the loop and the hasher.
     PasswordPool(std::shared_ptr<EventLoop> loop, Executor& executor, const PasswordHasher& hasher);
 
-    // False when too much waits. `done` is called later, never from inside the call, and not once the pool is
-    // gone.
+    // False when the queue is full. `done` is called later, never from inside the call, and not after the
+    // pool is destroyed.
     bool Ask(PasswordQuestion question, std::function<void(const PasswordAnswer&)> done);
 
  private:

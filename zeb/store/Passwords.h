@@ -1,4 +1,4 @@
-// What a password may be, and how it is kept: as an argon2id hash that says itself how it was made.
+// The rules for passwords, and how they are stored: as an argon2id hash, which contains its own parameters.
 #pragma once
 
 #include <cstddef>
@@ -22,11 +22,11 @@ std::optional<std::size_t> CountCharacters(std::string_view text);
 std::string FirstCharacters(std::string_view text, std::size_t count);
 bool HasControlCharacter(std::string_view text);  // U+0000 to U+001F, U+007F to U+009F
 
-// Why `password` cannot be the new password of `login`, None when it can. `old_password` is empty for a user
-// who has none yet.
+// Why `password` cannot be the new password of `login`; None if it can. `old_password` is empty for a user
+// who does not have one yet.
 Refusal CheckNewPassword(const Secret& password, std::string_view login, const Secret& old_password = {});
 
-// Makes and checks hashes. Both calls may run on several threads at once and take long.
+// Makes and checks hashes. Both calls take long, and may run on several threads at the same time.
 class PasswordHasher {
  public:
     virtual ~PasswordHasher() = default;

@@ -1,6 +1,5 @@
-// The modes are set while a file or folder is made, so there is no moment in which others could open it. What
-// exists already is opened first and judged by what was opened, not by what its name may stand for a moment
-// later.
+// The mode is set when a file or folder is created, so others can never open it. An existing one is opened
+// first, and the open file is checked: its name may mean another file a moment later.
 #include "zeb/store/PrivateFiles.h"
 
 #include <cerrno>

@@ -1,5 +1,5 @@
-// The tables of the login server, as the steps that lead to them. A step that has been released is never
-// changed: what comes next is a step of its own at the end, and Store::kSchemaVersion counts them.
+// The tables of the login server, as a list of migrations. A migration that has been released is never
+// changed; new ones are added at the end, and Store::kSchemaVersion is their number.
 #pragma once
 
 #include <array>

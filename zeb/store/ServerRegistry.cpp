@@ -1,4 +1,4 @@
-// Announcements as they come, and the choice among the servers that are there.
+// Announcements, and the choice among the available servers.
 #include "zeb/store/ServerRegistry.h"
 
 #include <algorithm>

@@ -1,10 +1,9 @@
-// The application servers that have announced themselves: who is there, what they serve and how busy they
-// are.
+// The application servers that have announced themselves: what they serve and how busy they are.
 //
-// A server is known by its reply address, which no other process on the bus has, and its application, since
-// one process may serve several. It stays until it says "D", another one announces itself at its address and
-// port, or it is silent for longer than three of its announcement intervals. While its connection to the bus
-// is known to be lost it is not used.
+// The key of a server is its reply address, which no other process on the bus has, and its application, since
+// one process may serve several. A server is removed when it sends "D", when another one announces itself at
+// its address and port, or when it is silent for longer than three of its announcement intervals. It is not
+// used while its connection to the bus is known to be lost.
 #pragma once
 
 #include <cstdint>
@@ -31,14 +30,14 @@ struct ApplicationServer {
     Milliseconds interval{0};  // 0 or less: announces itself only when something changes or it is asked
     std::vector<std::string> interface_versions;
     std::set<std::string> sessions;
-    std::int32_t promised = 0;  // logins that were sent there since the last list of sessions
+    std::int32_t promised = 0;  // logins that were sent there since its last session list
     EventLoop::TimePoint heard;
     bool off_the_bus = false;  // its connection to the bus is lost
 
     std::size_t Load() const { return sessions.size() + static_cast<std::size_t>(promised); }
 };
 
-// Which servers a client may be sent to. Empty: every one.
+// The servers that a client may be sent to. Empty: all.
 struct Restriction {
     std::set<std::string> addresses;
     std::int32_t port = 0;
@@ -52,7 +51,7 @@ struct Restriction {
 class ServerRegistry {
  public:
     static constexpr Milliseconds kSlack{5'000};
-    // Stands in for the interval of a server that has none; such a server has to be asked at least as often.
+    // Used as the interval of a server that has none; such a server has to be asked at least this often.
     static constexpr Milliseconds kAskInterval{60'000};
     static constexpr Milliseconds kMaxInterval{24 * 60 * 60 * 1'000};
     static constexpr std::size_t kMaxServers = 4'096;
@@ -65,22 +64,22 @@ class ServerRegistry {
         bool fresh = false;                       // it was unknown
         std::vector<ApplicationServer> replaced;  // the servers at its address and port, now removed
     };
-    // "C": the server is there and these are its sessions. `port`: its port as a number.
+    // "C": the server is available and these are its sessions. `port`: its port as a number.
     Arrival Announced(const BusAddress& reply, const ApplicationInfo& application, std::int32_t port);
-    // The connection behind a reply address was lost, or is there again. Returns the servers for which that
-    // is news.
+    // The connection behind a reply address was lost, or is open again. Returns the servers whose state this
+    // has changed.
     std::vector<ApplicationServer> Reachable(const BusAddress& reply, bool there);
     // "E" of a known server; an unknown one stays unknown.
     void SessionEnded(const BusAddress& reply, const std::string& app_id, const std::string& session_id);
     void Left(const BusAddress& reply, const std::string& app_id);
-    // Forgets the silent ones and returns them.
+    // Removes the silent ones and returns them.
     std::vector<ApplicationServer> DropSilent();
 
     bool IsLive(const BusAddress& reply, const std::string& app_id) const;
     bool Serves(const std::string& app_id, const std::string& interface_version,
                 const Restriction& restriction) const;
-    // The port of the least busy server for the application; that server's load counts one more. Nothing when
-    // there is none.
+    // The port of the least busy server for the application; its load is increased by one. Nothing when there
+    // is no such server.
     std::optional<std::int32_t> ChoosePort(const std::string& app_id, const Restriction& restriction);
     bool HasServerFor(const std::string& app_id, const Restriction& restriction) const;
     // Whether some server announces itself only when asked.
@@ -97,7 +96,7 @@ class ServerRegistry {
 
     std::shared_ptr<EventLoop> loop_;
     std::map<Key, ApplicationServer> servers_;
-    // Reply addresses whose connection was lost not long ago: what they announced before is still arriving.
+    // Reply addresses whose connection was lost recently: earlier announcements may still arrive.
     std::map<BusAddress, EventLoop::TimePoint> lost_;
 };
 

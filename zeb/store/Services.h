@@ -1,4 +1,4 @@
-// What the handlers of messages work with. Everything is owned by Zeb and outlives them.
+// The objects that the handlers of messages use. Zeb owns all of them; they outlive the handlers.
 #pragma once
 
 #include <functional>
@@ -41,8 +41,8 @@ struct Services {
     }
 };
 
-// A text that a client or another server made up, for the log: on one line, cut after 64 characters. The
-// server's own reasons are logged whole.
+// A text that comes from a client or another server, for the log: on one line, cut after 64 characters. The
+// server's own reasons are logged in full.
 std::string ForLog(std::string_view text);
 
 }  // namespace kq::zeb

@@ -1,4 +1,4 @@
-// A user as the record of a session describes it.
+// A user's data as the record of a session.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// The sessions in memory and in the store. Changes are committed without waiting for the disk: what a loss of
-// power takes costs its user a new login.
+// The sessions in memory and in the store. Changes are committed without waiting for the disk: a session that
+// is lost with the power costs its user a new login.
 #include "zeb/store/Sessions.h"
 
 #include <unordered_set>

@@ -1,9 +1,9 @@
 // The sessions that this server has issued.
 //
-// A session waits to be registered with an application server, is registered, and waits again when it has
-// ended there, since a client whose connection broke registers the same session again. One that waits longer
-// than the time to register is gone for ever. All sessions are kept in memory and every change in the store,
-// so that they outlive a restart.
+// A session has to be registered with an application server within the time to register. When it ends there
+// it may be registered again within the same time, because a client that lost its connection registers the
+// same session again. After that time it is removed. All sessions are kept in memory, and every change is
+// stored, so that they outlive a restart.
 #pragma once
 
 #include <chrono>
@@ -38,31 +38,32 @@ class Sessions {
  public:
     struct Rule {
         std::chrono::seconds time_to_register{10 * 60};
-        // A list that an application server sent before it heard of a registration lacks that session.
+        // A session list that an application server sent before it received a registration does not contain
+        // that session.
         std::chrono::seconds settle{60};
-        // Registered sessions of an application server that was not heard for so long are given up.
+        // Registered sessions of an application server that has sent nothing for so long are removed.
         std::chrono::seconds give_up{24 * 60 * 60};
     };
     Sessions(Store& store, PlatformPtr platform, const Rule& rule);
 
-    // Stores a new session within a transaction of the caller; its id is 32 hexadecimal digits, random. Once
-    // that is committed, Add makes the session known.
+    // Stores a new session within a transaction of the caller; its id is 32 random hexadecimal digits. Call
+    // Add after the commit.
     Session Issue(std::int32_t user_uid, const std::string& app_id);
     void Add(Session session);
     // Null when it is unknown or its time to register has passed. Valid until the next change.
     const Session* Find(const std::string& id) const;
-    // A registered session moves to the new place.
+    // A session that is registered elsewhere is registered at the new place instead.
     void Register(const std::string& id, const BusAddress& server, const std::string& connection);
-    // The session has ended on that server; nothing happens when it is registered elsewhere.
+    // The session has ended on that server. Does nothing when it is registered elsewhere.
     void End(const std::string& id, const BusAddress& server);
     void EndAll(const BusAddress& server, const std::string& app_id);
-    // The complete list of a server's sessions of an application: those it lacks have ended, those that wait
-    // are registered there.
+    // The complete list of a server's sessions of an application. Sessions that it does not contain have
+    // ended; sessions that wait for their registration are registered there.
     void Announced(const BusAddress& server, const std::string& app_id, const std::vector<std::string>& ids);
-    // How many registered sessions of the user `live` accepts, `except` left out.
+    // The number of registered sessions of the user that `live` accepts, without `except`.
     std::int32_t CountLive(std::int32_t user_uid, const std::string& except,
                            const std::function<bool(const Session&)>& live) const;
-    // Removes what is gone.
+    // Removes the sessions whose time has passed.
     void Purge();
     std::size_t Count() const { return sessions_.size(); }
 
@@ -77,7 +78,7 @@ class Sessions {
     std::unordered_map<std::string, Session> sessions_;
     std::map<BusAddress, std::set<std::string>> by_server_;
     std::unordered_map<std::int32_t, std::set<std::string>> by_user_;
-    std::map<BusAddress, std::int64_t> heard_;  // servers with sessions: when they last said something
+    std::map<BusAddress, std::int64_t> heard_;  // servers with sessions: when they last sent something
 };
 
 }  // namespace kq::zeb

@@ -1,5 +1,5 @@
-// SQLite behind Store. The store runs on the thread of the event loop alone, so the database is opened
-// without SQLite's own locks.
+// SQLite behind Store. Only the thread of the event loop uses the store, so the database is opened without
+// SQLite's locks.
 #include "zeb/store/Store.h"
 
 #include <cstdio>

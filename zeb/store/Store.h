@@ -2,8 +2,8 @@
 // transactions.
 //
 // zebd and zebctl may have it open at the same time (WAL); a writer waits up to two seconds for the other
-// one. Failures are kq::Error with SQLite's number and the source kStoreSource; their texts hold no bound
-// values, so a password or its hash never gets into a log.
+// one. Failures are kq::Error with SQLite's number and the source kStoreSource. Their descriptions contain no
+// bound values, so a password or its hash is never logged.
 #pragma once
 
 #include <cstdint>
@@ -19,8 +19,8 @@ namespace kq::zeb {
 
 inline constexpr std::string_view kStoreSource = "zebd store";
 
-// One use of a prepared statement; the statement goes back to the store when the use ends. Parameters count
-// from 1, columns from 0.
+// One use of a prepared statement, which is returned to the store afterwards. Parameters count from 1,
+// columns from 0.
 class Query {
  public:
     Query(Query&& other) noexcept : db_(other.db_), statement_(other.statement_) {
@@ -32,9 +32,9 @@ class Query {
 
     Query& Bind(int parameter, std::string_view text);
     Query& Bind(int parameter, std::int64_t value);
-    // The next row; false when there is none.
+    // The next row; false when there are no more.
     bool Next();
-    // For statements without rows. Returns how many rows they changed.
+    // For statements without rows. Returns the number of rows that were changed.
     std::int64_t Run();
 
     std::string Text(int column) const;
@@ -49,11 +49,11 @@ class Query {
 
 class Store {
  public:
-    // Opens the database and brings its schema up to date. ":memory:" is one of its own. Raises for a file
+    // Opens the database and upgrades its schema. ":memory:": a new database in memory. Raises for a file
     // that is missing, not private (see PrivateFiles.h), not a database of this server or written by a newer
-    // version; such a file is left as it is.
+    // version; such a file is left unchanged.
     explicit Store(const std::string& path);
-    // Makes a new database with mode 0600. Raises when there is a file already.
+    // Creates a new database with mode 0600. Raises when the file exists already.
     static void Create(const std::string& path);
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
@@ -62,14 +62,14 @@ class Store {
     static constexpr int kSchemaVersion = 1;
     int SchemaVersion();
 
-    // `sql` is prepared once and kept; it must not be in use already.
+    // `sql` is prepared once and kept. It must not be in use already.
     Query Use(std::string_view sql);
     std::int64_t LastRowId() const;
-    // Changes whenever another connection has committed something.
+    // Changes whenever another connection has committed.
     std::int64_t OutsideChanges();
 
-    // Whether a commit survives a loss of power at once. Settled commits cost a disk write each, so they are
-    // for what a user was told is stored; a session that is lost with the power costs its user a new login.
+    // Whether a commit survives a loss of power immediately. Settled commits cost a disk write each, so they
+    // are for data that a user was told is stored. A session that is lost costs its user a new login.
     enum class Commit { Settled, Soon };
 
     // Rolled back unless Commit() was called. Not nested.
