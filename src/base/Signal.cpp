@@ -37,7 +37,7 @@ void ReportStrayException(std::exception_ptr exception) noexcept {
         }
         if (handler) handler(std::move(exception));
     } catch (...) {
-        // The last place an exception can come to; there is nobody left to tell.
+        // There is nowhere else to report it.
     }
 }
 

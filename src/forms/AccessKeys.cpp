@@ -1,5 +1,5 @@
-// A matching of captions and letters: when a letter is taken, its holder looks for another one, and so on
-// until everybody who can have a key has one.
+// Assigns letters to captions: when a letter is taken, its holder looks for another one, and so on until all
+// captions that can have a key have one.
 #include "forms/AccessKeys.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-// Which letter of each caption, pressed with Alt, leads to its control.
+// The letter of each caption that, pressed with Alt, activates its control.
 #pragma once
 
 #include <cstddef>

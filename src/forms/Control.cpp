@@ -1,5 +1,5 @@
-// State of one control. Every change goes to the view through the form; setting a text box raises its Change
-// as typing does, which is why a handler that writes its own box guards itself.
+// State of one control. Every change is passed to the view through the form. Setting a text box raises its
+// Change as typing does, so a handler that sets its own box must guard against recursion.
 #include "forms/Control.h"
 
 #include <algorithm>
@@ -63,7 +63,7 @@ void Control::SetText(std::string_view text) {
     if (Kind() == ControlKind::TextBox) RaiseChange();
 }
 
-// The user's caret may have left the selection without a report, so the same one is told again.
+// The user's caret may have left the selection without a report, so the same selection is reported again.
 void Control::SetSelection(kq::Selection selection) {
     const std::size_t length = Length();
     selection_.start = std::min(selection.start, length);

@@ -1,5 +1,5 @@
-// Forms at work: events in, changes out. The form holds itself while a handler runs, so a handler may let go
-// of everything else.
+// Runs forms: events in, changes out. The form holds itself while a handler runs, so a handler may release
+// everything else.
 #include "forms/Form.h"
 
 #include <algorithm>

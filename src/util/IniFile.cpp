@@ -1,7 +1,7 @@
-// Where the settings file is and how its values are read and written.
+// The path of the settings file, and reading and writing its values.
 //
-// The path is put together from texts alone, and every folder on it is tried in turn without looking whether
-// it is there: a failure of any step shows only in that values are not kept.
+// The path is composed from texts alone, and every folder on it is created without checking whether it
+// exists. If any step fails, the only effect is that values are not stored.
 #include "util/IniFile.h"
 
 #include "platform/Folders.h"

@@ -18,8 +18,8 @@ class IniFile {
 
     explicit IniFile(PlatformPtr platform) : platform_(std::move(platform)) {}
 
-    // Sets the file's path and creates the folders on the way to it. With a special folder and an empty
-    // `custom_or_partial_folder` the path is left as it was before the file name is appended.
+    // Sets the file's path and creates the folders on it. With a special folder and an empty
+    // `custom_or_partial_folder` the path is unchanged before the file name is appended.
     void SetLocation(int folder_type, const std::string& custom_or_partial_folder,
                      const std::string& file_name);
     const std::string& Path() const { return path_; }
@@ -28,7 +28,7 @@ class IniFile {
     // "Default". Never raises.
     std::string Value(const std::string& prop_name, const std::string& section,
                       const std::string& default_value) const;
-    // `default_value` is ignored. A write that fails is silent; Kept tells.
+    // `default_value` is ignored. A failed write raises nothing; see Kept.
     void SetValue(const std::string& prop_name, const std::string& section, const std::string& default_value,
                   const std::string& value);
     // Whether the last SetValue reached the file.

@@ -1,4 +1,4 @@
-// One question to the platform's resolver; the first IPv4 address in its order is the answer.
+// The first IPv4 address that the platform's resolver returns.
 #include "util/ResolveDomain.h"
 
 #include "platform/Machine.h"

@@ -1,8 +1,8 @@
 // Reads a version block by language and code page.
 //
-// The place of a translation entry is (index - 1) / 4, rounded half to even, not times 4: index 1 is the
-// first entry, higher ones read at it or a few bytes behind it, never at a later entry. What lies outside the
-// table reads as 0.
+// The offset of a translation entry is (index - 1) / 4, rounded half to even, not times 4: index 1 is the
+// first entry, higher ones read at the same position or a few bytes behind it, never at a later entry. Bytes
+// outside the table read as 0.
 #include "util/VersionInfo.h"
 
 #include <charconv>

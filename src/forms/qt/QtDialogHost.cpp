@@ -1,5 +1,5 @@
-// Nothing here has a loop of its own: boxes and forms are shown, and our event loop runs until they are
-// hidden, so they end when the loop quits.
+// Nothing here has a separate event loop: message boxes and forms are shown, and our event loop runs until
+// they are hidden. So they end when the loop quits.
 #include "forms/qt/QtDialogHost.h"
 
 #include <QDir>

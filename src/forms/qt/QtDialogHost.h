@@ -1,4 +1,4 @@
-// Forms, message boxes and the question for a file on Qt.
+// Forms, message boxes and the file dialog on Qt.
 #pragma once
 
 #include <cstdint>

@@ -1,10 +1,10 @@
-// Notifiers and timers of the toolkit call nobody: they put an event into a queue of our own, and a pump,
-// which is a timer of the toolkit that is due at once, takes one event out and runs it. So a cancelled timer
-// or a removed watch takes its event along, what was ready is told from what became ready since, and tasks
-// that post each other for ever leave room for windows.
+// Notifiers and timers of the toolkit call nobody. They put an event into a queue of our own, and a pump,
+// which is a toolkit timer that is due immediately, takes one event out and runs it. So cancelling a timer or
+// removing a watch also removes its event; what was ready at a certain moment is distinguished from what
+// became ready later; and tasks that keep posting each other do not starve windows.
 //
-// A wait runs a QEventLoop of its own rather than QCoreApplication::processEvents: only so are objects
-// deleted that the toolkit deletes later. What ends the wait is asked whenever the toolkit has handled
+// A wait runs its own QEventLoop instead of QCoreApplication::processEvents: only then are objects deleted
+// that the toolkit deletes later. The condition of the wait is checked whenever the toolkit has handled
 // something.
 #include "forms/qt/QtEventLoop.h"
 
@@ -163,7 +163,8 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
 
     bool Quitting() const { return quitting_; }
 
-    // The loop object is gone: nothing is called any more and nothing of the callers' is kept.
+    // The loop object is destroyed: nothing is called any more, and all functions of the callers are
+    // released.
     void Close() {
         closed_ = true;
         const auto watches = std::exchange(watches_, {});
@@ -279,7 +280,7 @@ class LoopState final : public QObject, public std::enable_shared_from_this<Loop
         Push(Event::Kind::Watch, id, {});
     }
 
-    // Armed before the call, so that a wait inside it hears what comes next.
+    // Armed before the call, so that a wait inside it receives what is ready next.
     void CallWatch(std::uint64_t id) {
         const auto entry = watches_.find(id);
         if (entry == watches_.end()) return;

@@ -1,5 +1,5 @@
-// Each frame is a grid: labels, boxes, what stands behind boxes, buttons beside a list. The label columns of
-// all frames are as wide as the widest, so boxes stand in one line through the whole form.
+// Each frame is a grid of labels, boxes, texts behind boxes, and buttons beside a list. The label columns of
+// all frames have the width of the widest one, so the boxes of the whole form are aligned.
 #include "forms/qt/QtFormLayout.h"
 
 #include <QGridLayout>
@@ -18,7 +18,7 @@ using Cells = std::vector<const Control*>;
 
 // A frame's controls row by row.
 struct Rows {
-    std::vector<Cells> rows;  // an empty one: here stands the row of buttons
+    std::vector<Cells> rows;  // an empty one is the row of buttons
     Cells buttons;
     Cells side;
 
@@ -75,7 +75,7 @@ QHBoxLayout* ButtonRow(const Form& form, const Cells& buttons, const Widgets& wi
 
 }  // namespace
 
-// How closely the controls stand. Lengths in average characters, spaces in fifths of a line.
+// The spacing of the controls. Lengths in average characters, spaces in fifths of a line.
 struct QtFormLayout::Density {
     int line;   // from where on a label alone is broken
     int label;  // the same for a label beside its box
@@ -200,7 +200,7 @@ QSize QtFormLayout::SizeAt(const Density& density, int room, bool cut_off) {
         grid->setSpacing(space);
         if (grid == grids_.front()) grid->setContentsMargins(line, edge, line, cut_off ? space : edge);
     }
-    // A text that has just changed counts immediately; the toolkit by itself would measure it a turn later.
+    // A changed text is measured immediately; the toolkit would do it one turn later.
     for (auto* const layout : window_.findChildren<QLayout*>())
         layout->invalidate();
     for (auto* const grid : grids_)

@@ -1,4 +1,4 @@
-// Where the widgets of a form stand: rows and columns by the controls' places, sizes by the toolkit.
+// The layout of a form: rows and columns by the controls' places, sizes by the toolkit.
 #pragma once
 
 #include <QSize>

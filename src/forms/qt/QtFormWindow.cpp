@@ -1,5 +1,5 @@
-// Events go to the form as they come. While one is being handled the form may let the window go, so the
-// window is deleted only after the outermost of them has returned.
+// Events are passed to the form immediately. While one is being handled the form may release the window, so
+// the window is deleted only after the outermost event has returned.
 #include "forms/qt/QtFormWindow.h"
 
 #include <QCheckBox>
@@ -34,7 +34,7 @@ Secret TypedIn(const QLineEdit& box) {
     return secret;
 }
 
-// The box is one line: what was pasted ends where its first line does. What stood behind the caret stays.
+// The box is one line: of a pasted text only the first line is kept, and what was behind the caret stays.
 void KeepFirstLine(QLineEdit& box) {
     const QString text = box.text();
     const auto breaks = [](QChar character) { return character == '\r' || character == '\n'; };
@@ -191,7 +191,7 @@ void QtFormWindow::ComeRelease(const Control& control, QWidget& widget, QEvent& 
     if (box && !box->hasSelectedText()) SelectAgain(control, box);
 }
 
-// Whole texts are selected again, though the form did not hear that the caret had moved since.
+// Whole texts are selected again, even if the form does not know that the caret has moved since.
 void QtFormWindow::SelectAgain(const Control& control, QWidget* widget) {
     auto* const box = qobject_cast<QLineEdit*>(widget);
     if (box && !let_go_ && control.Selection().length != 0) Select(*box, control.Selection());
@@ -225,7 +225,7 @@ bool QtFormWindow::event(QEvent* event) {
     return handled;
 }
 
-// Some systems tell only after the showing how thick their frame is.
+// Some systems report the size of their frame only after the window is shown.
 void QtFormWindow::FitIntoNewFrame() {
     const auto form = form_.lock();
     if (!form || !isVisible() || windowHandle()->frameMargins() == frame_) return;
@@ -244,7 +244,8 @@ void QtFormWindow::changeEvent(QEvent* event) {
 
 // --- What the form shows
 //
-// A control that goes hands its focus on, a window that comes gets it; who hears of that may unload the form.
+// Hiding a control moves its focus on, showing a window gives it the focus; a handler may then unload the
+// form.
 
 void QtFormWindow::Draw(const Control& control, ControlChange change) {
     const auto form = form_.lock();
@@ -371,7 +372,7 @@ void QtFormWindow::ShowOrHide(const Form& form) {
     screen_->Present(*this, owner_, form.Modal() ? nullptr : &form);
     if (let_go_ || !form.Visible()) return;
     layout_->SetTabOrder(form, widgets_);
-    Fit(form);  // many systems have told their frame by now
+    Fit(form);  // many systems have reported their frame by now
 }
 
 }  // namespace kq

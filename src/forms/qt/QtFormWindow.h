@@ -1,5 +1,5 @@
-// The window of one form. It lives until the toolkit has done with it, which may be after the form has let it
-// go.
+// The window of one form. It exists until the toolkit has finished with it, which may be after the form has
+// released it.
 #pragma once
 
 #include <QDialog>
@@ -22,7 +22,7 @@ class QtFormWindow final : public QDialog {
     void Draw(const Control& control, ControlChange change);
     void Draw(FormChange change);
     void PutFocus(const Control& control);
-    // The form is done with the window: hidden at once, gone when nothing of it is running.
+    // The form releases the window: it is hidden immediately and deleted when nothing of it is running.
     void LetGo();
 
     void reject() override;
@@ -34,7 +34,7 @@ class QtFormWindow final : public QDialog {
     bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
-    // Tells the form something, if it is still there.
+    // Reports something to the form, if it still exists.
     void Report(const std::function<void(Form&)>& event);
     void Connect(const Control& control, QWidget& widget);
     void ReportTyping(const Control& control);

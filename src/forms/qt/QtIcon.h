@@ -1,4 +1,4 @@
-// Pictures for title bars, as this port understands them.
+// Pictures for title bars on Qt.
 #pragma once
 
 #include <QIcon>

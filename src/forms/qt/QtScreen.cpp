@@ -1,5 +1,5 @@
-// Owners are told to the system only (as transient parents), never to the toolkit: there they would take
-// their dialogs along when they are destroyed.
+// The system is informed of owners (as transient parents), the toolkit is not: there an owner would destroy
+// its dialogs together with itself.
 #include "forms/qt/QtScreen.h"
 
 #include <QApplication>
@@ -65,7 +65,7 @@ void QtScreen::Present(QWidget& window, QWidget* owner, const Form* topmost) {
         Place(window, owner);
         const QSize placed = window.size();
         window.show();
-        if (!window.isVisible()) return;                    // hidden again by who heard of it
+        if (!window.isVisible()) return;                    // hidden again by a handler
         if (window.size() != placed) Place(window, owner);  // message boxes reckon at the showing
         KeepOnScreen(window);                               // with its frame, where that is known by now
     }

@@ -1,4 +1,4 @@
-// All windows of one host: who owns whom, where a new one comes, which stay above the others.
+// All windows of one program: which owns which, where a new one is shown, which stay above the others.
 #pragma once
 
 #include <QPointer>

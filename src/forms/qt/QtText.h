@@ -1,4 +1,4 @@
-// Texts on their way between the library (UTF-8) and the toolkit.
+// Conversion of texts between the library (UTF-8) and the toolkit.
 #pragma once
 
 #include <QString>

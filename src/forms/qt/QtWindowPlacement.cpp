@@ -1,8 +1,9 @@
-// The toolkit leaves the places of minimised and maximised windows to the system; what was set for them is
-// kept with the window and told again.
+// The toolkit leaves the positions of minimised and maximised windows to the system. The values that were set
+// for them are kept with the window and returned.
 //
-// The outer rectangle takes the system's frame, which many systems tell only after the window is shown, and
-// which may be thinner around a maximised one. So the frame that was reckoned with is kept, too.
+// The outer rectangle includes the system's frame. Many systems report the frame only after the window is
+// shown, and it may be thinner around a maximised window. So the frame that was used in the calculation is
+// kept too.
 #include "forms/qt/QtWindowPlacement.h"
 
 #include <QEvent>

@@ -1,4 +1,4 @@
-// Placement of the program's own top-level widgets. A window's handle is what QWidget::winId tells.
+// Placement of the program's top-level widgets. A window's handle is the result of QWidget::winId.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,5 @@
-// Forms, message boxes and the question for a file as prompts on a terminal (see <kqappsession/TtyPlatform.h>
-// for what its user meets).
+// Forms, message boxes and the question for a file as prompts on a terminal. <kqappsession/TtyPlatform.h>
+// describes what the user sees.
 #pragma once
 
 #include <cstdint>

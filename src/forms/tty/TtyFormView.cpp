@@ -1,5 +1,5 @@
-// A form may be hidden, and everything about it may change, during every question and every event that is
-// reported to it; each step asks the form itself how things stand.
+// A form may be hidden, and everything in it may change, during every question and every event that is
+// reported to it. So each step reads the form's state again.
 #include "forms/tty/TtyFormView.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ const Control* LabelOf(const Form& form, const Control& box) {
     return found == form.Controls().end() ? nullptr : &*found;
 }
 
-// A label that is read in the prompt of a box, as its name or as what stands behind it.
+// A label that is part of the prompt of a box, as its name or as the text behind it.
 bool StandsInPrompt(const Form& form, const Control& label) {
     const Control* const buddy = form.Find(label.Row().buddy);
     if (buddy) return buddy->Kind() != ControlKind::ListView;
@@ -137,7 +137,7 @@ class Pass {
         form_.GotFocus(list);
         const bool selected = list.SelectedItem() != Control::kNoItem;
         const std::size_t marked = selected ? static_cast<std::size_t>(list.SelectedItem()) : 0;
-        // The list may change while the question stands.
+        // The list may change while the question is open.
         const std::vector<std::string> items(list.Items().begin(), list.Items().end());
         const auto choice = prompter_.Choose({}, items, marked, Stop());
         if (!Goes(choice.end)) return false;

@@ -9,7 +9,7 @@
 
 namespace kq {
 
-// Tells what changes; a modal form is asked by AskForm.
+// Prints changes; AskForm asks the questions of a modal form.
 class TtyFormView final : public FormView {
  public:
     TtyFormView(Form& form, std::shared_ptr<TtyPrompter> prompter);
@@ -23,8 +23,8 @@ class TtyFormView final : public FormView {
 
     std::weak_ptr<Form> form_;
     std::shared_ptr<TtyPrompter> prompter_;
-    std::string told_;  // the news told last
-    int percent_ = -1;  // told last; less than 0: none
+    std::string told_;  // the last change that was printed
+    int percent_ = -1;  // printed last; less than 0: none
 };
 
 // Asks for everything on the form until it is hidden or the loop quits.

@@ -1,5 +1,5 @@
-// Questions and answers on a terminal, one at a time. A question that something else interrupted is asked
-// again.
+// Questions and answers on a terminal, one at a time. A question that was interrupted by other output is
+// asked again.
 #pragma once
 
 #include <cstdint>
@@ -27,9 +27,9 @@ class TtyPrompter {
     const TtyWords& Words() const { return words_; }
     EventLoop& Loop() const { return *loop_; }
 
-    // A text on lines of its own. What could steer the terminal is shown as "?".
+    // A text on separate lines. Characters that could control the terminal are shown as "?".
     void Say(std::string_view text);
-    // A short text that takes the place of the one before it, where the terminal can do that.
+    // A short text that replaces the one before it, if the terminal can do that.
     void SayOver(std::string_view text);
     // What SayOver wrote stays.
     void EndLine();

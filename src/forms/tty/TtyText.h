@@ -1,4 +1,4 @@
-// Texts as a terminal may show them. Any text may come from a server.
+// Texts in a form that a terminal may show. Any text may come from a server.
 #pragma once
 
 #include <cstddef>
@@ -7,10 +7,10 @@
 
 namespace kq {
 
-// Nothing that could steer the terminal, or turn the direction of reading, is left: "?" stands for each such
-// character, a blank for a tab, U+FFFD for what is no UTF-8. Line ends stay.
+// Without characters that could control the terminal or change the reading direction: each is replaced by
+// "?", a tab by a space, ill-formed UTF-8 by U+FFFD. Line ends are kept.
 std::string Harmless(std::string_view text);
-// The same with a blank for each line end.
+// The same with a space for each line end.
 std::string HarmlessLine(std::string_view text);
 std::string WithoutColon(std::string_view text);
 // Whether a user may have meant it as the text of a box: UTF-8 without control characters.

@@ -1,4 +1,4 @@
-// The few words that a terminal shows and no text table has: what a system writes on its own boxes.
+// The few words that no text table has, because elsewhere the system writes them on its own message boxes.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@ namespace kq {
 
 struct TtyWords {
     std::string_view ok, cancel, yes, no;
-    std::string_view replace;  // asks whether to replace a file, whose path stands before it
+    std::string_view replace;  // asks whether to replace a file; the path is in front of it
 };
 
 // In the language that the text tables have for a locale identifier: whose texts are English, for want of a

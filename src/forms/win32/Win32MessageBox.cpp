@@ -1,4 +1,4 @@
-// The styles are the system's own numbers, so they go into the call as they are.
+// The styles have the system's numbers, so they are passed to the call unchanged.
 #include "forms/win32/Win32MessageBox.h"
 
 #include <utility>
@@ -15,7 +15,7 @@ static_assert(static_cast<UINT>(BoxStyle::YesNoCancel) == (MB_YESNOCANCEL | MB_I
 static_assert(static_cast<UINT>(BoxStyle::YesNo) == (MB_YESNO | MB_ICONWARNING));
 static_assert(static_cast<UINT>(BoxStyle::Information) == (MB_OK | MB_ICONINFORMATION));
 
-// Learns which window the thread's next message box gets. The call that shows a box does not tell.
+// Finds the window of the thread's next message box, which the call that shows a box does not return.
 class BoxWindow {
  public:
     BoxWindow() : outer_(std::exchange(awaiting_, this)) {

@@ -1,4 +1,5 @@
-// Names are told apart in sets while reading, so a hostile text of many items costs no quadratic search.
+// Names are compared through sets while reading, so a hostile text with many items causes no quadratic
+// search.
 #include "libs/webdata/Forms.h"
 
 #include <set>

@@ -12,15 +12,15 @@
 
 namespace kq {
 
-// Reads one text. Everything in it is known or the text is refused: other elements, texts between elements,
-// names and keys that stand twice. Attributes that are not known are ignored.
+// Reads one text. Everything in it must be known: other elements, texts between elements, and names and keys
+// that occur twice are refused. Unknown attributes are ignored.
 struct WebDataReader {
     struct ProfilesContents {
         std::vector<std::shared_ptr<Profile>> profiles;
         std::string last_used;
     };
 
-    // Raises when the text is no element of the name `root`.
+    // Raises when the text is not an element of the name `root`.
     WebDataReader(std::string_view xml, std::string_view root);
 
     TranslationTable ReadTranslationTable() const;

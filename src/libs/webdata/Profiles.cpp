@@ -1,5 +1,4 @@
-// Profiles and their tables. The collection holds the very objects that were added, so a caller's profile and
-// the collection's are one; only copying makes another.
+// Profiles and their tables. The collection holds the objects that were added, not copies.
 #include <algorithm>
 #include <set>
 

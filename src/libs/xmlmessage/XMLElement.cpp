@@ -1,4 +1,4 @@
-// The element tree. Names and texts are checked when they are set, so what stands in a tree can be written.
+// The element tree. Names and texts are checked when they are set, so every tree can be written.
 #include <algorithm>
 
 #include <kqappsession/Error.h>

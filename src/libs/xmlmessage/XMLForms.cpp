@@ -1,4 +1,4 @@
-// Both directions walk the tree recursively; the depth cap of reading and writing bounds them.
+// Both directions walk the tree recursively; the depth limit of reading and writing bounds the recursion.
 #include "libs/xmlmessage/XMLForms.h"
 
 #include <kqappsession/Error.h>

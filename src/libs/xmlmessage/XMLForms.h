@@ -1,4 +1,4 @@
-// Between element trees and their XML.
+// Conversion between element trees and their XML.
 #pragma once
 
 #include <string_view>

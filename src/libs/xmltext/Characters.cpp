@@ -1,4 +1,4 @@
-// What names and texts may hold: XML 1.0's characters, and names cut down to ASCII.
+// What names and texts may contain: XML 1.0's characters, and ASCII names.
 #include <algorithm>
 
 #include <kqappsession/Error.h>

@@ -80,7 +80,7 @@ Node Node::Next() const {
     return Node(ElementFrom(Of(node_).next_sibling()));
 }
 
-// The builder tells where the name stands, which is one past the "<".
+// The builder reports the position of the name, which is one past the "<".
 std::size_t Node::Offset() const {
     const auto name = Of(node_).offset_debug();
     return name > 0 ? static_cast<std::size_t>(name) - 1 : 0;

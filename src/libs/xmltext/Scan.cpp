@@ -1,7 +1,7 @@
-// One pass over the text, tag by tag, that knows XML 1.0's rules of form without the DOCTYPE.
+// One pass over the text, tag by tag, that checks XML 1.0's syntax without the DOCTYPE.
 //
-// The tree builder behind it is lenient: it lets stray ampersands, text outside the root, doubled attributes
-// and references to forbidden characters pass. So this pass decides what is accepted.
+// The tree builder behind it is more lenient: it accepts stray ampersands, text outside the root, duplicate
+// attributes and references to forbidden characters. So this pass decides what is accepted.
 #include "libs/xmltext/Scan.h"
 
 #include <algorithm>

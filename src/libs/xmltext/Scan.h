@@ -1,4 +1,4 @@
-// The check that every text passes before a tree is made of it.
+// Checks every text before a tree is made of it.
 #pragma once
 
 #include <string_view>
@@ -7,8 +7,8 @@
 
 namespace kq::xmltext {
 
-// Raises what `refusal` says, with the offset of the first fault, when the text is not well-formed or over a
-// limit. Uses memory for the open elements only.
+// Raises `refusal` with the offset of the first fault if the text is not well-formed or over a limit. Uses
+// memory for the names of the open elements only.
 void Scan(std::string_view text, const Limits& limits, const Refusal& refusal);
 
 }  // namespace kq::xmltext

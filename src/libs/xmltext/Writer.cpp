@@ -1,5 +1,5 @@
-// Texts are written so that they read back byte for byte: a carriage return, which a reader would turn into a
-// line feed, travels as a reference, and so do tabs and line ends in attributes.
+// Texts are written so that they are read back byte for byte. A reader would turn a carriage return into a
+// line feed, so it is written as a reference; so are tabs and line ends in attributes.
 #include "libs/xmltext/XMLText.h"
 
 namespace kq::xmltext {

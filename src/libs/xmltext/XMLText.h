@@ -1,9 +1,9 @@
-// XML texts as the message and web data libraries read and write them: elements, attributes and texts in
-// UTF-8, with caps that hold before anything is built.
+// XML texts of the message and web data libraries: elements, attributes and texts in UTF-8, with limits that
+// are checked before anything is built.
 //
-// What is read is checked strictly first (well-formed, no DOCTYPE, within the limits) and only then made a
-// tree, so a hostile text costs one pass over its bytes. Comments and processing instructions are skipped,
-// CDATA is text. Blanks count: a text of blanks only comes back as it was.
+// A text is checked strictly first (well-formed, no DOCTYPE, within the limits); only then is a tree made of
+// it, so a hostile text costs one pass over its bytes. Comments and processing instructions are skipped,
+// CDATA is text. White space is kept, also in a text that has nothing else.
 #pragma once
 
 #include <cstddef>
@@ -17,15 +17,14 @@
 
 namespace kq::xmltext {
 
-// What a text may hold at most.
+// Limits of a text.
 struct Limits {
     std::size_t bytes = 16U << 20;     // of the whole text
-    std::size_t depth = 32;            // elements inside one another, the root included
+    std::size_t depth = 32;            // levels of elements, the root included
     std::size_t elements = 1'000'000;  // in the whole text
 };
 
-// Elements inside one another that no limit can exceed, for reading and writing: trees are walked
-// recursively.
+// Levels of elements that no limit can exceed, for reading and writing: trees are walked recursively.
 inline constexpr std::size_t kDeepest = 256;
 // Attributes of one element.
 inline constexpr std::size_t kMostAttributes = 64;
@@ -42,12 +41,12 @@ struct Refusal {
 // True for the names that elements and attributes may have here: ASCII letters, digits, "_", "-" and ".", a
 // letter or "_" first; names that start with "xml" in any case are reserved by XML.
 bool IsName(std::string_view name);
-// True for an empty text and one of blanks, tabs and line ends.
+// True for an empty text and one of spaces, tabs and line ends only.
 bool IsBlank(std::string_view text);
 // True for the code points that XML 1.0 allows.
 bool IsCharacter(std::uint32_t code_point);
 
-// The first place where a text holds what XML cannot carry.
+// The first character of a text that XML cannot carry.
 struct BadCharacter {
     std::size_t offset;
     std::string name;  // "U+0001", "U+D800" or "an ill-formed UTF-8 sequence"
@@ -59,7 +58,7 @@ std::optional<BadCharacter> FindBadCharacter(std::string_view text);
 void CheckName(std::string_view name);
 void CheckText(std::string_view text, std::string_view what);
 
-// One element of a Document, as a view: it lives as long as the document. Null past the last one.
+// One element of a Document, as a view that is valid as long as the document. Null after the last one.
 class Node {
  public:
     Node() = default;
@@ -83,7 +82,7 @@ class Node {
 // A text that was accepted, as a tree.
 class Document {
  public:
-    // Raises what `refusal` says for a text that is not well-formed or over a limit.
+    // Raises `refusal` for a text that is not well-formed or over a limit.
     Document(std::string_view text, const Limits& limits, const Refusal& refusal);
     ~Document();
     Document(const Document&) = delete;
@@ -96,9 +95,9 @@ class Document {
     std::unique_ptr<Tree> tree_;
 };
 
-// Writes one element and what is in it: no declaration, no indentation, attributes in the order given, an
-// empty element as <a/>. Names and texts must have passed the checks above. A text and attributes read back
-// exactly, line ends included.
+// Writes one element and its contents: no declaration, no indentation, attributes in the order given, an
+// empty element as <a/>. Names and texts must have passed the checks above. Texts and attributes are read
+// back exactly, line ends included.
 class Writer {
  public:
     Writer& Open(std::string_view name);
@@ -117,7 +116,7 @@ class Writer {
         std::size_t size;
     };
     std::string text_;
-    std::vector<Piece> open_;  // the names of the open elements, as they stand in text_
+    std::vector<Piece> open_;  // the names of the open elements, as they are in text_
     bool in_tag_ = false;
 };
 

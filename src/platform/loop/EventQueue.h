@@ -1,6 +1,6 @@
-// What an event loop of ours is built on, whatever system or toolkit calls it: the events that wait to be
-// run, one after the other, and the one pump that is on its way for them, a message or a posted task that
-// takes one event out and runs it. May be used from any thread.
+// The basis of every event loop: the events that are queued to be run, one after the other, and the pump. The
+// pump is a posted task or message that takes one event out of the queue and runs it; at most one is under
+// way. May be used from any thread.
 #pragma once
 
 #include <deque>
@@ -22,7 +22,7 @@ struct Event {
     EventLoop::Task task;  // of a post
 };
 
-// Runs a post, or calls on_timer or on_watch with the id. What it throws is reported and ends here.
+// Runs a post, or calls on_timer or on_watch with the id. An exception is reported and goes no further.
 template <class OnTimer, class OnWatch>
 void RunEvent(Event event, OnTimer&& on_timer, OnWatch&& on_watch) {
     try {
@@ -54,7 +54,7 @@ class EventQueue {
         return last_sequence_;
     }
 
-    // The first event unless it is younger than `last`.
+    // The first event, unless it is newer than `last`.
     std::optional<Event> Take(std::uint64_t last = ~std::uint64_t{0}) {
         const std::lock_guard lock(mutex_);
         if (events_.empty() || events_.front().sequence > last) return std::nullopt;
@@ -69,7 +69,7 @@ class EventQueue {
         gone.swap(events_);
     }
 
-    // True when a pump is wanted and none is on its way: from now on one is.
+    // True when the queue is not empty and no pump is under way: the caller must then start one.
     bool ClaimPump() {
         const std::lock_guard lock(mutex_);
         return !events_.empty() && !std::exchange(pump_on_its_way_, true);

@@ -1,5 +1,5 @@
-// The public class of an event loop over the state that it is made of. A wait holds the state, so that the
-// loop object may be destroyed by a task that it runs.
+// The public class of an event loop, over the state that a port implements. A wait holds the state, so a task
+// may destroy the loop object.
 #pragma once
 
 #include <functional>
@@ -15,8 +15,8 @@ namespace kq {
 inline constexpr std::string_view kWatchedAlready =
     "The socket is watched already; change that watch instead";
 
-// State: the members of EventLoop without Now and Run, and Close, after which nothing is called any more and
-// nothing of the callers' is kept.
+// State: the members of EventLoop without Now and Run, and Close. After Close nothing is called any more, and
+// all functions of the callers are released.
 template <class State>
 class LoopFace final : public EventLoop {
  public:
@@ -51,7 +51,7 @@ class LoopFace final : public EventLoop {
     bool Quitting() const override { return state_->Quitting(); }
 
  private:
-    // Refused here, where the caller's mistake is, and not when its turn comes.
+    // Refused where the caller passes it, not when it would be called.
     template <class Function>
     static void Require(const Function& function) {
         if (!function)

@@ -5,8 +5,8 @@
 
 namespace kq {
 
-// What of `wanted` holds. A broken socket is ready for everything; so is one that the system does not tell
-// of.
+// The part of `wanted` that is ready. A broken socket is ready for everything, and so is one whose state the
+// system does not report.
 EventLoop::Readiness ReadyNow(EventLoop::NativeSocket socket, EventLoop::Readiness wanted);
 
 }  // namespace kq

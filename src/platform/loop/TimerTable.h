@@ -12,7 +12,7 @@
 
 namespace kq {
 
-// The moment after a delay: far enough for any wait, near enough for the clock to count.
+// The time after a delay, at most a year from now, so that it cannot overflow.
 inline EventLoop::TimePoint DueIn(Milliseconds delay) {
     constexpr Milliseconds kLongest = std::chrono::hours(24 * 365);
     return std::chrono::steady_clock::now() + std::clamp(delay, Milliseconds(0), kLongest);
@@ -32,18 +32,19 @@ class TimerTable {
         if (node) waiting_.erase({node.mapped().due, id});
     }
 
-    // When the next one is due.
+    // When the next timer is due.
     std::optional<TimePoint> Next() const {
         return waiting_.empty() ? std::nullopt : std::optional(waiting_.begin()->first);
     }
 
-    // The first one that is due; each is told once.
+    // The first timer that is due; each is returned once.
     std::optional<EventLoop::TimerId> TakeDue(TimePoint now) {
         if (waiting_.empty() || waiting_.begin()->first > now) return std::nullopt;
         return waiting_.extract(waiting_.begin()).value().second;
     }
 
-    // Runs the task of a timer that was told, unless it was cancelled since. The timer is over.
+    // Runs the task of a timer that TakeDue has returned, unless it was cancelled since, and removes the
+    // timer.
     void Run(EventLoop::TimerId id) {
         if (const auto node = timers_.extract(id)) node.mapped().task();
     }
@@ -60,7 +61,7 @@ class TimerTable {
     };
 
     std::map<EventLoop::TimerId, Timed> timers_;
-    std::set<std::pair<TimePoint, EventLoop::TimerId>> waiting_;  // those that were not told yet
+    std::set<std::pair<TimePoint, EventLoop::TimerId>> waiting_;  // those that TakeDue has not returned yet
 };
 
 }  // namespace kq

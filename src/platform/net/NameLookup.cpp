@@ -1,6 +1,6 @@
-// A system has no common way to be asked without waiting, so each question gets a thread, which may outlive
-// the resolver and the loop: it knows only a mailbox, closed when they are destroyed. Callbacks never travel
-// to that thread; they stay in the resolver under the number of their question.
+// Systems have no common way to resolve names without waiting, so each query gets a thread, which may outlive
+// the resolver and the loop. The thread knows only a mailbox, which is closed when they are destroyed.
+// Callbacks are never passed to that thread; they stay in the resolver under the number of their query.
 #include "platform/net/NameLookup.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Names to addresses above the calls of a port.
+// Name resolution above the calls of a port.
 #pragma once
 
 #include <functional>
@@ -13,7 +13,7 @@
 
 namespace kq {
 
-// What the look-up asks of the system. Implemented by the port. Used by several threads at a time.
+// The calls of the system. Implemented by the port; several threads use it at the same time.
 class NameCalls {
  public:
     enum class Family { IPv4, IPv6 };
@@ -26,7 +26,7 @@ class NameCalls {
     virtual std::vector<std::string> Ask(const std::string& host, Family family) = 0;
     // As Resolver::FirstIPv4.
     virtual std::string FirstIPv4(const std::string& host) = 0;
-    // Runs `work` on a thread that nobody waits for. False when there is none to be had.
+    // Runs `work` on a separate thread that is not waited for. False when no thread can be started.
     virtual bool RunOnThread(std::function<void()> work) = 0;
 };
 

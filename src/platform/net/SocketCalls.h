@@ -1,8 +1,8 @@
-// What streams and listeners ask of the system's sockets. Implemented by the port.
+// The calls on the system's sockets that streams and listeners need. Implemented by the port.
 //
-// A call does one thing and keeps no state. It never waits and is never interrupted: a port repeats
-// what a signal has cut short. Error numbers are Winsock's on every system; 0 is success. Sockets are
-// non-blocking, carry TCP and are inherited by no started program.
+// A call does one thing and keeps no state. It never waits and is never interrupted: a port repeats calls
+// that a signal has interrupted. Error numbers are Winsock's on every system; 0 is success. Sockets are
+// non-blocking, carry TCP and are not inherited by child processes.
 #pragma once
 
 #include <array>
@@ -36,7 +36,7 @@ class SocketCalls {
     using Socket = EventLoop::NativeSocket;
     static constexpr auto kNone = static_cast<Socket>(-1);
 
-    // The errors that are part of the ordinary course.
+    // The errors that are expected in normal operation.
     static constexpr std::int32_t kTooManyOpen = 10024;
     static constexpr std::int32_t kWouldBlock = 10035;
     static constexpr std::int32_t kNoSuchFamily = 10047;
@@ -69,16 +69,17 @@ class SocketCalls {
     // A socket for addresses of this family.
     virtual Opened Open(const SocketAddress& family) = 0;
     virtual std::int32_t Bind(Socket socket, const SocketAddress& address) = 0;
-    // Success is also that the attempt is under way: the socket becomes writable when it has ended.
+    // Starts an attempt. 0 also when it is in progress: the socket becomes writable when the attempt has
+    // ended.
     virtual std::int32_t Connect(Socket socket, const SocketAddress& address) = 0;
-    // How an attempt has ended.
+    // The result of an attempt that has ended.
     virtual std::int32_t ConnectError(Socket socket) = 0;
-    // Options of a listener, before it is bound: a port that was in use a moment ago can be taken again at
-    // once.
+    // Options of a listener, before it is bound: a port that has just been closed can be used again
+    // immediately.
     virtual std::int32_t PrepareListener(Socket socket, const SocketAddress& address, bool both_families) = 0;
     virtual std::int32_t Listen(Socket socket) = 0;
-    // With the address that came with the connection: the socket of a peer that has reset it by now no
-    // longer knows it.
+    // Also returns the peer's address: a socket whose peer has already reset the connection does not know it
+    // any more.
     virtual Accepted Accept(Socket listener) = 0;
 
     virtual Moved Receive(Socket socket, std::span<std::byte> buffer) = 0;
@@ -86,9 +87,9 @@ class SocketCalls {
     virtual void FinishSending(Socket socket) = 0;
     virtual void Close(Socket socket) = 0;
 
-    virtual End LocalEnd(Socket socket) = 0;  // empty when there is none
+    virtual End LocalEnd(Socket socket) = 0;  // empty when it is not connected
     virtual End RemoteEnd(Socket socket) = 0;
-    // Options of a connection. A system that lacks one leaves a connection that works nevertheless.
+    // Options of a connection. If the system lacks one, the connection still works.
     virtual void SendWithoutDelay(Socket socket) = 0;
     virtual void SetKeepAlive(Socket socket, bool on) = 0;
 

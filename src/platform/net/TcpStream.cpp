@@ -1,5 +1,5 @@
-// Readiness comes from the loop, which never calls from inside a call of ours. A handler may destroy the
-// stream, so nothing of it is touched after a handler was called unless the owner still lives.
+// Readiness is reported by the loop, which never calls from inside one of our calls. A handler may destroy
+// the stream, so after a handler has returned nothing of the stream is used unless the owner still exists.
 #include "platform/net/TcpStream.h"
 
 #include <array>

@@ -1,9 +1,9 @@
-// The event loop on asio. The only file that knows asio's types.
+// The event loop on asio. The only file that uses asio's types.
 //
-// asio's completions do not call anybody: they put an event into a queue of our own and make sure that a pump
-// is posted to the context, which takes one event out and runs it. So a cancelled timer or a removed watch
-// takes its event along, what was ready is told from what became ready since, and a wait inside a task goes
-// on where the outer one stands, whoever runs the context.
+// asio's completions call nobody. They put an event into a queue of our own and make sure that a pump is
+// posted to the context, which takes one event out and runs it. So cancelling a timer or removing a watch
+// also removes its event; what was ready at a certain moment is distinguished from what became ready later;
+// and a wait inside a task continues where the outer wait is, whoever runs the context.
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -40,7 +40,7 @@ struct Watched {
         : descriptor(context), wanted(w), ready(std::move(r)) {}
     Watched(const Watched&) = delete;
     Watched& operator=(const Watched&) = delete;
-    // The socket is the caller's: it is let go, never closed.
+    // The socket is the caller's: it is released, never closed.
     ~Watched() {
         if (descriptor.is_open()) descriptor.release();
     }
@@ -140,7 +140,8 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
 
     bool Quitting() const { return quitting_; }
 
-    // The loop object is gone: nothing is called any more and nothing of the callers' is kept.
+    // The loop object is destroyed: nothing is called any more, and all functions of the callers are
+    // released.
     void Close() {
         closed_ = true;
         const auto watches = std::exchange(watches_, {});

@@ -1,5 +1,5 @@
-// The tree inside a version resource: blocks of {length, value length, type, name, value, children},
-// everything on borders of four bytes. A damaged block ends the walk at its place.
+// The tree inside a version resource: blocks of {length, value length, type, name, value, children}, aligned
+// to four bytes. The walk ends at a damaged block.
 #include <algorithm>
 #include <utility>
 

@@ -1,4 +1,4 @@
-// One table from errno to Winsock; one way from text to sockaddr and back.
+// A table from errno to Winsock numbers, and the conversion between texts and sockaddr.
 #include "platform/posix/PosixAddress.h"
 
 #include <array>

@@ -21,7 +21,7 @@ class PosixClock final : public Clock {
         clock_gettime(CLOCK_REALTIME, &now);
         tm local{};
         localtime_r(&now.tv_sec, &local);
-        // A leap second is told as the second before it: the day never has more than 86,400.
+        // A leap second counts as the second before it: a day never has more than 86,400.
         const int second = local.tm_sec > 59 ? 59 : local.tm_sec;
         return local.tm_hour * 3600.0 + local.tm_min * 60.0 + second + static_cast<double>(now.tv_nsec) / 1e9;
     }

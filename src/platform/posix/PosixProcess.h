@@ -1,4 +1,5 @@
-// What the process and the share have in common: the computer's name and programs that go their own way.
+// What Process and FileShare have in common: the computer's name, and starting programs that are not waited
+// for.
 #pragma once
 
 #include <string>

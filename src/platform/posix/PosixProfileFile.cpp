@@ -1,6 +1,6 @@
-// Private-profile files. A write replaces the file as a whole: a new one beside it takes its name, so a
-// reader sees the old text or the new one. Writers of one folder take turns by a lock on it, so none undoes
-// another's.
+// Private-profile files. A write replaces the whole file: a new file beside it is renamed to its name, so a
+// reader sees the old text or the new one. Writers in one folder take turns by a lock on it, so they do not
+// undo each other's writes.
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>

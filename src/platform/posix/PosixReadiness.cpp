@@ -8,7 +8,7 @@ EventLoop::Readiness ReadyNow(EventLoop::NativeSocket socket, EventLoop::Readine
     pollfd asked{socket, static_cast<short>((wanted.readable ? POLLIN : 0) | (wanted.writable ? POLLOUT : 0)),
                  0};
     const int answered = ::poll(&asked, 1, 0);
-    if (answered < 0) return wanted;  // it cannot be asked: what was reported before stands
+    if (answered < 0) return wanted;  // it cannot be checked: what was reported is assumed
     if (answered == 0) return {};
     const bool broken = (asked.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
     return {wanted.readable && (broken || (asked.revents & POLLIN) != 0),

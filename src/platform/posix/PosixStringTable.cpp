@@ -1,4 +1,4 @@
-// Picks one of the compiled-in languages and finds texts in it by bisection.
+// Chooses one of the compiled-in languages and finds texts in it by binary search.
 #include "platform/posix/PosixStringTable.h"
 
 #include <algorithm>

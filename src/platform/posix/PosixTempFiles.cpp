@@ -1,5 +1,5 @@
-// Temporary files with the names that they have elsewhere. Every file is created, never one opened that is
-// there.
+// Temporary files with the same names as on other systems. Every file is created; an existing file is never
+// opened.
 #include <cerrno>
 #include <cstdlib>
 #include <random>

@@ -1,5 +1,5 @@
-// The loop watches the input through an epoll of its own: a watched file is made non-blocking, and a terminal
-// shares that with the program's output and with the shell that started it.
+// The loop watches the input through a separate epoll. A file that is watched directly is made non-blocking,
+// and that would also affect the program's output and the shell that started it, which share the terminal.
 #include <cerrno>
 #include <chrono>
 #include <csignal>

@@ -1,4 +1,4 @@
-// One walk over the lines serves reading and writing, so that what is written is found again.
+// Reading and writing share one walk over the lines, so that what is written is found again.
 #include "platform/posix/ProfileText.h"
 
 #include "base/Convert.h"

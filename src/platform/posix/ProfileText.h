@@ -1,5 +1,5 @@
-// The text of a private-profile file: finding a value, setting one. Lines that are not touched stay as they
-// are, comments, blank lines and line endings included.
+// The text of a private-profile file: finding a value, setting one. All other lines are unchanged, comments,
+// empty lines and line endings included.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,5 @@
-// Shares made by a user through Samba's user shares. A network path cannot be listed here without mounting
-// it; whether the share is there is told by the file that Samba keeps for it.
+// Folder sharing through Samba's user shares. A network path cannot be listed here without mounting it; the
+// file that Samba keeps for a share shows whether the share exists.
 #include <algorithm>
 #include <string_view>
 #include <sys/stat.h>

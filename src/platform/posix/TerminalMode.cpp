@@ -1,5 +1,5 @@
-// One terminal is guarded against the program's end, the one whose mode was changed first: a process has no
-// second one that somebody sits at. Signals that the program ignores or handles itself are left alone.
+// Only one terminal is restored when a signal ends the program: the one whose mode was changed first, because
+// a user sits at one terminal only. Signals that the program ignores or handles itself are left alone.
 #include "platform/posix/TerminalMode.h"
 
 #include <array>

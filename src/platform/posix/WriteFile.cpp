@@ -1,4 +1,4 @@
-// Exclusive creation: a file or link that somebody else put there makes it fail.
+// Exclusive creation: an existing file or link makes it fail.
 #include "platform/posix/WriteFile.h"
 
 #include <cerrno>

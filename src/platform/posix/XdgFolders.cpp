@@ -1,5 +1,5 @@
-// The folders of a user by the XDG base directories. What Windows keeps among the user's documents, settings
-// above all, belongs into the configuration folder here.
+// The folders of a user by the XDG base directories. What Windows keeps among the user's documents, mainly
+// settings, is in the configuration folder here.
 #include <array>
 #include <cstdlib>
 #include <fstream>

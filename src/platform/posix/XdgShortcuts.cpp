@@ -1,6 +1,6 @@
-// The command line of a desktop entry is escaped three times over: percent signs are doubled, quotation marks
-// and what a shell would see are escaped inside the quotation marks of an argument, and backslashes and line
-// ends once more as in every value of the file.
+// The command line of a desktop entry is escaped three times. Percent signs are doubled; inside the quotation
+// marks of an argument, quotation marks and characters with a meaning for a shell are escaped; and
+// backslashes and line ends are escaped again, as in every value of the file.
 #include "platform/posix/XdgShortcuts.h"
 
 #include <cstdio>

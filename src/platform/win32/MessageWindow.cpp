@@ -1,5 +1,5 @@
-// The window class lives as long as the first to the last window: the system keeps a class of a DLL that is
-// gone, with a procedure that is gone as well.
+// The window class is registered with the first window and unregistered with the last one: the system would
+// keep the class of a DLL that has been unloaded, and call a procedure that no longer exists.
 #include "platform/win32/MessageWindow.h"
 
 #include <exception>

@@ -1,4 +1,4 @@
-// A window that is never seen: it stands in no list of windows and takes messages of its thread.
+// An invisible window that receives messages of its thread. It is in no list of windows.
 #pragma once
 
 #include <functional>

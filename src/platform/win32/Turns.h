@@ -1,7 +1,7 @@
-// Turns between the loop and the other users of its thread. The system hands out posted messages before
-// input, painting and timers, so a loop that posts to itself without a pause would keep all of these from the
-// windows of the thread. After a while of running the loop therefore rests, when any of them is waiting,
-// until none is or as much time has passed again.
+// Turns between the loop and the other users of its thread. The system delivers posted messages before input,
+// painting and timers, so a loop that keeps posting to itself would starve the windows of the thread. After
+// running for a while the loop therefore rests if any of them is waiting, until none is or the same time has
+// passed again.
 #pragma once
 
 #include <atomic>

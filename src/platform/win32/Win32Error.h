@@ -1,4 +1,4 @@
-// The system's sentences for its error numbers.
+// The system's descriptions of its error numbers.
 #pragma once
 
 #include <cstdint>

@@ -1,17 +1,17 @@
 // The event loop on window messages.
 //
-// Messages about sockets and timers do not call anybody: they put an event into a queue of our own and make
-// sure that a pump message is on its way, which takes one event out and runs it. So a cancelled timer or a
-// removed watch takes its event along, and a wait inside a task goes on where the outer one stands, whoever
-// dispatches the messages: a wait of ours, the host's loop or a modal dialog's.
+// Messages about sockets and timers call nobody. They put an event into a queue of our own and make sure that
+// a pump message is posted, which takes one event out and runs it. So cancelling a timer or removing a watch
+// also removes its event, and a wait inside a task continues where the outer wait is, whoever dispatches the
+// messages: one of our waits, the program's loop or a modal dialog's.
 //
-// Posted messages come before input, painting and timers of the thread's windows. So that a socket that is
-// always ready leaves them room, the pump rests from time to time: see Turns.
+// Windows delivers posted messages before input, painting and timers of the thread's windows. The pump rests
+// from time to time, so that a socket that is always ready does not starve them: see Turns.
 //
-// Timers are counted here; the window's one timer only wakes the loops of others, for it comes after all
-// other messages and never in less than some 10 ms. The system tells of a socket once, when it becomes ready,
-// and again after something was done about it; every watch is asked anew after its callback to make this
-// "while it is ready".
+// Timers are counted here. The window's one timer only wakes the loops of others: it is delivered after all
+// other messages and never in less than about 10 ms. The system reports a socket once when it becomes ready,
+// and again only after a call on it. To make this level-triggered, every watch is checked again after its
+// callback.
 #include <algorithm>
 #include <atomic>
 #include <map>
@@ -89,7 +89,7 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
         const std::uint64_t id = ++last_id_;
         watches_.emplace(id, std::make_shared<Watched>(Watched{socket, wanted, std::move(ready)}));
         by_socket_.emplace(socket, id);
-        // What the system has told somebody of this socket before, it may not tell again.
+        // What the system has reported of this socket before, it may not report again.
         PostMessageW(window_->Get(), kSocket, static_cast<WPARAM>(socket), 0);
         return id;
     }
@@ -163,7 +163,8 @@ class LoopState : public std::enable_shared_from_this<LoopState> {
                PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE | PM_QS_POSTMESSAGE) != 0;
     }
 
-    // The loop object is gone: nothing is called any more and nothing of the callers' is kept.
+    // The loop object is destroyed: nothing is called any more, and all functions of the callers are
+    // released.
     void Close() {
         closed_ = true;
         const auto watches = std::exchange(watches_, {});

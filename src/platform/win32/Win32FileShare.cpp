@@ -28,7 +28,7 @@ std::string Quoted(const std::string& text) {
     return '"' + text + std::string(backslashes, '\\') + '"';
 }
 
-// A blank would end the argument, and what follows would be taken for a switch.
+// A space would end the argument, and what follows would be read as a switch.
 std::string NameArgument(const std::string& name) {
     return name.find(' ') == std::string::npos ? name : Quoted(name);
 }

@@ -1,5 +1,5 @@
-// A worker must not be a std::thread: one that outlives its DLL returns into code that is gone. This one
-// holds the DLL and lets go of it by the only call that comes back to nobody.
+// A worker must not be a std::thread: one that outlives its DLL returns into code that has been unloaded.
+// This one holds the DLL and releases it by the only call that does not return.
 #include "platform/win32/Win32Module.h"
 
 #include <exception>
@@ -23,7 +23,7 @@ HMODULE FindModule(DWORD flags) {
     return module;
 }
 
-// A function of its own, so that nothing is left to destroy when the module is let go.
+// A separate function, so that nothing is left to destroy when the module is released.
 HMODULE Do(std::unique_ptr<Job> job) {
     try {
         job->work();

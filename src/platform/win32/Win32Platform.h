@@ -1,7 +1,7 @@
 // The parts of this port, one maker each. MakePlatform puts them together; tests make them one by one.
 //
-// The port uses what Windows 7 has. It may live in a DLL: nothing of it is left behind when its objects are
-// gone, and a thread that it started holds the module until it has ended.
+// The port needs Windows 7. It may be part of a DLL: nothing of it remains when its objects are destroyed,
+// and a thread that it has started holds the module until the thread has ended.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Private-profile files by the system's own calls. They take a missing name for "all names" and a bare file
-// name for one in the system's folder; neither is asked for here.
+// Private-profile files by the system's calls. Those treat a missing name as "all names" and a bare file name
+// as one in the system's folder; neither is used here.
 #include <algorithm>
 #include <limits>
 

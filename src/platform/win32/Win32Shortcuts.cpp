@@ -1,5 +1,4 @@
-// Shortcuts are made by the shell, as a draft beside the place where they will stand: what cannot be made
-// leaves the file that is there as it was.
+// The shell makes a shortcut as a draft beside its final path. If that fails, an existing file is unchanged.
 #include <memory>
 
 #include "platform/Folders.h"

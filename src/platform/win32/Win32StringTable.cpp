@@ -1,6 +1,6 @@
-// The texts as string resources of the module that holds this code. The system's loader chooses the language,
-// the user's when the resources have it, else the fallback that the loader itself follows; or the host has
-// chosen.
+// The texts as string resources of the module that contains this code. The system's loader chooses the
+// language: the user's if the resources have it, else the loader's fallback. If the program has chosen a
+// language, that one is used.
 #include "platform/Languages.h"
 #include "platform/StringTable.h"
 #include "platform/win32/Win32Module.h"

@@ -1,5 +1,5 @@
-// Temporary files by the system's own calls. A program is created with the rights of its owner, the system
-// and the administrators alone, wherever the temporary folder is.
+// Temporary files by the system's calls. A program is created so that only its owner, the system and the
+// administrators can access it, wherever the temporary folder is.
 #include <algorithm>
 #include <array>
 #include <memory>

@@ -1,5 +1,5 @@
-// Texts on their way into calls of the system and back. Texts inside the library are UTF-8; the calls take
-// UTF-16 or the machine's ANSI code page.
+// Texts for calls of the system and from them. Texts inside the library are UTF-8; the calls use UTF-16 or
+// the machine's ANSI code page.
 #pragma once
 
 #include <string>

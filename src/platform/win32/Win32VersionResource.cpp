@@ -1,5 +1,5 @@
-// Version resources by the system's own calls. The ANSI calls convert texts inside the block, in a part of it
-// that was sized for this, so a block that is asked is written to.
+// Version resources by the system's calls. The ANSI calls convert texts inside the block, in a part of it
+// that is sized for this, so reading a block also writes to it.
 #include <utility>
 
 #include "base/Convert.h"
