@@ -17,8 +17,8 @@ namespace kq {
 // The source of every error that the login and session procedures raise.
 inline constexpr std::string_view kLibrarySource = "KQAppSessionLib";
 
-// What is behind an error. The number does not always tell: kqaserrLoginBadLogin is raised for a missing
-// password and for a login server that does not reply. X(name, meaning)
+// What is behind an error. The number alone does not always show it: kqaserrLoginBadLogin is raised for a
+// missing password and for a login server that does not reply. X(name, meaning)
 #define KQ_ERROR_CAUSES(X)                                                                            \
     X(Other, "none of the following, or not known")                                                   \
     X(Arguments, "an argument or a stored setting is missing or wrong")                               \

@@ -108,10 +108,11 @@ class KQ_EXPORT KQAppSessServer {
     // statistics. Connected clients and sessions stay. Does nothing unless initialised.
     void Terminate();
     // Listens on the port (0: a free one) and local address (empty: all), joins the bus and announces this
-    // server. Raises kqaserrAlreadyConnected while listening, kqaserrNotInitialized unless initialised, and
-    // the errors of Listener::Listen, in which case nothing was done. An error of the bus client's Send or of
-    // the AppObject is raised after everything else has been done; the server then listens. If the bus client
-    // is already running, waits up to 1 s for its queue to empty.
+    // server. If the bus client is already running, waits up to 1 s for its queue to empty. Raises
+    // kqaserrAlreadyConnected while listening, kqaserrNotInitialized unless initialised, and the errors of
+    // Listener::Listen, in which case nothing was done. An error of the bus client's Send is raised after
+    // everything else has been done. So is an error of the AppObject, but then nothing is announced. In both
+    // cases the server listens.
     void Listen(std::int32_t listen_port, const std::string& local_address = {});
     // Stops accepting clients; with `disconnect_all` the connected ones are disconnected too. Announces this
     // on the bus and leaves it; may take up to 1 s. A bus client that was running before Listen is started

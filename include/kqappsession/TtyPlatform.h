@@ -9,7 +9,7 @@
 // chooses the default one. A single space empties a text box. The interrupt key and end of input mean Cancel.
 // Wait messages and download progress are printed. Connections and timers are served in the meantime.
 //
-// While a question is open the terminal is in a mode of its own. The previous mode is restored after every
+// While a question is open the terminal is in a special mode. The previous mode is restored after every
 // answer, when the program exits or an exception passes, and when the default action of a signal ends the
 // program (such as SIGHUP, SIGINT, SIGTERM and faults, but not SIGKILL) or SIGTSTP stops it.
 #pragma once

@@ -1,7 +1,7 @@
 // The data that a login delivers and a client keeps: the translation table, and the user's profiles with
 // their tables.
 //
-// Each object has a text form, which is XML with a root element of its own. LoadXML accepts only that root.
+// Each object has a text form, which is XML with its own root element. LoadXML accepts only that root.
 // It replaces everything on success; on an error (number kNotWebData, source "KQWebDataLib") nothing changes.
 // A text, name or key that XML cannot carry (ill-formed UTF-8, control characters other than tab and line
 // ends) raises RuntimeError::InvalidProcedureCall where it is set.
