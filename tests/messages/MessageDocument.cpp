@@ -65,8 +65,8 @@ std::string MessageDocument() {
     page += kBetweenServers;
     AddChannel(page, MessageChannel::Bus);
     page +=
-        "\n## Elements inside messages\n\nInside `ASLoginResponse` the session's record is a nested message: its "
-        "element also has a type and a version.\n";
+        "\n## Elements inside messages\n\nInside `ASLoginResponse` the session's record is a nested message: "
+        "its element also has a type and a version.\n";
     AddChannel(page, MessageChannel::Element);
     return page;
 }
