@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace kq {
 
@@ -18,6 +19,9 @@ class Folders {
     // Whether the path names an existing file (its attributes can be read).
     virtual bool FileExists(const std::string& path) const = 0;
     virtual bool DeleteFile(const std::string& path) = 0;
+    // Adds the text to the end of a file and creates the file when it is missing, but no folder. False when
+    // the text could not be written or the path names something else than a file; never raises.
+    virtual bool AppendToFile(const std::string& path, std::string_view text) = 0;
 };
 
 }  // namespace kq

@@ -1,6 +1,7 @@
 // What the port tells about the machine and its user: language, folders, names, programs, shares, secrets.
 #include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -182,6 +183,29 @@ TEST_F(XdgFolder, ListsItsFilesAsExistingUntilTheyAreDeleted) {
     EXPECT_TRUE(folders_->DeleteFile(path));
     EXPECT_FALSE(folders_->DeleteFile(path));
     EXPECT_FALSE(folders_->FileExists(path));
+}
+
+TEST_F(XdgFolder, HoldsAFileThatIsCreatedForItsOwnerAloneAndGrows) {
+    EXPECT_TRUE(folders_->AppendToFile(home_.File("log"), "one\n"));
+    EXPECT_TRUE(folders_->AppendToFile(home_.File("log"), "two\n"));
+    EXPECT_EQ(home_.Get("log"), "one\ntwo\n");
+    const auto owner_only = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+    EXPECT_EQ(std::filesystem::status(home_.File("log")).permissions(), owner_only);
+}
+
+TEST_F(XdgFolder, RefusesToAddToWhatIsNotAFile) {
+    ASSERT_EQ(::mkfifo(home_.File("pipe").c_str(), 0600), 0);
+    for (const auto& path : {home_.Path(), home_.File("missing/log"), home_.File("pipe"),
+                             std::string("/dev/null"), std::string(), std::string("a\0b", 3)})
+        EXPECT_FALSE(folders_->AppendToFile(path, "x")) << path;
+}
+
+TEST_F(XdgFolder, HoldsNoFileThatAPipeWithAReaderWouldPassFor) {
+    ASSERT_EQ(::mkfifo(home_.File("pipe").c_str(), 0600), 0);
+    const int reader = ::open(home_.File("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_NE(reader, -1);
+    EXPECT_FALSE(folders_->AppendToFile(home_.File("pipe"), "x"));
+    ::close(reader);
 }
 
 TEST(PosixProcess, KnowsItsProgramAndAShortName) {

@@ -51,6 +51,8 @@ class FakeFolders final : public Folders {
     char separator = '/';
     std::set<std::string> folders;
     std::set<std::string> files;
+    std::map<std::string, std::string> appended;  // what was added to files, by path
+    bool read_only = false;                       // nothing can be added to a file
     std::vector<std::string> create_calls;
 
     std::optional<std::string> SpecialFolder(int csidl) const override;
@@ -60,6 +62,10 @@ class FakeFolders final : public Folders {
         return files.count(path) + folders.count(path) != 0;
     }
     bool DeleteFile(const std::string& path) override { return files.erase(path) != 0; }
+    bool AppendToFile(const std::string& path, std::string_view text) override {
+        if (!read_only) appended[path] += text;
+        return !read_only;
+    }
 };
 
 class FakeProfileFile final : public ProfileFile {

@@ -41,4 +41,15 @@ FileResult WriteNewFile(const std::string& path, std::string_view bytes, mode_t 
     return result;
 }
 
+bool AppendTo(const std::string& path, std::string_view bytes) {
+    constexpr mode_t kOwnerOnly = 0600;
+    const int file =
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, kOwnerOnly);
+    if (file < 0) return false;
+    struct stat attributes {};
+    const bool written =
+        ::fstat(file, &attributes) == 0 && S_ISREG(attributes.st_mode) && WriteAll(file, bytes);
+    return ::close(file) == 0 && written;
+}
+
 }  // namespace kq

@@ -11,6 +11,7 @@
 #include "base/Convert.h"
 #include "platform/Folders.h"
 #include "platform/posix/PosixPlatform.h"
+#include "platform/posix/WriteFile.h"
 
 namespace kq {
 namespace {
@@ -104,6 +105,10 @@ class XdgFolders final : public Folders {
 
     bool DeleteFile(const std::string& path) override {
         return IsUsable(path) && ::unlink(path.c_str()) == 0;
+    }
+
+    bool AppendToFile(const std::string& path, std::string_view text) override {
+        return IsUsable(path) && AppendTo(path, text);
     }
 };
 

@@ -35,6 +35,19 @@ class Win32Folders final : public Folders {
     bool DeleteFile(const std::string& path) override {
         return !HoldsNul(path) && DeleteFileA(ToAnsi(path).c_str()) != 0;
     }
+
+    // Other programs may read and add to it meanwhile.
+    bool AppendToFile(const std::string& path, std::string_view text) override {
+        if (HoldsNul(path)) return false;
+        HANDLE file = CreateFileA(ToAnsi(path).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE) return false;
+        const auto size = static_cast<DWORD>(text.size());
+        DWORD written = 0;
+        const bool added = GetFileType(file) == FILE_TYPE_DISK &&
+                           WriteFile(file, text.data(), size, &written, nullptr) != 0 && written == size;
+        return CloseHandle(file) != 0 && added;
+    }
 };
 
 }  // namespace

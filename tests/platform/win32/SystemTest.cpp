@@ -69,6 +69,18 @@ TEST_F(Win32Folder, ListsItsFilesAsExistingUntilTheyAreDeleted) {
     EXPECT_FALSE(folders_->FileExists(path));
 }
 
+TEST_F(Win32Folder, HoldsAFileThatIsCreatedAndGrows) {
+    EXPECT_TRUE(folders_->AppendToFile(place_.Path() + "\\log", "one\n"));
+    EXPECT_TRUE(folders_->AppendToFile(place_.Path() + "\\log", "two\n"));
+    EXPECT_EQ(place_.Get("log"), "one\ntwo\n");
+}
+
+TEST_F(Win32Folder, RefusesToAddToWhatIsNotAFile) {
+    for (const auto& path : {place_.Path(), place_.Path() + "\\missing\\log", std::string("NUL"),
+                             std::string(), std::string("a\0b", 3)})
+        EXPECT_FALSE(folders_->AppendToFile(path, "x")) << path;
+}
+
 TEST(Win32Process, KnowsItsProgramAndAShortName) {
     const auto process = MakeWin32Process();
     EXPECT_TRUE(process->ExecutablePath().ends_with("\\test_platform_win32.exe"));
