@@ -5,6 +5,8 @@
 
 #include <kqappsession/Error.h>
 
+#include "base/ErrorNumber.h"
+
 namespace kq {
 namespace {
 
@@ -18,6 +20,12 @@ TEST(RuntimeErrors, CarryTheAutomationNumberTheLibrarysNameAndTheUsualSentence) 
         EXPECT_EQ(error.Description(), "Object variable or With block variable not set");
         EXPECT_STREQ(error.what(), error.Description().c_str());
     }
+}
+
+TEST(ErrorNumberText, IsHexadecimalForAutomationCodesAndDecimalForConnections) {
+    EXPECT_EQ(ErrorNumberText(NumberOf(RuntimeError::ObjectNotSet)), "0x800A005B");
+    EXPECT_EQ(ErrorNumberText(10060), "10060");
+    EXPECT_EQ(ErrorNumberText(0), "0");
 }
 
 TEST(RuntimeErrors, TakeADescriptionThatTellsMore) {

@@ -99,9 +99,5 @@ TEST_F(LoginReportTest, TellsWhoEndedTheSession) {
     EXPECT_EQ("Disconnected by the application server\nDisconnected\n", Output());
 }
 
-TEST_F(LoginReportTest, WritesConnectionErrorsInDecimal) {
-    EXPECT_EQ("10060", ErrorNumberText(10060));
-}
-
 }  // namespace
 }  // namespace kq

@@ -2,11 +2,10 @@
 // so that no server controls the terminal.
 #include "tools/kqlogin/LoginReport.h"
 
-#include <array>
-#include <cstdio>
 #include <ostream>
 
 #include "base/Convert.h"
+#include "base/ErrorNumber.h"
 #include "tools/JsonText.h"
 #include "tools/program/OneLine.h"
 
@@ -51,13 +50,6 @@ JsonObject ResultJson(const char* result, const KQAppSessClient& client) {
 }
 
 }  // namespace
-
-std::string ErrorNumberText(std::int32_t number) {
-    if (number >= 0) return std::to_string(number);
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(number));
-    return text.data();
-}
 
 std::string ErrorLine(const Error& error) {
     return ErrorNumberText(error.Number()) + " " + OneLine(error.Description());

@@ -38,7 +38,5 @@ class LoginReport {
 // The line for standard error: "0x80040A06 Could not connect to login server: ...", or with the decimal
 // number of a connection's error. It is one line whatever the description contains.
 std::string ErrorLine(const Error& error);
-// 0x80040A06 for automation codes, decimal for the others.
-std::string ErrorNumberText(std::int32_t number);
 
 }  // namespace kq
