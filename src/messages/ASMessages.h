@@ -7,6 +7,7 @@
 // Every struct holds a member for each field of its row in ASMessageList.h, named as the field, and
 //
 //   kType                        the message's type
+//   kAppID                       a field's name, likewise for each field: for one field of a message as it is
 //   XMLMessage Build() const     version "1", fields in order; Bus messages in the schema kZEBSchemas, no
 //                                destination. Raises the errors of XMLMessage for what XML cannot carry and
 //                                for nested texts that are none.
@@ -30,14 +31,6 @@ inline constexpr std::string_view kMessageVersion = "1";
 // The schema namespace of messages between servers.
 inline constexpr std::string_view kZEBSchemas = "ZEBSchemas";
 
-// Fields that an application server adds to a client's request on its way to the login server, and that come
-// back with the answer: the server's own reply address, and what names the client's connection.
-inline constexpr std::string_view kReturnMsgType = "ReturnMsgType";
-inline constexpr std::string_view kReturnSubType = "ReturnSubType";
-inline constexpr std::string_view kTransID = "TransID";
-// Likewise, the tag of the client's request; left out when it has none.
-inline constexpr std::string_view kReturnTag = "ReturnTag";
-
 // What the message of a client may hold, whichever way it comes. A million small elements would take seconds
 // and hundreds of megabytes.
 inline constexpr XMLMessage::Limits kClientMessageLimits{.elements = 100'000};
@@ -45,7 +38,9 @@ inline constexpr XMLMessage::Limits kClientMessageLimits{.elements = 100'000};
 // Whether a Boolean field says yes: exactly "True", nothing else.
 bool IsTrue(std::string_view text);
 
-#define KQ_MEMBER(kind, name, meaning) kq::field::kind::Type name;
+#define KQ_MEMBER(kind, name, meaning)                 \
+    static constexpr std::string_view k##name = #name; \
+    kq::field::kind::Type name;
 #define KQ_STRUCT(channel, type, purpose, members)       \
     struct type {                                        \
         static constexpr std::string_view kType = #type; \
@@ -56,6 +51,14 @@ bool IsTrue(std::string_view text);
 KQ_AS_MESSAGES(KQ_STRUCT, KQ_MEMBER)
 #undef KQ_STRUCT
 #undef KQ_MEMBER
+
+// Fields that an application server adds to a client's request on its way to the login server, and that come
+// back with the answer: the server's own reply address, and what names the client's connection.
+inline constexpr std::string_view kReturnMsgType = RequestASRegistration::kReturnMsgType;
+inline constexpr std::string_view kReturnSubType = RequestASRegistration::kReturnSubType;
+inline constexpr std::string_view kTransID = RequestASRegistration::kTransID;
+// Likewise, the tag of the client's request; left out when it has none.
+inline constexpr std::string_view kReturnTag = RequestASRegistration::kReturnTag;
 
 // The list as data.
 enum class MessageChannel { Client, Bus, Element };

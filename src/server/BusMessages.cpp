@@ -8,6 +8,7 @@
 #include <exception>
 
 #include "base/Convert.h"
+#include "messages/TransactionId.h"
 #include "server/KQAppSessServerImpl.h"
 #include "session/SessionRecords.h"
 
@@ -59,13 +60,13 @@ std::optional<OpenRequest> KQAppSessServer::Impl::TakeOpen(const XMLMessage& ans
 // the session is not here. The host still hears of the message.
 void KQAppSessServer::Impl::OnASRegistrationResponse(const MessagePtr& message, bool& handled) {
     const auto answer = ASRegistrationResponse::Read(*message);
-    const auto ids = Split(answer.TransID, '|');
-    if (ids.size() != 2) return;
-    const auto request = TakeOpen(*message, ids[1], ids[0]);
-    const auto client = ConnectedClient(ids[1]);
+    const auto id = TransactionId::Read(answer.TransID);
+    if (!id) return;
+    const auto request = TakeOpen(*message, id->client, id->session_id);
+    const auto client = ConnectedClient(id->client);
     if (!answer.ErrorResponse) {
         if (!client) {
-            SessionIsGone(ids[0]);
+            SessionIsGone(id->session_id);
         } else if (request) {
             GrantRegistration(client, *request, answer);
         }

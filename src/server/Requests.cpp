@@ -7,6 +7,7 @@
 #include <array>
 
 #include "base/Convert.h"
+#include "messages/TransactionId.h"
 #include "server/KQAppSessServerImpl.h"
 #include "session/SessionRecords.h"
 
@@ -14,8 +15,6 @@ namespace kq {
 namespace {
 
 constexpr double kInterfaceVersion = 1.0;
-constexpr std::string_view kLocaleID = "LocaleID";
-constexpr std::string_view kRestrictIP = "RestrictIP";
 
 struct Relayed {
     std::string_view request;
@@ -31,7 +30,7 @@ constexpr std::array<Relayed, 4> kRelayed = {{
 // 0 stands for no locale that is known.
 std::int32_t LocaleOf(const XMLMessage& request) {
     std::int32_t locale = 0;
-    IgnoreErrors([&] { locale = ValLong(request.Field(kLocaleID)); });
+    IgnoreErrors([&] { locale = ValLong(request.Field(ASRegisterRequest::kLocaleID)); });
     return locale;
 }
 
@@ -69,8 +68,7 @@ void KQAppSessServer::Impl::Register(const Request& request) {
         Refuse(request, ASRegisterResponse::kType, kqaserrLoginLoginFailed);
     } else if (registration.AppID != app_id_) {
         Refuse(request, ASRegisterResponse::kType, kqaserrLoginInvalidIntfVersion, {registration.AppID});
-    } else if (registration.SessionID.find('|') != std::string::npos) {
-        // No session has such an id, and the answer could not be led back.
+    } else if (!TransactionId::CanName(registration.SessionID)) {
         Refuse(request, ASRegisterResponse::kType, kqaserrLoginNoLogin);
     } else {
         RequestRegistration(request, registration);
@@ -81,7 +79,7 @@ void KQAppSessServer::Impl::RequestRegistration(const Request& request, const AS
     RequestASRegistration registration;
     registration.ReturnMsgType = Bus().ReplyType();
     registration.ReturnSubType = Bus().ReplySubType();
-    registration.TransID = asked.SessionID + "|" + request.client->Identifier();
+    registration.TransID = TransactionId{asked.SessionID, request.client->Identifier()}.Text();
     registration.AppID = asked.AppID;
     registration.SessionID = asked.SessionID;
     registration.ReturnTag = TagElementText(request.tag);
@@ -100,8 +98,8 @@ void KQAppSessServer::Impl::Relay(const Request& request, std::string_view answe
     relayed.SetField(kTransID, request.client->Identifier());
     relayed.RemoveField(kReturnTag);
     if (!request.tag.empty()) relayed.SetField(kReturnTag, TagElementText(request.tag));
-    if (!request.message.Field(kRestrictIP).empty()) {
-        relayed.SetField(kRestrictIP, listener->LocalAddress());
+    if (!request.message.Field(ASLoginRequest::kRestrictIP).empty()) {
+        relayed.SetField(ASLoginRequest::kRestrictIP, listener->LocalAddress());
     }
     if (Open({request.client->Identifier(), answer, {}, request.tag, request.bytes})) {
         Send(std::move(relayed), "ZEB", "", kAnswerTime);
@@ -113,8 +111,9 @@ void KQAppSessServer::Impl::Refuse(const Request& request, std::string_view repl
                                    const Args& args) {
     XMLMessage reply(reply_type,
                      code == kqaserrLoginLoginFailed ? request.message.Version() : kMessageVersion);
-    reply.SetField("ErrorNum", TextOf(code));
-    reply.SetField("ErrorDesc", locale_texts_.ASLocaleError(code, LocaleOf(request.message), args));
+    reply.SetField(ASRegisterResponse::kErrorNum, TextOf(code));
+    reply.SetField(ASRegisterResponse::kErrorDesc,
+                   locale_texts_.ASLocaleError(code, LocaleOf(request.message), args));
     request.client->Send(reply, request.tag);
     request.client->Disconnect();
 }

@@ -61,8 +61,8 @@ void KQAppSessServer::Impl::RefuseUnanswered(const OpenRequest& request) {
         return;
     }
     XMLMessage reply(request.answer, kMessageVersion);
-    reply.SetField("ErrorNumber", TextOf(kqaserrLoginNoLogin));
-    reply.SetField("ErrorDesc", sentence);
+    reply.SetField(ASLoginResponse::kErrorNumber, TextOf(kqaserrLoginNoLogin));
+    reply.SetField(ASLoginResponse::kErrorDesc, sentence);
     if (!open_.Has(request.client) && !answered_.contains(request.client)) client->SetDeadline(kProofTime);
     client->Send(reply, request.tag);
 }
