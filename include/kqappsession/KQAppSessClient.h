@@ -42,7 +42,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
+#include <vector>
 
 #include <kqappsession/APClient.h>
 #include <kqappsession/AppObject.h>
@@ -85,6 +87,26 @@ struct SystemLoginArguments {
     std::optional<bool> UseASServerForLogin{};  // SystemLogin2 only; replaces the stored setting
 };
 
+// One step of a system login or a server login, for logs: which state it was, how long it took, what came of
+// it. Names and numbers only: it holds no text that a user has typed or a server has sent, and no secret.
+struct LoginStep {
+    std::string_view Procedure;     // "SystemLogin" or "ServerLogin"
+    std::string_view State;         // the name of the state: "lsAttemptLogin"
+    std::string_view Role;          // what the step of that state does: "logs in"
+    std::int64_t Milliseconds = 0;  // the step's time; the time that a user takes to answer is part of it
+    // The name of the state that follows; "ended" after a procedure's last step; "cancelled" when the user
+    // has closed the wait window; else the number of the error that the step raised, such as "0x80040A06" or
+    // "10004", or "failed" when it has none. A procedure that a step leaves by an error or as cancelled still
+    // cleans up, in a last step lsFailed.
+    std::string Outcome;
+    // The numbers of the errors that the step has met and not raised, in their order: a connection's error
+    // behind kqaserrLoginNoConnect, an error that became a question, an upload that failed without notice.
+    std::vector<std::int32_t> Errors;
+};
+// The step on one line, without its role: "SystemLogin lsAttemptLogin 512 lsGetTranslation". The numbers of
+// Errors follow the outcome, each after a space.
+KQ_EXPORT std::string LineOf(const LoginStep& step);
+
 class ClientState;
 
 class KQ_EXPORT KQAppSessClient {
@@ -99,6 +121,15 @@ class KQ_EXPORT KQAppSessClient {
     // because the session connection has ended. Raised on the loop's thread, from inside the call that
     // changes the state. A handler that wants to start a procedure posts that to the loop.
     Signal<KQAppSessLoginState> LoginStateChanged;
+
+    // A step of a system login or a server login has ended; the argument is valid during the call. Raised on
+    // the loop's thread inside the procedure, between two steps or after the last one; what holds for
+    // handlers of LoginStateChanged holds here as well.
+    //
+    // The same lines go to a file that the setting "TraceFile" in the settings file names, each with the time
+    // in UTC before it. The setting is read when a procedure starts. A missing file is created, a missing
+    // folder is not. Nothing happens if the file cannot be written.
+    Signal<const LoginStep&> LoginStepDone;
 
     // What a login delivers; null before. The objects are shared with the caller. A profile that is added to
     // or removed from the collection while no procedure runs is uploaded immediately, as by UpdateProfiles,
@@ -147,7 +178,8 @@ class KQ_EXPORT KQAppSessClient {
     // Logs in with the login server; LoginState is kqaslsSystemLogin afterwards. False only when an
     // interactive user gave up or chose to start a newer client. After false or an error nothing of a login
     // is left, and LoginState is kqaslsNotLoggedIn. Profiles that could not be uploaded at the end of a login
-    // do not make it fail: the error is reported to the stray exception handler (see Signal.h).
+    // do not make it fail: the error is reported to the stray exception handler (see Signal.h), and its
+    // number is among the Errors of the step lsGetProfile.
     bool SystemLogin(bool interactive, const SystemLoginArguments& arguments);
     // The same with arguments.UseASServerForLogin, which SystemLogin ignores.
     bool SystemLogin2(bool interactive, const SystemLoginArguments& arguments);

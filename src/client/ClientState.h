@@ -9,6 +9,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <kqappsession/KQAppSessClient.h>
 
@@ -42,6 +44,7 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     // Raises LoginStateChanged when the state is another one.
     void SetLoginState(KQAppSessLoginState login_state);
     Signal<KQAppSessLoginState> LoginStateChanged;
+    Signal<const LoginStep&> LoginStepDone;
 
     // A new settings object for the application.
     SessConfig& OpenConfig(const std::string& app_id);
@@ -109,6 +112,11 @@ class Procedure {
     // Raises NetError::Interrupted once the client was terminated during the run or the loop has been quit,
     // and UserGaveUp once its user has given up.
     void CheckTermination() const;
+    void Pause(float seconds) { state_.Pause(seconds); }
+    // An error that is met where it occurs and not raised: the trace of a login names its number.
+    void Note(std::int32_t error) { errors_.push_back(error); }
+    // Those that were noted since the last call.
+    std::vector<std::int32_t> TakeErrors() { return std::exchange(errors_, {}); }
     bool Ended() const { return Terminated() || state_.GivenUp() || state_.platform->Loop()->Quitting(); }
 
  private:
@@ -116,6 +124,7 @@ class Procedure {
 
     ClientState& state_;
     std::uint32_t terminations_;
+    std::vector<std::int32_t> errors_;
 };
 
 }  // namespace kq

@@ -63,6 +63,7 @@ const char* NameOf(KQAppSessLoginState state) {
 KQAppSessClient::KQAppSessClient(PlatformPtr platform) : state_(NewState(std::move(platform))) {
     state_->LoginStateChanged.Connect(owner_,
                                       [this](KQAppSessLoginState state) { LoginStateChanged(state); });
+    state_->LoginStepDone.Connect(owner_, [this](const LoginStep& step) { LoginStepDone(step); });
 }
 
 KQAppSessClient::~KQAppSessClient() {

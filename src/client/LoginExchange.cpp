@@ -13,16 +13,24 @@ namespace {
 constexpr std::int32_t kUnknownResponse = 500;
 constexpr std::int32_t kImproperResponse = 501;
 
+// What stands for a reply that did not come.
+Received NoReply(Procedure& procedure, const Error& error) {
+    procedure.Note(error.Number());
+    Received none;
+    none.failure = error.Description();
+    return none;
+}
+
 }  // namespace
 
-Reply TakeReply(APClient& client, std::string_view awaited_type, std::int32_t time_out) {
-    Reply reply;
+Received TakeAny(Procedure& procedure, APClient& client, std::string_view awaited_type,
+                 std::int32_t time_out) {
+    Received reply;
     Block block;
     try {
         block = client.TakeBlock(time_out);
     } catch (const Error& error) {
-        reply.failure = error.Description();
-        return reply;
+        return NoReply(procedure, error);
     }
     if (block.data.empty()) {
         reply.failure = "The reply was empty";
@@ -38,17 +46,15 @@ Reply TakeReply(APClient& client, std::string_view awaited_type, std::int32_t ti
     return reply;
 }
 
-Reply Exchange(ClientState& state, APClient& client, const XMLMessage& request, std::string_view awaited_type,
-               std::int32_t time_out) {
+Received ExchangeAny(Procedure& procedure, APClient& client, const XMLMessage& request,
+                     std::string_view awaited_type, std::int32_t time_out) {
     try {
         client.SendText(request.ToXML());
     } catch (const Error& error) {
-        Reply reply;
-        reply.failure = error.Description();
-        return reply;
+        return NoReply(procedure, error);
     }
-    state.Pause(kLoginPause);
-    return TakeReply(client, awaited_type, time_out);
+    procedure.Pause(kLoginPause);
+    return TakeAny(procedure, client, awaited_type, time_out);
 }
 
 ReplyError ReadReplyError(const std::string& error_number) {

@@ -5,30 +5,56 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <kqappsession/APClient.h>
 
+#include "messages/ASMessages.h"
 #include "messages/modASMsg.h"
 
 namespace kq {
 
-class ClientState;
+class Procedure;
 
 // The pause between a request and the wait for its reply.
 inline constexpr float kLoginPause = 0.25F;
 
-struct Reply {
+struct Received {
     bool received = false;
     std::string failure;                  // not received: why, in a sentence
     std::shared_ptr<XMLMessage> message;  // null when the block was no message
     std::int32_t improper = 0;            // received, but not the awaited message: text 500 or 501 says so
 };
 
+// A reply and its fields as the awaited message has them; those that it lacks are empty.
+template <class Response>
+struct Reply : Received {
+    Response fields;
+};
+
+// The two below for any message.
+Received TakeAny(Procedure& procedure, APClient& client, std::string_view awaited_type,
+                 std::int32_t time_out);
+Received ExchangeAny(Procedure& procedure, APClient& client, const XMLMessage& request,
+                     std::string_view awaited_type, std::int32_t time_out);
+
+template <class Response>
+Reply<Response> ReadReply(Received received) {
+    Response fields = received.message ? Response::Read(*received.message) : Response();
+    return {std::move(received), std::move(fields)};
+}
+
 // Waits for the next block and sees what it is. An empty block counts as no reply.
-Reply TakeReply(APClient& client, std::string_view awaited_type, std::int32_t time_out);
+template <class Response>
+Reply<Response> TakeReply(Procedure& procedure, APClient& client, std::int32_t time_out) {
+    return ReadReply<Response>(TakeAny(procedure, client, Response::kType, time_out));
+}
 // Sends the request, pauses, then takes the reply; a request that cannot be sent has no reply.
-Reply Exchange(ClientState& state, APClient& client, const XMLMessage& request, std::string_view awaited_type,
-               std::int32_t time_out);
+template <class Response>
+Reply<Response> Exchange(Procedure& procedure, APClient& client, const XMLMessage& request,
+                         std::int32_t time_out) {
+    return ReadReply<Response>(ExchangeAny(procedure, client, request, Response::kType, time_out));
+}
 
 // What a reply's "ErrorNumber" says in the system login: absent, empty and "0" are success, every other text
 // is an error, with its numeric value as code (0: none of its own).

@@ -32,11 +32,12 @@ ASProfilesUpdate UploadRequest(const KQAppSessionInfo& session) {
 }
 
 // Connects; the description of what went wrong, nothing when the connection stands.
-std::optional<std::string> TryConnect(APClient& client, const UploadTarget& target) {
+std::optional<std::string> TryConnect(Procedure& procedure, APClient& client, const UploadTarget& target) {
     try {
         client.Connect(target.address, target.port, "", target.time_out);
         return client.Connected() ? std::nullopt : std::optional<std::string>("");
     } catch (const Error& error) {
+        procedure.Note(error.Number());
         return error.Description();
     }
 }
@@ -44,7 +45,7 @@ std::optional<std::string> TryConnect(APClient& client, const UploadTarget& targ
 // Sends the profiles as they are by now: their events upload nothing while the procedure runs. What the login
 // server answers is not looked into.
 void Send(APClient& client, ASProfilesUpdate request, const std::shared_ptr<Profiles>& profiles,
-          std::int32_t time_out, const Procedure& procedure) {
+          std::int32_t time_out, Procedure& procedure) {
     try {
         request.Profiles = profiles ? profiles->ToXML() : Profiles().ToXML();
         client.Request(request.Build(), {}, time_out);
@@ -57,7 +58,7 @@ void Send(APClient& client, ASProfilesUpdate request, const std::shared_ptr<Prof
 }
 
 // The upload with a wait window of its own.
-bool Upload(ClientState& state, const Procedure& procedure, LoginAttendant& attendant, UploadTarget& target) {
+bool Upload(ClientState& state, Procedure& procedure, LoginAttendant& attendant, UploadTarget& target) {
     try {
         return UploadProfiles(state, procedure, attendant, target);
     } catch (const UserGaveUp&) {
@@ -72,7 +73,7 @@ bool Upload(ClientState& state, const Procedure& procedure, LoginAttendant& atte
 
 }  // namespace
 
-bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttendant& attendant,
+bool UploadProfiles(ClientState& state, Procedure& procedure, LoginAttendant& attendant,
                     UploadTarget& target) {
     procedure.CheckTermination();
     if (state.config) FillFromSettings(*state.config, target);
@@ -85,7 +86,7 @@ bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttenda
     for (;;) {
         attendant.ShowWait(kWaitUpdating);
         const auto client = state.NewLoginClient();
-        const auto failure = TryConnect(*client, target);
+        const auto failure = TryConnect(procedure, *client, target);
         procedure.CheckTermination();
         if (!failure) {
             Send(*client, request, state.GetProfiles(), target.time_out, procedure);
@@ -99,7 +100,7 @@ bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttenda
 }
 
 bool UpdateProfilesEx(ClientState& state, bool interactive, UploadTarget& target) {
-    const Procedure procedure(state);
+    Procedure procedure(state);
     const auto attendant = MakeAttendant(interactive, state);
     return Upload(state, procedure, *attendant, target);
 }
@@ -112,7 +113,7 @@ void UpdateProfiles(ClientState& state) {
 void AddReplaceProfile(ClientState& state, bool interactive, std::shared_ptr<Profile> changed_profile) {
     const auto profiles = state.GetProfiles();
     if (!profiles || !changed_profile) Raise(RuntimeError::ObjectNotSet);
-    const Procedure procedure(state);
+    Procedure procedure(state);
     const std::string current_name = state.current_profile ? state.current_profile->Name() : std::string();
     if (profiles->Exists(changed_profile->Name())) profiles->Remove(changed_profile->Name());
     const auto added = profiles->Add(std::move(changed_profile));

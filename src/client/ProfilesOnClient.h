@@ -23,7 +23,7 @@ struct UploadTarget {
 // A step of a procedure: sends the whole collection to the login server over a connection of its own. True
 // when it was sent, false when the attendant's user gave up. A failed upload leaves the local collection as
 // it is.
-bool UploadProfiles(ClientState& state, const Procedure& procedure, LoginAttendant& attendant,
+bool UploadProfiles(ClientState& state, Procedure& procedure, LoginAttendant& attendant,
                     UploadTarget& target);
 
 // The upload as a procedure of its own.

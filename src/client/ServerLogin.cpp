@@ -5,7 +5,6 @@
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"
-#include "messages/ASMessages.h"
 #include "platform/Locale.h"
 #include "platform/Machine.h"
 #include "session/SessionRecords.h"
@@ -21,34 +20,19 @@ constexpr int kMaxRetries = 5;
 
 }  // namespace
 
-ServerLogin::ServerLogin(ClientState& state, bool interactive) : state_(state), procedure_(state) {
+ServerLogin::ServerLogin(ClientState& state, bool interactive)
+    : LoginLoop(state, interactive, "ServerLogin", kUnexpectedError) {}
+
+LoginStates ServerLogin::Begin() {
     if (state_.LoginState() == kqaslsNotLoggedIn) state_.texts.RaiseASError(kqaserrLoginNoSystem);
-    attendant_ = MakeAttendant(interactive, state_);
     state_.OpenConfig(state_.session_info->AppID());
     if (state_.LoginState() == kqaslsServerLogin) state_.SetLoginState(kqaslsSystemLogin);
+    return lsAttemptConnectServer;
 }
 
-bool ServerLogin::Run() {
-    LoginStates state = lsAttemptConnectServer;
-    try {
-        while (state == lsAttemptConnectServer || state == lsAttemptRegister) {
-            procedure_.CheckTermination();
-            try {
-                state = Step(state);
-            } catch (const Error& error) {
-                procedure_.CheckTermination();
-                attendant_->HideWait();
-                state = attendant_->MeetUnexpected(kUnexpectedError, error);
-            }
-        }
-        procedure_.CheckTermination();
-    } catch (const UserGaveUp&) {
-        state = lsFailed;
-    } catch (...) {
-        attendant_->HideWait();
-        state_.ReleaseSessionClient();
-        throw;
-    }
+std::optional<LoginStates> ServerLogin::Step(LoginStates state) {
+    if (state == lsAttemptConnectServer) return AttemptConnectServer();
+    if (state == lsAttemptRegister) return AttemptRegister();
     attendant_->HideWait();
     if (state == lsFinish) {
         Finish();
@@ -57,17 +41,7 @@ bool ServerLogin::Run() {
     } else {
         state_.ReleaseSessionClient();
     }
-    return state == lsFinish;
-}
-
-LoginStates ServerLogin::Step(LoginStates state) {
-    return state == lsAttemptConnectServer ? AttemptConnectServer() : AttemptRegister();
-}
-
-LoginStates ServerLogin::Meet(LoginFailure failure, const Args& question, const Args& error) {
-    procedure_.CheckTermination();
-    attendant_->HideWait();
-    return attendant_->Meet(failure, question, error);
+    return std::nullopt;
 }
 
 LoginStates ServerLogin::AttemptConnectServer() {
@@ -77,8 +51,8 @@ LoginStates ServerLogin::AttemptConnectServer() {
         connection_->Connect(state_.app_server_address, state_.app_server_port, "",
                              state_.app_server_time_out);
         if (connection_->Connected()) return lsAttemptRegister;
-    } catch (const Error&) {
-        // The error and the question name no reason.
+    } catch (const Error& error) {
+        procedure_->Note(error.Number());  // neither the error nor the question names it
     }
     return Meet(LoginFailure::NoConnectAS);
 }
@@ -93,17 +67,18 @@ LoginStates ServerLogin::AttemptRegister() {
     try {
         connection_->SendText(request.Build().ToXML());
     } catch (const Error& error) {
+        procedure_->Note(error.Number());
         const bool not_connected = error.Number() == static_cast<std::int32_t>(NetError::NotConnected);
-        if (not_connected && retries_ < kMaxRetries && !procedure_.Ended()) {
+        if (not_connected && retries_ < kMaxRetries && !procedure_->Ended()) {
             ++retries_;
             return lsAttemptConnectServer;
         }
         return NoReply();
     }
     state_.Pause(kLoginPause);
-    const Reply reply = TakeReply(*connection_, ASRegisterResponse::kType, state_.app_server_time_out);
+    const auto reply = TakeReply<ASRegisterResponse>(*procedure_, *connection_, state_.app_server_time_out);
     if (!reply.received) return NoReply();
-    if (reply.improper != 0 || ReceivedVal(reply.message->Field("ErrorNum")) != 0) return Refused(reply);
+    if (reply.improper != 0 || ReceivedVal(reply.fields.ErrorNum) != 0) return Refused(reply);
     return lsFinish;
 }
 
@@ -113,8 +88,8 @@ LoginStates ServerLogin::NoReply() {
     return again && !connection_->Connected() ? lsGetLoginInfo : next;
 }
 
-LoginStates ServerLogin::Refused(const Reply& reply) {
-    std::string text = reply.message ? reply.message->Field("ErrorDesc") : std::string();
+LoginStates ServerLogin::Refused(const Reply<ASRegisterResponse>& reply) {
+    std::string text = reply.fields.ErrorDesc;
     if (text.empty() && reply.improper != 0) text = state_.texts.Text(reply.improper);
     return Meet(LoginFailure::RegisterFailed, {text}, {text});
 }

@@ -3,35 +3,27 @@
 
 #include <memory>
 
-#include "client/ClientState.h"
-#include "client/LoginAttendant.h"
 #include "client/LoginExchange.h"
+#include "client/LoginLoop.h"
 
 namespace kq {
 
-class ServerLogin {
+class ServerLogin final : public LoginLoop {
  public:
-    // kqaserrLoginNoSystem before a system login.
     ServerLogin(ClientState& state, bool interactive);
 
-    // True when the session is registered. Every failure of a silent login, and what no step expects, is
-    // raised after the connection was released.
-    bool Run();
-
  private:
-    LoginStates Step(LoginStates state);
+    // kqaserrLoginNoSystem before a system login.
+    LoginStates Begin() override;
+    std::optional<LoginStates> Step(LoginStates state) override;
     LoginStates AttemptConnectServer();
     LoginStates AttemptRegister();
     LoginStates NoReply();
-    LoginStates Refused(const Reply& reply);
+    LoginStates Refused(const Reply<ASRegisterResponse>& reply);
     void Finish();
     // Everything of the system login goes: a new one is wanted.
     void GiveUpLogin();
-    LoginStates Meet(LoginFailure failure, const Args& question = {}, const Args& error = {});
 
-    ClientState& state_;
-    Procedure procedure_;
-    std::unique_ptr<LoginAttendant> attendant_;
     std::shared_ptr<APClient> connection_;
     int retries_ = 0;
 };

@@ -1,12 +1,10 @@
-// The driver of the system login and its steps up to the login's reply; what the reply delivers is taken in
-// SystemLoginResults.cpp.
+// The steps up to the login's reply; what the reply delivers is taken in SystemLoginResults.cpp.
 #include "client/SystemLogin.h"
 
 #include <kqappsession/Error.h>
 
 #include "base/Convert.h"
 #include "client/ClientTexts.h"
-#include "messages/ASMessages.h"
 #include "platform/Folders.h"
 #include "platform/Machine.h"
 #include "platform/Process.h"
@@ -55,50 +53,20 @@ void Restrict(Request& request, const ClientState& state, const LoginDetails& de
 }  // namespace
 
 SystemLogin::SystemLogin(ClientState& state, bool interactive, SystemLoginArguments arguments)
-    : state_(state),
-      procedure_(state),
-      attendant_(MakeAttendant(interactive, state)),
-      arguments_(std::move(arguments)) {
-    if (interactive && !state.platform->Interactive()) {
+    : LoginLoop(state, interactive, "SystemLogin", kUnexpectedError),
+      interactive_(interactive),
+      arguments_(std::move(arguments)) {}
+
+LoginStates SystemLogin::Begin() {
+    if (interactive_ && !state_.platform->Interactive()) {
         Raise(RuntimeError::InvalidProcedureCall,
               "An interactive login asks its user through dialogs, and this program has none");
     }
-}
-
-bool SystemLogin::Run() {
-    try {
-        Prepare();
-        LoginStates state = lsGetLoginInfo;
-        while (state != lsFailed) {
-            procedure_.CheckTermination();
-            try {
-                if (state == lsFinish) {
-                    Finish();
-                    return true;
-                }
-                state = Step(state);
-            } catch (const Error& error) {
-                procedure_.CheckTermination();
-                attendant_->HideWait();
-                state = attendant_->MeetUnexpected(kUnexpectedError, error);
-            }
-        }
-        procedure_.CheckTermination();
-    } catch (const UserGaveUp&) {
-        // Ends as lsFailed does.
-    } catch (...) {
-        Failed();
-        throw;
-    }
-    Failed();
-    return false;
-}
-
-void SystemLogin::Prepare() {
     config_.emplace(state_.OpenConfig(arguments_.AppID));
     RemoveDownloadedClient();
     state_.ReleaseLoginClient();
     state_.SetLoginState(kqaslsNotLoggedIn);
+    return lsGetLoginInfo;
 }
 
 void SystemLogin::RemoveDownloadedClient() {
@@ -108,7 +76,7 @@ void SystemLogin::RemoveDownloadedClient() {
     config_->SetSetting(kLastDownloadedClient, "");
 }
 
-LoginStates SystemLogin::Step(LoginStates state) {
+std::optional<LoginStates> SystemLogin::Step(LoginStates state) {
     switch (state) {
         case lsGetLoginInfo:
             return GetLoginInfo();
@@ -132,17 +100,15 @@ LoginStates SystemLogin::Step(LoginStates state) {
             return GetSessionInfo();
         case lsGetProfile:
             return GetProfile();
+        case lsFinish:
+            Finish();
+            return std::nullopt;
+        case lsFailed:
+            Failed();
+            return std::nullopt;
         default:
             Raise(RuntimeError::InvalidProcedureCall);
     }
-}
-
-LoginStates SystemLogin::Meet(LoginFailure failure, const Args& question, const Args& error) {
-    procedure_.CheckTermination();
-    attendant_->HideWait();
-    const LoginStates next = attendant_->Meet(failure, question, error);
-    if (next == lsCheckClientDownload) offer_ = failure;
-    return next;
 }
 
 LoginStates SystemLogin::GetLoginInfo() {
@@ -160,6 +126,7 @@ LoginStates SystemLogin::AttemptConnectZEB() {
         connection_->Connect(details_.address, details_.port, "", details_.time_out);
         if (connection_->Connected()) return lsValidateClient;
     } catch (const Error& error) {
+        procedure_->Note(error.Number());
         failure = error.Description();
     }
     return Meet(LoginFailure::NoConnect, {}, {failure});
@@ -174,15 +141,14 @@ LoginStates SystemLogin::ValidateClient() {
                                 ? ClientVersionOf(arguments_.AppObj.get(), state_.platform)
                                 : arguments_.ClientVersion;
     Restrict(request, state_, details_);
-    const Reply reply =
-        Exchange(state_, *connection_, request.Build(), ASValidateClientResponse::kType, details_.time_out);
-    if (!reply.received) return Meet(LoginFailure::NoValidateReply, {}, {reply.failure});
-    if (reply.improper != 0) {
-        const std::string text = state_.texts.Text(reply.improper);
+    validation_ =
+        Exchange<ASValidateClientResponse>(*procedure_, *connection_, request.Build(), details_.time_out);
+    if (!validation_.received) return Meet(LoginFailure::NoValidateReply, {}, {validation_.failure});
+    if (validation_.improper != 0) {
+        const std::string text = state_.texts.Text(validation_.improper);
         return Meet(LoginFailure::ValidationServerFailed, {text}, {text});
     }
-    validation_ = reply.message;
-    const auto response = ASValidateClientResponse::Read(*validation_);
+    const ASValidateClientResponse& response = validation_.fields;
     if (const ReplyError error = ReadReplyError(response.ErrorNumber); error.failed) {
         const std::string text = ZEBFailureText(state_.texts, response.ErrorDesc, response.ErrorParam);
         return Meet(IsServerFailure(error.code) ? LoginFailure::ValidationServerFailed
@@ -190,10 +156,6 @@ LoginStates SystemLogin::ValidateClient() {
                     {text}, {text});
     }
     return ClientAvailable() ? Meet(LoginFailure::NewClient) : lsCheckValidZEBInterface;
-}
-
-bool SystemLogin::ClientAvailable() const {
-    return validation_ && IsTrue(validation_->Field("ClientAvailable"));
 }
 
 LoginStates SystemLogin::CheckClientDownload() {
@@ -204,14 +166,14 @@ LoginStates SystemLogin::CheckClientDownload() {
         StartDownloadedClient(*path);
         return lsFailed;
     }
-    return try_again ? lsGetLoginInfo : Meet(offer_);
+    return try_again ? lsGetLoginInfo : Meet(met_);  // the question that offered it, again
 }
 
 // The next start removes the file, whether or not it could be started.
 void SystemLogin::StartDownloadedClient(const std::string& path) {
     RemoveDownloadedClient();
     config_->SetSetting(kLastDownloadedClient, path);
-    procedure_.CheckTermination();
+    procedure_->CheckTermination();
     const Platform::Machine& machine = state_.platform->Parts();
     if (const std::string reason = machine.process->Start(path); !reason.empty()) {
         Raise(RuntimeError::InvalidProcedureCall,
@@ -220,12 +182,12 @@ void SystemLogin::StartDownloadedClient(const std::string& path) {
 }
 
 LoginStates SystemLogin::CheckValidZEBInterface() {
-    if (ReceivedVal(validation_->Version()) == 1.0) return lsCheckValidInterface;
+    if (ReceivedVal(validation_.message->Version()) == 1.0) return lsCheckValidInterface;
     return Meet(ClientAvailable() ? LoginFailure::ClientTooOldNewOne : LoginFailure::ClientTooOld);
 }
 
 LoginStates SystemLogin::CheckValidInterface() {
-    if (IsTrue(validation_->Field("InterfaceAvailable"))) return lsAttemptLogin;
+    if (IsTrue(validation_.fields.InterfaceAvailable)) return lsAttemptLogin;
     return Meet(ClientAvailable() ? LoginFailure::NoServersNewClient : LoginFailure::NoServers);
 }
 
@@ -237,36 +199,34 @@ LoginStates SystemLogin::AttemptLogin() {
     request.Password = details_.password;
     request.NewPassword = details_.new_password;
     Restrict(request, state_, details_);
-    const Reply reply =
-        Exchange(state_, *connection_, request.Build(), ASLoginResponse::kType, details_.time_out);
+    auto reply = Exchange<ASLoginResponse>(*procedure_, *connection_, request.Build(), details_.time_out);
     if (!reply.received) return Meet(LoginFailure::NoLoginReply, {}, {details_.login_id, ""});
     if (reply.improper != 0) {
         const std::string text = state_.texts.Text(reply.improper);
         return Meet(LoginFailure::LoginServerFailed, {text}, {text});
     }
-    reply_ = reply.message;
-    const ReplyError error = ReadReplyError(reply_->Field("ErrorNumber"));
+    reply_ = std::move(reply.fields);
+    const ReplyError error = ReadReplyError(reply_.ErrorNumber);
     return error.failed ? RefusedLogin(error) : lsGetTranslation;
 }
 
 LoginStates SystemLogin::RefusedLogin(const ReplyError& error) {
-    const std::string desc = reply_->Field("ErrorDesc");
-    const std::string param = reply_->Field("ErrorParam");
     switch (error.code) {
         case kUnknownUserOrPassword:
-            return Meet(LoginFailure::LoginFailed, {state_.texts.MapZEBError(kUnknownUserCode)}, {desc});
+            return Meet(LoginFailure::LoginFailed, {state_.texts.MapZEBError(kUnknownUserCode)},
+                        {reply_.ErrorDesc});
         case kPasswordMustChange:
             return Meet(LoginFailure::MustChangePassword);
-        case kPasswordExpires: {
-            const std::string days = reply_->Field("DaysToExpirePassword");
-            return ReceivedVal(days) > 0 ? Meet(LoginFailure::PasswordExpires, {days})
-                                         : Meet(LoginFailure::MustChangePassword);
-        }
+        case kPasswordExpires:
+            return ReceivedVal(reply_.DaysToExpirePassword) > 0
+                       ? Meet(LoginFailure::PasswordExpires, {reply_.DaysToExpirePassword})
+                       : Meet(LoginFailure::MustChangePassword);
         case kTooManyUsers:
             return Meet(LoginFailure::TooManyUsers,
-                        {state_.texts.GetASErrorText(kqaserrLoginTooManyUsers, {param})}, {param});
+                        {state_.texts.GetASErrorText(kqaserrLoginTooManyUsers, {reply_.ErrorParam})},
+                        {reply_.ErrorParam});
         default: {
-            const std::string text = ZEBFailureText(state_.texts, desc, param);
+            const std::string text = ZEBFailureText(state_.texts, reply_.ErrorDesc, reply_.ErrorParam);
             return Meet(
                 IsServerFailure(error.code) ? LoginFailure::LoginServerFailed : LoginFailure::LoginFailed,
                 {text}, {text});

@@ -1,4 +1,4 @@
-// What a login's reply delivers: translation table, session record, profiles; and both ends of the procedure.
+// What a login's reply delivers: translation table, session record, profiles; and both last steps.
 #include <exception>
 
 #include <kqappsession/Error.h>
@@ -20,8 +20,8 @@ namespace {
 constexpr const char* kDefaultProfile = "Default";
 
 template <class T>
-std::shared_ptr<T> ObjectIn(const XMLMessage& reply, std::string_view field) {
-    const ASData data = modASMsg::ParseASData(reply.Field(field));
+std::shared_ptr<T> ObjectIn(const std::string& field) {
+    const ASData data = modASMsg::ParseASData(field);
     const auto* object = std::get_if<std::shared_ptr<T>>(&data.object);
     return object != nullptr ? *object : nullptr;
 }
@@ -29,24 +29,23 @@ std::shared_ptr<T> ObjectIn(const XMLMessage& reply, std::string_view field) {
 }  // namespace
 
 LoginStates SystemLogin::GetTranslation() {
-    auto table = ObjectIn<TranslationTable>(*reply_, "TranslationTable");
+    auto table = ObjectIn<TranslationTable>(reply_.TranslationTable);
     if (!table) return Meet(LoginFailure::NoTranslation);
     state_.translation_table = std::move(table);
     return lsGetSessionInfo;
 }
 
 LoginStates SystemLogin::GetSessionInfo() {
-    auto message = ObjectIn<XMLMessage>(*reply_, "SessionInfo");
+    auto message = ObjectIn<XMLMessage>(reply_.SessionInfo);
     if (!message) return Meet(LoginFailure::NoSessionInfo);
     auto info = std::make_shared<KQAppSessionInfo>();
-    SessionRecords::Fill(*info, std::move(message), reply_->Field("SessionID"), arguments_.AppID,
-                         connection_);
+    SessionRecords::Fill(*info, std::move(message), reply_.SessionID, arguments_.AppID, connection_);
     state_.session_info = std::move(info);
     return lsGetProfile;
 }
 
 LoginStates SystemLogin::GetProfile() {
-    auto profiles = ObjectIn<Profiles>(*reply_, "Profiles");
+    auto profiles = ObjectIn<Profiles>(reply_.Profiles);
     if (!profiles) profiles = std::make_shared<Profiles>();
     state_.SetProfiles(profiles);
     state_.current_profile.reset();
@@ -77,9 +76,10 @@ LoginStates SystemLogin::GetProfile() {
 void SystemLogin::UploadChangedProfiles() {
     UploadTarget target{details_.address, details_.port, details_.time_out};
     try {
-        UploadProfiles(state_, procedure_, *attendant_, target);
-    } catch (const Error&) {
-        procedure_.CheckTermination();
+        UploadProfiles(state_, *procedure_, *attendant_, target);
+    } catch (const Error& error) {
+        procedure_->CheckTermination();
+        procedure_->Note(error.Number());
         ReportStrayException(std::current_exception());
     }
 }
@@ -93,7 +93,7 @@ std::shared_ptr<Profile> SystemLogin::NamedProfile(const Profiles& profiles) con
 
 void SystemLogin::Finish() {
     attendant_->HideWait();
-    state_.app_server_port = ReceivedValLong(reply_->Field("Port"));
+    state_.app_server_port = ReceivedValLong(reply_.Port);
     state_.app_server_address = details_.address;
     state_.app_server_time_out = arguments_.TimeOut;
     state_.use_as_server_for_login = details_.use_as_server_for_login;
