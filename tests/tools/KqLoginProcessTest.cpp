@@ -1,8 +1,10 @@
 // kqlogin from outside: what it writes, what its exit code says, what it leaves behind.
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -111,9 +113,75 @@ TEST(KqLogin, RemembersAServerInItsSettingsFile) {
     EXPECT_EQ("LoginState kqaslsSystemLogin\n", login->Output().substr(0, 29));
 }
 
+// Without the milliseconds, which differ from run to run.
+std::string Timeless(const std::string& trace) {
+    return std::regex_replace(trace, std::regex(" [0-9]+ "), " ");
+}
+
+TEST(KqLogin, WritesEachStepOfItsLoginWithTrace) {
+    Site site;
+    const auto login = site.LogIn({"--register", "--trace"});
+    EXPECT_EQ(0, login->ExitCode());
+    EXPECT_EQ(
+        "SystemLogin lsGetLoginInfo lsAttemptConnectZEB\n"
+        "SystemLogin lsAttemptConnectZEB lsValidateClient\n"
+        "SystemLogin lsValidateClient lsCheckValidZEBInterface\n"
+        "SystemLogin lsCheckValidZEBInterface lsCheckValidInterface\n"
+        "SystemLogin lsCheckValidInterface lsAttemptLogin\n"
+        "SystemLogin lsAttemptLogin lsGetTranslation\n"
+        "SystemLogin lsGetTranslation lsGetSessionInfo\n"
+        "SystemLogin lsGetSessionInfo lsGetProfile\n"
+        "SystemLogin lsGetProfile lsFinish\n"
+        "SystemLogin lsFinish ended\n"
+        "ServerLogin lsAttemptConnectServer lsAttemptRegister\n"
+        "ServerLogin lsAttemptRegister lsFinish\n"
+        "ServerLogin lsFinish ended\n",
+        Timeless(login->Errors()));
+}
+
+TEST(KqLogin, TracesAFailureBeforeTheLineOfItsError) {
+    Site site;
+    const auto login = site.LogIn({"--trace"}, "Wr0ng-pas5word");
+    EXPECT_EQ(5, login->ExitCode());
+    const std::string errors = Timeless(login->Errors());
+    EXPECT_NE(std::string::npos, errors.find("\nSystemLogin lsAttemptLogin 0x80040A0D\n"
+                                             "SystemLogin lsFailed ended\nkqlogin: 0x80040A0D "))
+        << errors;
+}
+
+TEST(KqLogin, TracesInJsonBesideAResultInJson) {
+    Site site;
+    const auto login = site.LogIn({"--json", "--trace"});
+    EXPECT_EQ(0, login->ExitCode());
+    EXPECT_EQ(0U, login->Output().find("{\"result\":\"ok\""));
+    EXPECT_EQ(0U, login->Errors().find(R"({"Procedure":"SystemLogin","State":"lsGetLoginInfo",)"))
+        << login->Errors();
+    EXPECT_EQ(10, std::ranges::count(login->Errors(), '\n'));
+}
+
+TEST(KqLogin, WritesNoTraceUnlessItIsAsked) {
+    Site site;
+    EXPECT_EQ("", site.LogIn({})->Errors());
+}
+
+TEST(KqLogin, WritesTheTraceToTheFileOfItsSettings) {
+    Site site;
+    const std::string& folder = site.Zeb().Folder();
+    std::filesystem::create_directories(folder + "/config/HLXApps");
+    std::ofstream(folder + "/config/HLXApps/AppSess_Demo.ini")
+        << "[Default]\nTraceFile=" << folder << "/login trace.txt\n";
+    EXPECT_EQ(0, site.LogIn({})->ExitCode());
+    std::ifstream file(folder + "/login trace.txt");
+    std::string line;
+    std::getline(file, line);
+    EXPECT_TRUE(std::regex_match(
+        line, std::regex("[-0-9]{10}T[:.0-9]{12}Z SystemLogin lsGetLoginInfo [0-9]+ lsAttemptConnectZEB")))
+        << line;
+}
+
 TEST(KqLogin, NoProgramWritesThePasswordAnywhere) {
     Site site;
-    const auto login = site.LogIn({"--register", "--send", "Hello"});
+    const auto login = site.LogIn({"--register", "--send", "Hello", "--trace"});
     EXPECT_EQ(0, login->ExitCode());
     site.AppServer().AwaitLine("Disconnected ");
     site.AppServer().Signal(SIGTERM);

@@ -93,6 +93,25 @@ TEST_F(LoginReportTest, NeverTellsThePassword) {
     EXPECT_EQ(std::string::npos, (Output() + Errors()).find("s3cret"));
 }
 
+LoginStep Refusal() {
+    return {"SystemLogin", "lsAttemptLogin", "logs in", 250, "lsFailed", {10060, kqaserrLoginBadLogin}};
+}
+
+TEST_F(LoginReportTest, WritesAStepOfTheTraceAsALineOfErrors) {
+    Report(false).Step(Refusal());
+    EXPECT_EQ("SystemLogin lsAttemptLogin 250 lsFailed 10060 0x80040A05\n", Errors());
+    EXPECT_EQ("", Output());
+}
+
+TEST_F(LoginReportTest, WritesAStepOfTheTraceAsJson) {
+    Report(true).Step(Refusal());
+    EXPECT_EQ(R"({"Procedure":"SystemLogin","State":"lsAttemptLogin","Role":"logs in","Milliseconds":250,)"
+              R"("Outcome":"lsFailed","Errors":["10060","0x80040A05"]})"
+              "\n",
+              Errors());
+    EXPECT_EQ("", Output());
+}
+
 TEST_F(LoginReportTest, TellsWhoEndedTheSession) {
     Report(false).WaitEnded(true);
     Report(false).WaitEnded(false);

@@ -63,6 +63,9 @@ void AddOptions(CLI::App& app, LoginOptions& options) {
     app.add_flag("--wait", options.wait,
                  "Stay connected until the server ends the session or a signal arrives");
     app.add_flag("--json", options.json, "Write the result as one JSON object");
+    app.add_flag("--trace", options.trace,
+                 "Write a line for each step of the login to standard error: procedure, state, milliseconds, "
+                 "outcome; with --json as a JSON object");
 }
 
 }  // namespace

@@ -25,6 +25,7 @@ struct LoginOptions {
     std::optional<std::string> send;
     bool wait = false;
     bool json = false;
+    bool trace = false;
 };
 
 // Nothing when the program has to end now: after --help and --version (code 0, the text on standard output)

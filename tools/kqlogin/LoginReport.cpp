@@ -33,6 +33,20 @@ JsonObject SessionJson(const KQAppSessionInfo& session) {
     return json;
 }
 
+JsonObject StepJson(const LoginStep& step) {
+    std::vector<std::string> errors;
+    for (const std::int32_t number : step.Errors)
+        errors.push_back(ErrorNumberText(number));
+    JsonObject json;
+    json.Add("Procedure", step.Procedure);
+    json.Add("State", step.State);
+    json.Add("Role", step.Role);
+    json.Add("Milliseconds", step.Milliseconds);
+    json.Add("Outcome", step.Outcome);
+    json.Add("Errors", errors);
+    return json;
+}
+
 // What is the same in the objects of all results.
 JsonObject ResultJson(const char* result, const KQAppSessClient& client) {
     JsonObject json;
@@ -57,6 +71,10 @@ std::string ErrorLine(const Error& error) {
 
 void LoginReport::Line(const std::string& text) {
     if (!json_) output_ << text << '\n' << std::flush;
+}
+
+void LoginReport::Step(const LoginStep& step) {
+    errors_ << (json_ ? StepJson(step).Text() : LineOf(step)) << '\n' << std::flush;
 }
 
 void LoginReport::LoggedIn(const KQAppSessClient& client) {

@@ -16,7 +16,9 @@ class LoginReport {
     LoginReport(std::ostream& output, std::ostream& errors, bool json)
         : output_(output), errors_(errors), json_(json) {}
 
-    // The steps of a login, in their order.
+    // A step of the trace: a line, or a JSON object on a line, for standard error.
+    void Step(const LoginStep& step);
+    // The facts of a login, in their order.
     void LoggedIn(const KQAppSessClient& client);
     void Registered(const KQAppSessClient& client);
     void Sent(const std::string& type, std::size_t bytes);

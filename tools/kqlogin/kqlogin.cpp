@@ -7,6 +7,7 @@
 
 #include <kqappsession/EventLoop.h>
 #include <kqappsession/KQAppSessClient.h>
+#include <kqappsession/Signal.h>
 #include <kqappsession/TtyPlatform.h>
 
 #include "tools/kqlogin/ExitCodes.h"
@@ -91,6 +92,9 @@ ExitCode Outcome(const LoginOptions& options, StopSignals& signals, LoginReport&
     EventLoop& loop = *platform->Loop();
     signals.Watch(loop, [&loop] { loop.Quit(); });
     KQAppSessClient client(platform);
+    const Owner tracing;
+    if (options.trace)
+        client.LoginStepDone.Connect(tracing, [&report](const LoginStep& step) { report.Step(step); });
     try {
         if (LogIn(loop, client, options, std::move(password), report)) return ExitCode::Ok;
     } catch (const Error& error) {
