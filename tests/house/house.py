@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Checks the rules of the house: who may include whom, what stands in public headers, where the operating system may
-be asked for, how long a file may be, that the sibling libraries know no message, where documents lead and what they name, which version this is.
+be asked for, how long a file may be, who may name messages and how, where documents lead and what they name, which
+version this is.
 
-    house.py CHECK ROOT      CHECK: includes, headers, platforms, sizes, catalogue, links, names or version
+    house.py CHECK ROOT      CHECK: includes, headers, platforms, sizes, catalogue, messages, links, names or version
                              ROOT: the source tree
 
 Prints one line for each breach, "file:line: what", and fails when there is any.
@@ -95,6 +96,8 @@ NAMED_PATH = re.compile(r"`((?:include|src|zeb|tools|tests|bench|docs|resources|
 NAME_TESTS = ("docs/adding.md", "docs/hacking.md")  # documents whose names with a point are tests
 NAMED_TEST = re.compile(r"`([A-Z]\w+\.[A-Z]\w+|House\.[a-z]+)`")
 TEST = re.compile(r"^TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
+MESSAGE_LIST = "src/messages/ASMessageList.h"
+FIELD_BY_TEXT = re.compile(r'Field\(\s*"(\w+)"')
 ADDED_TEST = re.compile(r"add_test\(\s*NAME\s+([\w.]+)")
 
 
@@ -237,6 +240,24 @@ def check_links(root):
                     yield f"{path}:{number}: there is no {target}"
 
 
+def message_types(root):
+    catalogue = os.path.join(root, MESSAGE_LIST)
+    text = open(catalogue, encoding="utf-8").read() if os.path.exists(catalogue) else ""
+    return set(re.findall(r"^ *MESSAGE\(\w+, (\w+),", text, re.MULTILINE))
+
+
+def check_messages(root):
+    """Client and server name messages and their fields by the structs of the catalogue, not by a text."""
+    types = message_types(root)
+    for path in files(root, ("src/client", "src/server"), (".h", ".cpp")):
+        for number, line in lines(root, path):
+            code = re.sub(r"(^|\s)//.*", "", line)
+            for name in types & set(re.findall(r'"(\w+)"', code)):
+                yield f'{path}:{number}: "{name}" is a message of the catalogue, write {name}::kType'
+            for name in FIELD_BY_TEXT.findall(code):
+                yield f'{path}:{number}: the field "{name}" is read or written by a text'
+
+
 def documents(root):
     """The documents of the tree, in order."""
     yield from (name for name in sorted(os.listdir(root)) if name.endswith(".md"))
@@ -269,7 +290,8 @@ def check_version(root):
 
 
 CHECKS = {"includes": check_includes, "headers": check_headers, "platforms": check_platforms, "sizes": check_sizes,
-          "catalogue": check_catalogue, "links": check_links, "names": check_names, "version": check_version}
+          "catalogue": check_catalogue, "messages": check_messages, "links": check_links, "names": check_names,
+          "version": check_version}
 
 
 def main(arguments):

@@ -141,6 +141,15 @@ class House(unittest.TestCase):
                           "docs/adding.md:2: there is no test Login.Fails"],
                          self.breaches("names"))
 
+    def test_a_message_or_field_that_the_client_or_the_server_names_by_a_text_is_found(self):
+        self.file("src/messages/ASMessageList.h", '    MESSAGE(Client, ASAnswer, "an answer",  \\\n')
+        self.file("src/client/A.cpp", '// "ASAnswer"\nauto a = b.Field("Port");\nauto c = "ASAnswer";\n')
+        self.file("src/server/A.cpp", 'b.SetField(ASAnswer::kPort, "Port");\nb.SetField("Port", "1");\n')
+        self.assertEqual(['src/client/A.cpp:2: the field "Port" is read or written by a text',
+                          'src/client/A.cpp:3: "ASAnswer" is a message of the catalogue, write ASAnswer::kType',
+                          'src/server/A.cpp:2: the field "Port" is read or written by a text'],
+                         self.breaches("messages"))
+
     def test_the_newest_version_of_the_changes_is_the_one_that_is_built(self):
         self.file("CMakeLists.txt", "project(A VERSION 1.2.0 LANGUAGES CXX)\n")
         self.file("CHANGELOG.md", "# Changes\n\n## 1.2.0\n\n## 1.1.0\n")
