@@ -122,13 +122,13 @@ class KQ_EXPORT KQAppSessClient {
     // changes the state. A handler that wants to start a procedure posts that to the loop.
     Signal<KQAppSessLoginState> LoginStateChanged;
 
-    // A step of a system login or a server login has ended; the argument is valid during the call. Raised on
+    // A step of a system login or a server login has ended; a copy of the argument may be kept. Raised on
     // the loop's thread inside the procedure, between two steps or after the last one; what holds for
     // handlers of LoginStateChanged holds here as well.
     //
-    // The same lines go to a file that the setting "TraceFile" in the settings file names, each with the time
-    // in UTC before it. The setting is read when a procedure starts. A missing file is created, a missing
-    // folder is not. Nothing happens if the file cannot be written.
+    // A trace in a file needs no handler: if the settings file has the key "TraceFile", each step is added to
+    // the file of that path, as LineOf writes it after the time in UTC. The key is read when a procedure
+    // starts. A missing file is created, a missing folder is not. A file that cannot be written is ignored.
     Signal<const LoginStep&> LoginStepDone;
 
     // What a login delivers; null before. The objects are shared with the caller. A profile that is added to

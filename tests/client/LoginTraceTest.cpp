@@ -1,4 +1,6 @@
 // What the trace says of logins that succeed, fail, are cancelled and are terminated.
+#include <stdexcept>
+
 #include "client/InteractiveFixture.h"
 #include "client/TracedLogin.h"
 #include "support/StrayErrors.h"
@@ -178,6 +180,32 @@ TEST_F(LoginTraceTest, IsTakenByAHandlerThatDropsTheClient) {
 }
 
 // --- errors that nobody is shown
+
+TEST_F(LoginTraceTest, NamesTheErrorOfARequestThatCannotBeSent) {
+    trace.At("lsCheckValidInterface", [this] {
+        zeb.DropAll();
+        machine.loop->ProcessPending();
+    });
+    SystemLoginError();
+    EXPECT_THAT(trace.LinesFrom("lsAttemptLogin"),
+                ElementsAre("SystemLogin lsAttemptLogin 0 0x80040A05 10057", "SystemLogin lsFailed 0 ended"));
+}
+
+// An application object whose property cannot be read.
+struct BrokenAppObject : AppObject {
+    std::optional<std::string> Property(std::string_view) const override {
+        throw std::runtime_error("no version");
+    }
+};
+
+TEST_F(LoginTraceTest, CallsAStepFailedThatEndsWithAnExceptionOfTheHost) {
+    login.ClientVersion = "";
+    login.AppObj = std::make_shared<BrokenAppObject>();
+    EXPECT_THROW(SystemLogin(), std::runtime_error);
+    EXPECT_THAT(trace.LinesFrom("lsValidateClient"),
+                ElementsAre("SystemLogin lsValidateClient 0 failed", "SystemLogin lsFailed 0 ended"));
+    EXPECT_EQ(client->LoginState(), kqaslsNotLoggedIn);
+}
 
 TEST_F(LoginTraceTest, NamesTheErrorOfAnUploadThatFailsWithoutNotice) {
     const StrayErrors stray;
