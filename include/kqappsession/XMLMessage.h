@@ -121,7 +121,7 @@ class KQ_EXPORT XMLMessage {
     // RuntimeError::InvalidProcedureCall if `message` has no type.
     void SetMessageField(std::string_view name, const XMLMessage& message);
     // Nested XML as a field, given as text, such as the text form of a profile collection. The element is
-    // renamed to the field's name; use the name that its loader expects as root, e.g. "Profiles". Raises
+    // renamed to the field's name; use the name that its loader expects as root. Raises
     // kNotAMessage if `xml` is not one well-formed element within the default limits.
     void SetXMLField(std::string_view name, std::string_view xml);
     // Removes every field of that name, if there is any.
