@@ -15,7 +15,7 @@
 #include <kqappsession/KQAppSessClient.h>
 
 #include "client/SessConfig.h"
-#include "messages/modASMsg.h"
+#include "messages/Texts.h"
 
 namespace kq {
 
@@ -24,7 +24,7 @@ class ClientState : public std::enable_shared_from_this<ClientState> {
     explicit ClientState(PlatformPtr platform);
 
     const PlatformPtr platform;
-    const modASMsg texts;
+    const Texts texts;
 
     std::optional<SessConfig> config;  // none before the application identifier is known
     // A procedure runs: no other may start, and events of the profile collection upload nothing.

@@ -37,7 +37,7 @@ const char* In(Tongue tongue, const Row& row) {
 
 std::string ClientText(ClientSentence sentence, const Locale& locale, const Args& args) {
     const Row& row = sentence == ClientSentence::SettingsNotSaved ? kSettingsNotSaved : kClientNotStarted;
-    return modASMsg::FormatText(In(TextLanguageFor(locale.UserLocaleId()).tongue, row), args);
+    return Texts::FormatText(In(TextLanguageFor(locale.UserLocaleId()).tongue, row), args);
 }
 
 }  // namespace kq

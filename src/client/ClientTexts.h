@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "messages/modASMsg.h"
+#include "messages/Texts.h"
 #include "platform/Locale.h"
 
 namespace kq {

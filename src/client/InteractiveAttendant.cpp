@@ -24,14 +24,14 @@ LoginStates InteractiveAttendant::Meet(LoginFailure failure, const Args& questio
         case Question::None:
             return rule.yes;
         case Question::Information:
-            texts_.ShowInfo(rule.text, question);
+            boxes_.ShowInfo(rule.text, question);
             return rule.no;
         case Question::YesNo:
-            return texts_.AskYesNo(rule.text, question) ? rule.yes : rule.no;
+            return boxes_.AskYesNo(rule.text, question) ? rule.yes : rule.no;
         case Question::YesNoCancel:
             break;
     }
-    switch (texts_.AskYesNoCancel(rule.text, question)) {
+    switch (boxes_.AskYesNoCancel(rule.text, question)) {
         case BoxButton::Yes:
             return rule.yes;
         case BoxButton::No:
@@ -43,7 +43,7 @@ LoginStates InteractiveAttendant::Meet(LoginFailure failure, const Args& questio
 
 LoginStates InteractiveAttendant::MeetUnexpected(std::int32_t text, const Error& error) {
     if (!state_.platform->Interactive()) throw;
-    return texts_.AskYesNo(text, {error.Description()}) ? lsGetLoginInfo : lsFailed;
+    return boxes_.AskYesNo(text, {error.Description()}) ? lsGetLoginInfo : lsFailed;
 }
 
 bool InteractiveAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments,
@@ -85,7 +85,7 @@ std::optional<std::string> InteractiveAttendant::DownloadClient(const std::share
 }
 
 bool InteractiveAttendant::RetryUpload(const std::string&) {
-    return texts_.AskYesNo(kCannotConnect);
+    return boxes_.AskYesNo(kCannotConnect);
 }
 
 }  // namespace kq

@@ -8,13 +8,14 @@
 #include "client/LoginAttendant.h"
 #include "client/LoginPrompts.h"
 #include "dialogs/frmWait.h"
+#include "messages/MessageBoxes.h"
 
 namespace kq {
 
 class InteractiveAttendant : public LoginAttendant {
  public:
     explicit InteractiveAttendant(ClientState& state)
-        : state_(state), texts_(state.platform, &state.Terminated), wait_(state.platform) {
+        : state_(state), boxes_(state.platform, &state.Terminated), wait_(state.platform) {
         wait_.Closed.Connect(owner_, [this] { state_.GiveUp(); });
     }
 
@@ -35,7 +36,7 @@ class InteractiveAttendant : public LoginAttendant {
 
  private:
     ClientState& state_;
-    modASMsg texts_;
+    MessageBoxes boxes_;
     frmWait wait_;
     std::optional<PromptedSettings> settings_;
     Owner owner_;

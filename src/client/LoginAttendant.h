@@ -12,7 +12,7 @@
 #include <kqappsession/KQAppSessClient.h>
 
 #include "client/LoginFailures.h"
-#include "messages/modASMsg.h"
+#include "messages/Texts.h"
 
 namespace kq {
 

@@ -5,13 +5,12 @@
 
 #include "base/Convert.h"
 #include "client/ClientState.h"
+#include "messages/ParseASData.h"
+#include "messages/TextIds.h"
 
 namespace kq {
 
 namespace {
-
-constexpr std::int32_t kUnknownResponse = 500;
-constexpr std::int32_t kImproperResponse = 501;
 
 // What stands for a reply that did not come.
 Received NoReply(Procedure& procedure, const Error& error) {
@@ -37,11 +36,11 @@ Received TakeAny(Procedure& procedure, APClient& client, std::string_view awaite
         return reply;
     }
     reply.received = true;
-    reply.message = modASMsg::ParseASData(block.data).Message();
+    reply.message = ParseASData(block.data).Message();
     if (!reply.message) {
-        reply.improper = kUnknownResponse;
+        reply.improper = TextId::kUnknownResponse;
     } else if (reply.message->Type() != awaited_type) {
-        reply.improper = kImproperResponse;
+        reply.improper = TextId::kImproperResponse;
     }
     return reply;
 }
@@ -62,7 +61,7 @@ ReplyError ReadReplyError(const std::string& error_number) {
     return {true, ReceivedValLong(error_number)};
 }
 
-std::string ZEBFailureText(const modASMsg& texts, const std::string& error_desc,
+std::string ZEBFailureText(const Texts& texts, const std::string& error_desc,
                            const std::string& error_param) {
     for (const std::string& code : {error_param, error_desc}) {
         if (std::string text = texts.MapZEBError(code); text != code) return text;

@@ -10,7 +10,7 @@
 #include <kqappsession/APClient.h>
 
 #include "messages/ASMessages.h"
-#include "messages/modASMsg.h"
+#include "messages/Texts.h"
 
 namespace kq {
 
@@ -66,7 +66,6 @@ ReplyError ReadReplyError(const std::string& error_number);
 
 // The text for a failure that the login server reports: its codes mapped to texts, "ErrorParam" before
 // "ErrorDesc", else the first of "ErrorDesc" and "ErrorParam" that is not empty.
-std::string ZEBFailureText(const modASMsg& texts, const std::string& error_desc,
-                           const std::string& error_param);
+std::string ZEBFailureText(const Texts& texts, const std::string& error_desc, const std::string& error_param);
 
 }  // namespace kq

@@ -8,6 +8,7 @@
 #include "client/TerminableDialog.h"
 #include "dialogs/frmLogin.h"
 #include "dialogs/frmServer.h"
+#include "messages/MessageBoxes.h"
 #include "platform/Machine.h"
 
 namespace kq {
@@ -21,8 +22,9 @@ void PromptedSettings::Write(const ServerSettings& settings) {
     if (WriteServerSettings(config_, settings)) return;
     unsaved_ = settings;
     if (std::exchange(warned_, true)) return;
-    state_.texts.ShowWarning(
-        ClientText(ClientSentence::SettingsNotSaved, *state_.platform->Parts().locale, {config_.Path()}));
+    MessageBoxes(state_.platform, &state_.Terminated)
+        .ShowWarning(
+            ClientText(ClientSentence::SettingsNotSaved, *state_.platform->Parts().locale, {config_.Path()}));
 }
 
 bool ChangeConfiguration(ClientState& state, PromptedSettings& settings) {

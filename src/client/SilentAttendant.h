@@ -23,7 +23,7 @@ class SilentAttendant : public LoginAttendant {
     bool RetryUpload(const std::string& description) override;
 
  private:
-    modASMsg texts_;
+    Texts texts_;
 };
 
 }  // namespace kq

@@ -8,6 +8,7 @@
 #include "client/ProfilesOnClient.h"
 #include "client/SystemLogin.h"
 #include "dialogs/frmProfiles.h"
+#include "messages/ParseASData.h"
 #include "platform/Machine.h"
 #include "platform/Process.h"
 #include "session/SessionRecords.h"
@@ -21,7 +22,7 @@ constexpr const char* kDefaultProfile = "Default";
 
 template <class T>
 std::shared_ptr<T> ObjectIn(const std::string& field) {
-    const ASData data = modASMsg::ParseASData(field);
+    const ASData data = ParseASData(field);
     const auto* object = std::get_if<std::shared_ptr<T>>(&data.object);
     return object != nullptr ? *object : nullptr;
 }

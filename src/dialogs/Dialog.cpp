@@ -14,7 +14,8 @@ Dialog::~Dialog() {
 Window::Window(Dialog& dialog, const FormRow& row)
     : platform_(dialog.platform_),
       form_(Form::Load(platform_, row)),
-      texts_(platform_, &form_->Hidden),
+      texts_(platform_),
+      boxes_(platform_, &form_->Hidden),
       dialog_(dialog.life_.Life()) {
     if (row.caption_id != 0) form_->SetCaption(texts_.LoadText(row.caption_id));
     for (const auto& control : row.controls) {

@@ -14,7 +14,8 @@
 
 #include "forms/DialogHost.h"
 #include "forms/Form.h"
-#include "messages/modASMsg.h"
+#include "messages/MessageBoxes.h"
+#include "messages/Texts.h"
 
 namespace kq {
 
@@ -56,7 +57,8 @@ class Window {
 
     const PlatformPtr platform_;
     const std::shared_ptr<Form> form_;
-    const modASMsg texts_;  // its boxes close with the form
+    const Texts texts_;
+    const MessageBoxes boxes_;  // they close with the form
 
  private:
     const std::weak_ptr<const void> dialog_;

@@ -9,6 +9,8 @@
 
 #include "base/Convert.h"
 #include "messages/ASMessages.h"
+#include "messages/ParseASData.h"
+#include "messages/TextIds.h"
 #include "platform/Machine.h"
 #include "platform/TempFiles.h"
 
@@ -16,8 +18,6 @@ namespace kq {
 namespace {
 
 constexpr std::int32_t kFailed = 950;
-constexpr std::int32_t kUnknownResponse = 500;
-constexpr std::int32_t kTimedOut = 502;
 constexpr std::int32_t kNoNumber = -1;
 constexpr std::int32_t kReset = 10054;  // the connection has ended without an error of its own
 
@@ -52,7 +52,8 @@ class DownloadWindow : public Window {
  public:
     DownloadWindow(Dialog& dialog, std::shared_ptr<frmDownload::Failure> failure)
         : Window(dialog, frmDownload::Row()), failure_(std::move(failure)) {
-        timer_.OnTick([this] { Fail(kNoNumber, texts_.Text(kFailed, {texts_.LoadText(kTimedOut)})); });
+        timer_.OnTick(
+            [this] { Fail(kNoNumber, texts_.Text(kFailed, {texts_.LoadText(TextId::kTimedOut)})); });
     }
 
     bool Run(const std::shared_ptr<APClient>& client, std::string& client_path, bool& try_again) {
@@ -73,7 +74,7 @@ class DownloadWindow : public Window {
         if (outcome_ == Outcome::Success)
             client_path = path_;
         else if (outcome_ == Outcome::Failure)
-            try_again = texts_.AskYesNo(kFailed, {failure_->description});
+            try_again = boxes_.AskYesNo(kFailed, {failure_->description});
         else
             try_again = false;  // closed by the program's end, which leaves nobody to ask
         return outcome_ == Outcome::Success;
@@ -121,10 +122,10 @@ class DownloadWindow : public Window {
         timer_.SetTimerEnabled(true);
     }
 
-    void FailUnknown() { Fail(kNoNumber, texts_.Text(kFailed, {texts_.LoadText(kUnknownResponse)})); }
+    void FailUnknown() { Fail(kNoNumber, texts_.Text(kFailed, {texts_.LoadText(TextId::kUnknownResponse)})); }
 
     void ReadRefusal(const std::string& xml) {
-        const auto message = modASMsg::ParseASData(xml).Message();
+        const auto message = ParseASData(xml).Message();
         if (!message) return FailUnknown();
         const auto refusal = ASDownloadClientResponse::Read(*message);
         Fail(ReceivedValLong(refusal.ErrorNumber), refusal.ErrorDesc);

@@ -68,12 +68,12 @@ class LoginWindow : public Window {
 
     bool IsValid() {
         if (login_id_.Text().empty()) {
-            texts_.ShowWarning(kNoLoginID);
+            boxes_.ShowWarning(kNoLoginID);
             GoBackTo(login_id_);
             return false;
         }
         if (password_.Typed().Empty()) {
-            texts_.ShowWarning(kNoPassword);
+            boxes_.ShowWarning(kNoPassword);
             GoBackTo(password_);
             return false;
         }

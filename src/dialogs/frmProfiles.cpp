@@ -50,7 +50,7 @@ class ProfilesWindow : public Window {
         const bool is_named = !named.empty() && profiles_->Exists(named);
         Fill(is_named ? named : current_ ? current_->Name() : std::string());
         At("Timer1").SetTimerEnabled(true);
-        if (profiles_->Count() == 0) texts_.ShowInfo(kWhatProfilesAre);
+        if (profiles_->Count() == 0) boxes_.ShowInfo(kWhatProfilesAre);
         if (Abandoned()) return false;
         do {
             form_->SetFocus(profiles_->Count() == 0 ? At("cmdNew") : list_);
@@ -62,7 +62,7 @@ class ProfilesWindow : public Window {
  private:
     bool MustGoOn() {
         if (profiles_->Count() != 0 || Abandoned() || platform_->Loop()->Quitting()) return false;
-        return texts_.AskYesNo(kNoProfileYet) && !Abandoned();
+        return boxes_.AskYesNo(kNoProfileYet) && !Abandoned();
     }
 
     void Fill(const std::string& selected) {
@@ -96,7 +96,7 @@ class ProfilesWindow : public Window {
     bool IsTaken(const std::string& name) {
         if (Abandoned()) return true;
         if (!profiles_->Exists(name)) return false;
-        texts_.ShowWarning(kNameTaken, {name});
+        boxes_.ShowWarning(kNameTaken, {name});
         form_->SetFocus(list_);
         return true;
     }
@@ -147,7 +147,7 @@ class ProfilesWindow : public Window {
         const auto profile = Selected();
         if (!profile) return;
         const std::string name = profile->Name();
-        if (!texts_.AskYesNoTitled(kRemoveQuestion, kRemoveTitle, {name})) return;
+        if (!boxes_.AskYesNoTitled(kRemoveQuestion, kRemoveTitle, {name})) return;
         if (Abandoned() || !profiles_->Exists(name)) return;
         profiles_->Remove(name);
         if (current_ == profile) current_.reset();

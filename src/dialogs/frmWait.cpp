@@ -31,7 +31,7 @@ const FormRow& frmWait::Row() {
 
 void frmWait::ShowWait(std::int32_t id, const Args& args) {
     if (id == std::numeric_limits<std::int32_t>::max()) Raise(RuntimeError::Overflow);
-    const modASMsg texts(platform_);
+    const Texts texts(platform_);
     const std::string caption = texts.LoadText(id);
     const std::string message = texts.Text(id + 1, args);
     if (!window_) window_ = std::make_unique<WaitWindow>(*this);

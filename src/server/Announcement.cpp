@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "base/Convert.h"
-#include "messages/modASMsg.h"
+#include "messages/EnsureShare.h"
 #include "platform/Folders.h"
 #include "platform/Machine.h"
 #include "util/VersionInfo.h"
@@ -141,7 +141,7 @@ Installer FindInstaller(const PlatformPtr& platform, const AppObject* app_obj, c
     if (!platform->Parts().folders->FileExists(file)) return {};
 
     Installer installer;
-    installer.path = modASMsg(platform).EnsureShare(folder, "ClientInstall_" + app_id) + file_name;
+    installer.path = EnsureShare(platform, folder, "ClientInstall_" + app_id) + file_name;
     if (UpperCase(installer.path).find(".MSI") != std::string::npos) return installer;
     VersionInfo version(platform);
     version.Initialize(file);

@@ -34,10 +34,10 @@ ErrorsByLocale::ErrorsByLocale()
 std::string ErrorsByLocale::ASLocaleError(std::int32_t error_number, std::int32_t locale_id,
                                           const Args& args) const {
     const auto known = by_locale_.find(locale_id);
-    const Texts& texts = known == by_locale_.end() ? english_ : *known->second;
+    const TextsByCode& texts = known == by_locale_.end() ? english_ : *known->second;
     const auto text = texts.find(error_number);
     if (text == texts.end()) Raise(RuntimeError::InvalidProcedureCall);
-    return modASMsg::FormatText(text->second, args);
+    return Texts::FormatText(text->second, args);
 }
 
 }  // namespace kq

@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-#include "messages/modASMsg.h"
+#include "messages/Texts.h"
 
 namespace kq {
 
@@ -20,11 +20,11 @@ class ErrorsByLocale {
     std::string ASLocaleError(std::int32_t error_number, std::int32_t locale_id, const Args& args) const;
 
  private:
-    using Texts = std::map<std::int32_t, const char*>;  // by code
+    using TextsByCode = std::map<std::int32_t, const char*>;  // by code
 
-    const Texts english_;
-    const Texts spanish_;
-    std::map<std::int32_t, const Texts*> by_locale_;
+    const TextsByCode english_;
+    const TextsByCode spanish_;
+    std::map<std::int32_t, const TextsByCode*> by_locale_;
 };
 
 }  // namespace kq

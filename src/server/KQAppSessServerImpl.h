@@ -20,7 +20,7 @@
 #include <kqappsession/Timer.h>
 
 #include "messages/ASMessages.h"
-#include "messages/modASMsg.h"
+#include "messages/Texts.h"
 #include "server/Announcement.h"
 #include "server/ErrorsByLocale.h"
 #include "server/OpenRequests.h"
@@ -131,7 +131,7 @@ class KQAppSessServer::Impl : public std::enable_shared_from_this<Impl> {
     }
 
     KQAppSessServer* face_;
-    modASMsg texts_;
+    Texts texts_;
     ErrorsByLocale locale_texts_;
     std::string app_id_;
     std::shared_ptr<AppObject> app_obj_;

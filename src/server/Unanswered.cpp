@@ -6,12 +6,11 @@
 #include <chrono>
 
 #include "base/Convert.h"
+#include "messages/TextIds.h"
 #include "server/KQAppSessServerImpl.h"
 
 namespace kq {
 namespace {
-
-constexpr std::int32_t kNoReply = 412;
 
 // A question follows the sentence, after two spaces.
 std::string FirstSentence(const std::string& text) {
@@ -54,7 +53,7 @@ void KQAppSessServer::Impl::OnTooOld() {
 void KQAppSessServer::Impl::RefuseUnanswered(const OpenRequest& request) {
     const auto client = ConnectedClient(request.client);
     if (!client) return;
-    const std::string sentence = FirstSentence(texts_.Text(kNoReply));
+    const std::string sentence = FirstSentence(texts_.Text(TextId::kNoReply));
     if (request.answer == ASRegistrationResponse::kType) {
         client->Send(ASRegisterResponse{TextOf(kqaserrLoginNoRegister), sentence}.Build(), request.tag);
         client->Disconnect();

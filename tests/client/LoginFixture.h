@@ -14,7 +14,7 @@
 #include <kqappsession/KQAppSessClient.h>
 
 #include "client/SessConfig.h"
-#include "messages/modASMsg.h"
+#include "messages/Texts.h"
 #include "platform/Machine.h"
 #include "platform/posix/PosixStringTable.h"
 #include "support/FakeZeb.h"

@@ -46,11 +46,11 @@ std::string_view NameOf(ControlKind kind) {
     return "";
 }
 
-std::string TextOf(const modASMsg& texts, std::int32_t id) {
+std::string TextOf(const Texts& texts, std::int32_t id) {
     return id == 0 ? std::string() : std::to_string(id) + " \"" + texts.LoadText(id) + "\"";
 }
 
-std::string TextsOf(const modASMsg& texts, const ControlRow& control) {
+std::string TextsOf(const Texts& texts, const ControlRow& control) {
     const std::string other = TextOf(texts, control.other_text_id);
     return TextOf(texts, control.text_id) + (other.empty() ? "" : " or " + other);
 }
@@ -73,7 +73,7 @@ std::string RemarksOn(const FormRow& form, const ControlRow& control) {
 
 std::string DialogDocument() {
     const EnglishMachine machine;
-    const modASMsg texts(machine.platform);
+    const Texts texts(machine.platform);
     std::string page(kIntroduction);
     for (const FormRow* form : DialogCatalogue()) {
         page += "\n## " + std::string(form->name) + "\n\n";

@@ -20,7 +20,7 @@ struct WaitDialog : DialogScene {
 TEST_F(WaitDialog, ShowsCaptionAndMessageOfEveryStep) {
     for (std::int32_t id = 300; id <= 312; id += 2) {
         wait->ShowWait(id, {"Main"});
-        Says(modASMsg(machine.platform).LoadText(id), modASMsg(machine.platform).Text(id + 1, {"Main"}));
+        Says(Texts(machine.platform).LoadText(id), Texts(machine.platform).Text(id + 1, {"Main"}));
     }
 }
 

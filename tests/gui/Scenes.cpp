@@ -9,7 +9,7 @@
 #include "dialogs/frmProfiles.h"
 #include "dialogs/frmServer.h"
 #include "dialogs/frmWait.h"
-#include "messages/modASMsg.h"
+#include "messages/MessageBoxes.h"
 
 namespace kq {
 namespace {
@@ -109,15 +109,15 @@ std::vector<Scene> MakeScenes() {
         Modal("rename-profile", "frmNewProfile", RenameProfile),
         {"download", "frmDownload", Download},
         Modal("box-warning", "MessageBox",
-              [](const PlatformPtr& machine) { modASMsg(machine).ShowWarning(250); }),
+              [](const PlatformPtr& machine) { MessageBoxes(machine).ShowWarning(250); }),
         Modal("box-information", "MessageBox",
-              [](const PlatformPtr& machine) { modASMsg(machine).ShowInfo(423); }),
+              [](const PlatformPtr& machine) { MessageBoxes(machine).ShowInfo(423); }),
         Modal("box-yes-no", "MessageBox",
-              [](const PlatformPtr& machine) { modASMsg(machine).AskYesNo(401); }),
+              [](const PlatformPtr& machine) { MessageBoxes(machine).AskYesNo(401); }),
         Modal("box-yes-no-cancel", "MessageBox",
-              [](const PlatformPtr& machine) { modASMsg(machine).AskYesNoCancel(402); }),
+              [](const PlatformPtr& machine) { MessageBoxes(machine).AskYesNoCancel(402); }),
         Modal("box-error", "MessageBox",
-              [](const PlatformPtr& machine) { modASMsg(machine).ShowError(950, {"10054"}); }),
+              [](const PlatformPtr& machine) { MessageBoxes(machine).ShowError(950, {"10054"}); }),
     };
     for (std::int32_t id = 300; id <= 312; id += 2) {
         scenes.push_back({"wait-" + std::to_string(id), "frmWait", [id](Stage& stage, const Act& visit) {

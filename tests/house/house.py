@@ -39,7 +39,7 @@ MAY_USE = {
     "libs/appprotocol": GROUND | {"libs/xmlmessage"},
     "libs/xmlbus": GROUND | {"libs/xmlmessage", "libs/appprotocol", "libs/timer"},
     "util": GROUND,
-    "messages": GROUND | {"util", "forms", "libs/xmlmessage", "libs/webdata"},
+    "messages": GROUND | {"util", "libs/xmlmessage", "libs/webdata"},
     "session": {"base", "messages"} | LIBS,
     "dialogs": GROUND | {"forms", "messages", "libs/webdata", "libs/appprotocol"},
     "client": BELOW | {"dialogs"},
@@ -54,6 +54,8 @@ MAY_USE = {
     "zeb/admin": PROGRAM | {"zeb/store"},
     "zeb": PROGRAM | {"zeb/store", "zeb/requests", "zeb/bus", "zeb/admin"},
 }
+# What single files may include besides, by their path without its ending.
+FILES_MAY_USE = {"src/messages/MessageBoxes": {"forms"}}
 # The folders of programs. Programs know these two rooms by their public headers only.
 PROGRAM_FOLDERS = ("tools", "zeb")
 PUBLIC_ONLY = {"client", "server"}
@@ -153,7 +155,7 @@ def wrong_include(path, room, bracket, name):
         return None
     if owner in PUBLIC_ONLY and room.split("/")[0] in PROGRAM_FOLDERS:
         return None if public else f"{room} may use the public headers of {owner} only, not \"{name}\""
-    if owner not in MAY_USE[room]:
+    if owner not in MAY_USE[room] | FILES_MAY_USE.get(os.path.splitext(path)[0], set()):
         return f"{room} may not use {owner} ({name})"
     return None
 

@@ -74,6 +74,11 @@ class House(unittest.TestCase):
         self.assertEqual([], self.includes_of("src/dialogs/A.cpp", '"forms/DialogHost.h"', '"platform/Shortcuts.h"'))
         self.assertEqual(2, len(self.includes_of("src/dialogs/A.cpp", '"forms/qt/A.h"', '"platform/posix/B.h"')))
 
+    def test_of_the_messages_only_their_boxes_know_the_host_of_dialogs(self):
+        self.assertEqual([], self.includes_of("src/messages/MessageBoxes.h", '"forms/DialogHost.h"'))
+        self.assertEqual(["src/messages/Texts.h:1: messages may not use forms (forms/DialogHost.h)"],
+                         self.includes_of("src/messages/Texts.h", '"forms/DialogHost.h"'))
+
     def test_renderers_do_not_know_each_other_nor_a_dialog(self):
         self.assertEqual(2, len(self.includes_of("src/forms/qt/A.cpp", '"forms/tty/B.h"', '"dialogs/frmLogin.h"')))
 

@@ -61,7 +61,7 @@ struct ErrorText : testing::Test {
     }
 
     EnglishMachine machine;
-    modASMsg messages{machine.platform};
+    Texts messages{machine.platform};
 };
 
 TEST_F(ErrorText, HasARowInThisTestForEveryCode) {

@@ -7,7 +7,7 @@ namespace kq {
 namespace {
 
 std::string Format(const std::string& text, const Args& args) {
-    return modASMsg::FormatText(text, args);
+    return Texts::FormatText(text, args);
 }
 
 TEST(FormatText, PutsAnArgumentInPlaceOfItsPlaceholder) {

@@ -5,6 +5,7 @@
 
 #include "messages/ASMessages.h"
 #include "messages/MessagesTesting.h"
+#include "messages/ParseASData.h"
 #include "messages/SampleMessages.h"
 
 namespace kq {
@@ -94,9 +95,9 @@ TEST(LoginResponse, BringsTextsThatTheLoadersOfItsDataAccept) {
     XMLMessage received;
     received.LoadXML(Sample<ASLoginResponse>().Build().ToXML());
     const auto response = ASLoginResponse::Read(received);
-    EXPECT_EQ(modASMsg::ParseASData(response.TranslationTable).kind, ASDataKind::TranslationTable);
-    EXPECT_EQ(modASMsg::ParseASData(response.Profiles).kind, ASDataKind::Profiles);
-    EXPECT_EQ(modASMsg::ParseASData(response.SessionInfo).kind, ASDataKind::XMLMessage);
+    EXPECT_EQ(ParseASData(response.TranslationTable).kind, ASDataKind::TranslationTable);
+    EXPECT_EQ(ParseASData(response.Profiles).kind, ASDataKind::Profiles);
+    EXPECT_EQ(ParseASData(response.SessionInfo).kind, ASDataKind::XMLMessage);
 }
 
 TEST(LoginResponse, BringsTheSessionsRecordAsAMessage) {

@@ -6,7 +6,7 @@
 
 #include <kqappsession/Error.h>
 
-#include "messages/modASMsg.h"
+#include "messages/Texts.h"
 #include "platform/Machine.h"
 #include "platform/posix/PosixStringTable.h"
 #include "support/FakePlatform.h"

@@ -1,6 +1,7 @@
 // The message boxes: style, caption, text and answer of each kind.
 #include <gtest/gtest.h>
 
+#include "messages/MessageBoxes.h"
 #include "messages/MessagesTesting.h"
 
 namespace kq {
@@ -22,7 +23,7 @@ struct MessageBox : testing::Test {
 
     EnglishMachine machine;
     FakeDialogHost& user = *machine.fakes.dialogs;
-    modASMsg messages{machine.platform};
+    MessageBoxes messages{machine.platform};
 };
 
 TEST_F(MessageBox, AsksAQuestionWithYesAndNo) {
@@ -97,14 +98,14 @@ TEST_F(MessageBox, IsNotShownWithoutItsText) {
 }
 
 TEST_F(MessageBox, MayOutliveTheHelperThatShowedIt) {
-    auto helper = std::make_unique<modASMsg>(machine.platform);
+    auto helper = std::make_unique<MessageBoxes>(machine.platform);
     user.Answer(BoxButton::Yes, [&] { helper.reset(); });
     EXPECT_TRUE(helper->AskYesNo(411));
 }
 
 TEST(ProgramWithoutAFace, CannotAskAnything) {
     EnglishMachine machine(FakePlatform::Face::None);
-    const modASMsg messages(machine.platform);
+    const MessageBoxes messages(machine.platform);
     constexpr auto kInvalidCall = NumberOf(RuntimeError::InvalidProcedureCall);
     EXPECT_EQ(ErrorOf([&] { messages.AskYesNo(411); }).Number(), kInvalidCall);
     EXPECT_EQ(ErrorOf([&] { messages.AskYesNoTitled(712, 711); }).Number(), kInvalidCall);
