@@ -129,7 +129,7 @@ void ClientState::Pause(float seconds) {
 
 Procedure::Procedure(ClientState& state) : state_(state), terminations_(state.Terminations()) {
     if (state_.busy) {
-        Raise(RuntimeError::InvalidProcedureCall, "A login procedure of this client is running already");
+        Raise(RuntimeError::InvalidProcedureCall, "A login procedure of this client is already running");
     }
     CheckTermination();
     state_.busy = true;

@@ -223,7 +223,7 @@ void Form::SetVisible(bool on) {
 
 void Form::Show() {
     if (!platform_->Interactive())
-        Raise(RuntimeError::InvalidProcedureCall, "There is nobody to ask: the program has no dialogs");
+        Raise(RuntimeError::InvalidProcedureCall, "This program has no dialogs, so the user cannot be asked");
     if (!view_) view_ = platform_->Parts().dialogs->CreateView(*this);
     SetVisible(true);
 }

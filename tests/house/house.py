@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Checks the rules of the house: who may include whom, what stands in public headers, where the operating system may
 be asked for, how long a file may be, who may name messages and how, where documents lead and what they name, which
-version this is.
+version this is, how errors are described.
 
-    house.py CHECK ROOT      CHECK: includes, headers, platforms, sizes, catalogue, messages, links, names or version
-                             ROOT: the source tree
+    house.py CHECK ROOT      ROOT: the source tree
+                             CHECK: includes, headers, platforms, sizes, catalogue, messages, links, names, version or
+                             errors
 
 Prints one line for each breach, "file:line: what", and fails when there is any.
 """
@@ -97,6 +98,7 @@ LINK = re.compile(r"\]\(([^)\s]+)\)")
 NAMED_PATH = re.compile(r"`((?:include|src|zeb|tools|tests|bench|docs|resources|cmake|scripts)/[\w./-]+)`")
 NAME_TESTS = ("docs/adding.md", "docs/hacking.md")  # documents whose names with a point are tests
 NAMED_TEST = re.compile(r"`([A-Z]\w+\.[A-Z]\w+|House\.[a-z]+)`")
+RAISES = re.compile(r"\b(?:Raise|Refuse|Fail|Error|runtime_error|invalid_argument|length_error)\w*\(")
 TEST = re.compile(r"^TEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)", re.MULTILINE)
 MESSAGE_LIST = "src/messages/ASMessageList.h"
 FIELD_BY_TEXT = re.compile(r'Field\(\s*"(\w+)"')
@@ -291,9 +293,40 @@ def check_version(root):
         yield f"CHANGELOG.md:{number}: the newest version is {newest}, CMakeLists.txt builds {version}"
 
 
+def errors_in(text):
+    """The (offset, arguments) of every call in the text that raises or describes an error."""
+    for call in RAISES.finditer(text):
+        depth, quoted, start, arguments = 1, False, call.end(), []
+        for at in range(call.end(), len(text)):
+            letter = text[at]
+            if quoted:
+                quoted = letter != '"' or text[at - 1] == "\\"
+            elif letter == '"':
+                quoted = True
+            elif letter in "({[":
+                depth += 1
+            elif letter in ")}]":
+                depth -= 1
+            if not quoted and (depth == 0 or depth == 1 and letter == ","):
+                arguments.append(text[start:at].strip())
+                start = at + 1
+            if depth == 0:
+                break
+        yield call.start(), arguments
+
+
+def check_errors(root):
+    """Descriptions of errors end other sentences, so they have no full stop."""
+    for path in files(root, ("include", "src", "zeb", "tools"), (".h", ".cpp")):
+        text = "\n".join(line for _, line in lines(root, path))
+        for offset, arguments in errors_in(text):
+            if any(argument.endswith('."') for argument in arguments):
+                yield f"{path}:{text.count(chr(10), 0, offset) + 1}: the description of an error has no full stop"
+
+
 CHECKS = {"includes": check_includes, "headers": check_headers, "platforms": check_platforms, "sizes": check_sizes,
           "catalogue": check_catalogue, "messages": check_messages, "links": check_links, "names": check_names,
-          "version": check_version}
+          "version": check_version, "errors": check_errors}
 
 
 def main(arguments):

@@ -163,6 +163,18 @@ class House(unittest.TestCase):
         self.assertEqual(["CHANGELOG.md:3: the newest version is 1.1.0, CMakeLists.txt builds 1.2.0"],
                          self.breaches("version"))
 
+    def test_a_full_stop_at_the_end_of_an_errors_description_is_found(self):
+        self.file("src/base/A.cpp", 'Raise(Kind::A, "It (a) is \\"b\\".");\n'
+                                    'throw Error(1, "lib",\n      "No " + Name(x) + " here.", Cause::B);\n')
+        self.file("zeb/A.cpp", 'Refuse("There is no database.");\n')
+        self.assertEqual([f"{place}: the description of an error has no full stop"
+                          for place in ("src/base/A.cpp:1", "src/base/A.cpp:2", "zeb/A.cpp:1")],
+                         self.breaches("errors"))
+
+    def test_descriptions_without_a_full_stop_and_other_sentences_pass(self):
+        self.file("src/base/A.cpp", 'Raise(Kind::A, "It ends. Or not", F(".", b));\nlog.warn("Ignored.");\n')
+        self.assertEqual([], self.breaches("errors"))
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -346,7 +346,7 @@ TEST_F(LoopWithSockets, RefusesToWatchWhatIsNoSocket) {
 TEST_F(LoopWithSockets, RefusesASecondWatchOfASocketUntilTheFirstIsRemoved) {
     const auto first = WatchReading([&] { Note("first"); });
     EXPECT_EQ(DescriptionOfInvalidCall([&] { WatchReading([&] { Note("second"); }); }),
-              "The socket is watched already; change that watch instead");
+              "The socket is already watched; change that watch instead");
     loop_->Unwatch(first);
     WatchReading([&] { Note(TakeOne()); });
     Send("a");

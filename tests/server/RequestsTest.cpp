@@ -196,7 +196,7 @@ TEST_F(ClientRequest, ThatIsNoMessageIsRefusedAtOnce) {
         client.SendsText(text, "7");
         EXPECT_THAT(client.AnswerTypes(), ElementsAre("ASUnknownResponse")) << text;
         EXPECT_EQ(client.Answer().Field("ErrorNum"), "-2147218687");
-        EXPECT_THAT(client.Answer().Field("ErrorDesc"), testing::StartsWith("The text is no message"));
+        EXPECT_THAT(client.Answer().Field("ErrorDesc"), testing::StartsWith("The text is not a message"));
         EXPECT_EQ(client.AnswerTag(), "7");
         EXPECT_FALSE(client.Connected());
     }

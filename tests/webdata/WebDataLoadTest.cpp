@@ -73,7 +73,7 @@ void RefusedTranslations(std::string_view inner, std::string_view reason) {
 }
 
 TEST(Loading, OfATranslationTableRefusesWhatItDoesNotKnow) {
-    RefusedTranslations("<Text key='a'/><Text key='a'/>", "key stands twice");
+    RefusedTranslations("<Text key='a'/><Text key='a'/>", "duplicate key");
     RefusedTranslations("<Text>b</Text>", "no attribute key");
     RefusedTranslations("<Text key='a'><b/></Text>", "<Text> holds an element");
     RefusedTranslations("<Word key='a'/>", "<Word> is unknown");
@@ -101,7 +101,7 @@ TEST(Loading, OfADataTableRefusesBadRows) {
     RefusedTable(head, "<Value column='a'/>", "<Value> is unknown");
     RefusedTable(head, "<Row>x</Row>", "<Row> holds a text");
     RefusedTable(head, "<Row><Value>1</Value></Row>", "no attribute column");
-    RefusedTable(head, "<Row><Value column='c'>1</Value></Row>", "its table has not");
+    RefusedTable(head, "<Row><Value column='c'>1</Value></Row>", "its table does not have");
     RefusedTable(head, "<Row><Value column='a'/><Value column='a'/></Row>", "column twice");
     RefusedTable(head, "<Row><Value column='a'><b/></Value></Row>", "<Value> holds an element");
 }
@@ -111,14 +111,13 @@ void RefusedProfiles(std::string_view inner, std::string_view reason) {
 }
 
 TEST(Loading, OfProfilesRefusesWhatItDoesNotKnow) {
-    RefusedProfiles("<Profile name='a'/><Profile name='b'/><Profile name='a'/>",
-                    "profile's name stands twice");
+    RefusedProfiles("<Profile name='a'/><Profile name='b'/><Profile name='a'/>", "duplicate profile name");
     RefusedProfiles("<Profile/>", "no attribute name");
     RefusedProfiles("<DataTable name='t' columns=''/>", "<DataTable> is unknown");
     RefusedProfiles("text", "holds a text");
     RefusedProfiles("<Profile name='a'><Row/></Profile>", "<Row> is unknown");
     const std::string table = "<DataTable name='t' columns=''/>";
-    RefusedProfiles("<Profile name='a'>" + table + table + "</Profile>", "table's name stands twice");
+    RefusedProfiles("<Profile name='a'>" + table + table + "</Profile>", "duplicate table name");
 }
 
 TEST(Loading, IgnoresAttributesAndBlanksAndComments) {

@@ -101,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Attributes, TextThatIsNoMessage,
-    ::testing::Values(Refused{"Doubled", "<ASMessage type='A' type='B'/>", "twice", 20},
+    ::testing::Values(Refused{"Doubled", "<ASMessage type='A' type='B'/>", "duplicate attribute", 20},
                       Refused{"Unquoted", "<ASMessage type=A/>", "quoted", 16},
                       Refused{"WithoutValue", "<ASMessage type/>", "no value", 15},
                       Refused{"Unclosed", "<ASMessage type='A/>", "not closed", 17},

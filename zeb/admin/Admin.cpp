@@ -54,7 +54,7 @@ void InitData(const std::string& data_folder) {
     MakePrivateFolder(data_folder);
     const auto path = DatabasePath(data_folder);
     if (PrivateFileExists(path))
-        Refuse("There is a database in " + data_folder + " already; nothing was changed");
+        Refuse("There is already a database in " + data_folder + "; nothing was changed");
     Store::Create(path);
 }
 
@@ -70,7 +70,7 @@ std::int32_t AddUser(Store& store, const PasswordHasher& hasher, Account account
     Accounts accounts(store);
     // Said before the password is looked at, which takes a moment.
     if (const auto why = Accounts::WhyNoLogin(account.login); !why.empty()) Refuse(why);
-    if (accounts.Find(account.login)) Refuse("There is a user \"" + account.login + "\" already");
+    if (accounts.Find(account.login)) Refuse("There is already a user \"" + account.login + "\"");
     const auto refusal = CheckNewPassword(password, account.login);
     if (refusal == Refusal::PasswordLength)
         Refuse("The password must have " + std::to_string(kMinPassword) + " to " +

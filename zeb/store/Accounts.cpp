@@ -50,9 +50,10 @@ std::string Accounts::WhyNoLogin(std::string_view login) {
     const auto characters = CountCharacters(login);
     if (!characters) return "A login id must be UTF-8 text";
     if (*characters == 0) return "A login id cannot be empty";
-    if (*characters > kMaxLogin) return "A login id has at most " + std::to_string(kMaxLogin) + " characters";
-    if (HasControlCharacter(login)) return "A login id cannot hold control characters";
-    if (Trim(login).size() != login.size()) return "A login id cannot begin or end with a blank";
+    if (*characters > kMaxLogin)
+        return "A login id may have at most " + std::to_string(kMaxLogin) + " characters";
+    if (HasControlCharacter(login)) return "A login id cannot contain control characters";
+    if (Trim(login).size() != login.size()) return "A login id cannot begin or end with a space";
     return {};
 }
 
@@ -72,7 +73,7 @@ std::int32_t Accounts::Add(const Account& account) {
     if (const auto why = WhyNoLogin(account.login); !why.empty()) Refuse(why);
     CheckTexts(account);
     Store::Transaction transaction(store_);
-    if (Find(account.login)) Refuse("There is a user \"" + account.login + "\" already");
+    if (Find(account.login)) Refuse("There is already a user \"" + account.login + "\"");
     store_.Use(kInsert)
         .Bind(1, account.login)
         .Bind(2, account.password_hash)

@@ -59,7 +59,7 @@ Refusal CheckNewPassword(const Secret& password, std::string_view login, const S
 
 Argon2Hasher::Argon2Hasher(const Cost& cost) : cost_(cost) {
     if (sodium_init() < 0)
-        throw Error(NumberOf(RuntimeError::InvalidProcedureCall), "zebd", "libsodium does not start.");
+        throw Error(NumberOf(RuntimeError::InvalidProcedureCall), "zebd", "libsodium does not start");
 }
 
 std::string Argon2Hasher::Hash(const Secret& password) const {
@@ -67,7 +67,7 @@ std::string Argon2Hasher::Hash(const Secret& password) const {
     const auto& text = password.Reveal();
     if (crypto_pwhash_str(hash.data(), text.data(), text.size(), cost_.passes, cost_.memory) != 0)
         throw Error(NumberOf(RuntimeError::InvalidProcedureCall), "zebd",
-                    "There is not enough memory for a password's hash.");
+                    "There is not enough memory for a password's hash");
     return hash.data();
 }
 

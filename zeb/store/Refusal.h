@@ -12,25 +12,25 @@
 
 namespace kq::zeb {
 
-#define KQ_ZEB_REFUSALS(X)                                                                        \
-    X(SamePassword, 7719, "ZEBError-130", "New Password must be Different from Old Password")     \
-    X(MalformedPassword, 7720, "ZEBError-131", "Malformed Password")                              \
-    X(UnknownUser, 7721, "ZEBError-132", "Unknown User/Password")                                 \
-    X(MustChangePassword, 7722, "", "The password must be changed before logging in.")            \
-    X(TooManySessions, 7790, "", "The user has reached the number of sessions that are allowed.") \
-    X(PasswordLength, 7890, "ZEBError-301", "Invalid Length for Password")                        \
-    X(PasswordCharacter, 7891, "ZEBError-302", "Illegal Character in Password")                   \
-    X(PasswordIsLogin, 7894, "ZEBError-305", "Password Must Differ from Login ID")                \
-    X(Disabled, 7601, "", "The account is disabled.")                                             \
-    X(TooManyAttempts, 7602, "", "Too many failed attempts. Please try again later.")             \
-    X(Busy, 7603, "", "The login server is busy. Please try again.")                              \
-    X(NoServer, 7604, "", "No application server is available for this application.")             \
-    X(NoSession, 7605, "", "The session is unknown or has expired. Please log in again.")         \
-    X(BadProfiles, 7606, "", "The profiles could not be read.")                                   \
-    X(NoClientPackage, 7607, "", "No client is available for download.")                          \
-    X(UnknownMessage, 7608, "", "The login server does not know this message.")                   \
-    X(Failed, 7609, "", "The login server could not answer this request.")                        \
-    X(ProfilesTooLarge, 7610, "", "The user's profiles are too large.")                           \
+#define KQ_ZEB_REFUSALS(X)                                                                    \
+    X(SamePassword, 7719, "ZEBError-130", "New Password must be Different from Old Password") \
+    X(MalformedPassword, 7720, "ZEBError-131", "Malformed Password")                          \
+    X(UnknownUser, 7721, "ZEBError-132", "Unknown User/Password")                             \
+    X(MustChangePassword, 7722, "", "The password must be changed before logging in.")        \
+    X(TooManySessions, 7790, "", "The user has reached the maximum number of sessions.")      \
+    X(PasswordLength, 7890, "ZEBError-301", "Invalid Length for Password")                    \
+    X(PasswordCharacter, 7891, "ZEBError-302", "Illegal Character in Password")               \
+    X(PasswordIsLogin, 7894, "ZEBError-305", "Password Must Differ from Login ID")            \
+    X(Disabled, 7601, "", "The account is disabled.")                                         \
+    X(TooManyAttempts, 7602, "", "Too many failed attempts. Please try again later.")         \
+    X(Busy, 7603, "", "The login server is busy. Please try again.")                          \
+    X(NoServer, 7604, "", "No application server is available for this application.")         \
+    X(NoSession, 7605, "", "The session is unknown or has expired. Please log in again.")     \
+    X(BadProfiles, 7606, "", "The profiles could not be read.")                               \
+    X(NoClientPackage, 7607, "", "No client is available for download.")                      \
+    X(UnknownMessage, 7608, "", "The login server does not know this message.")               \
+    X(Failed, 7609, "", "The login server could not answer this request.")                    \
+    X(ProfilesTooLarge, 7610, "", "The user's profiles are too large.")                       \
     X(FieldTooLong, 7611, "", "A field of the request is too long.")
 
 enum class Refusal : std::int32_t {

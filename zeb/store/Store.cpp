@@ -43,7 +43,7 @@ Query::~Query() {
 
 Query& Query::Bind(int parameter, std::string_view text) {
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
-        Fail(SQLITE_TOOBIG, "A text is too long for the database.");
+        Fail(SQLITE_TOOBIG, "A text is too long for the database");
     Check(db_,
           sqlite3_bind_text(statement_, parameter, text.data() ? text.data() : "",
                             static_cast<int>(text.size()), SQLITE_TRANSIENT),
@@ -159,7 +159,7 @@ Query Store::Use(std::string_view sql) {
                                  SQLITE_PREPARE_PERSISTENT, &statement, nullptr),
               "prepare a statement");
     }
-    if (sqlite3_stmt_busy(statement)) Fail(SQLITE_MISUSE, "A statement of the database is in use already.");
+    if (sqlite3_stmt_busy(statement)) Fail(SQLITE_MISUSE, "A statement of the database is already in use");
     return Query(db_.get(), statement);
 }
 

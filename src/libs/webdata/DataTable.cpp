@@ -22,19 +22,19 @@ std::vector<std::string> ColumnsOf(std::string_view list) {
     std::set<std::string> known;
     for (const auto& piece : Split(list, ',')) {
         std::string column(Trim(piece));
-        if (column.empty()) Raise(RuntimeError::InvalidProcedureCall, "A column has no name.");
+        if (column.empty()) Raise(RuntimeError::InvalidProcedureCall, "A column has no name");
         if (!known.insert(column).second) Raise(RuntimeError::DuplicateKey);
         columns.push_back(std::move(column));
     }
     if (columns.size() > kMostColumns) {
-        Raise(RuntimeError::InvalidProcedureCall, "A table has more than 1024 columns.");
+        Raise(RuntimeError::InvalidProcedureCall, "A table may have at most 1024 columns");
     }
     return columns;
 }
 
 void CheckColumn(const std::vector<std::string>& columns, std::string_view column) {
     if (std::ranges::find(columns, column) != columns.end()) return;
-    Raise(RuntimeError::InvalidProcedureCall, "The table has no column of that name.");
+    Raise(RuntimeError::InvalidProcedureCall, "The table has no column of that name");
 }
 
 }  // namespace
@@ -98,7 +98,8 @@ std::shared_ptr<DataRow> DataTable::AddRow() {
 
 void DataTable::RemoveRow(const std::shared_ptr<DataRow>& row) {
     const auto found = std::ranges::find(rows_, row);
-    if (found == rows_.end()) Raise(RuntimeError::InvalidProcedureCall, "The row is no row of this table.");
+    if (found == rows_.end())
+        Raise(RuntimeError::InvalidProcedureCall, "The row does not belong to this table");
     rows_.erase(found);
 }
 

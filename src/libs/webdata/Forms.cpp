@@ -11,11 +11,11 @@
 namespace kq {
 
 WebDataReader::WebDataReader(std::string_view xml, std::string_view root)
-    : subject_("The text is no <" + std::string(root) + ">"),
+    : subject_("The text is not a <" + std::string(root) + "> element"),
       refusal_{kNotWebData, "KQWebDataLib", subject_},
       document_(xml, xmltext::Limits(), refusal_) {
     const auto node = document_.Root();
-    if (node.Name() != root) refusal_.Raise("its root element is another", node.Offset());
+    if (node.Name() != root) refusal_.Raise("its root element is a different one", node.Offset());
 }
 
 std::string WebDataReader::Required(const Node& node, std::string_view attribute) const {
@@ -55,7 +55,7 @@ TranslationTable WebDataReader::ReadTranslationTable() const {
     table.SetLanguage(root.Attribute("language").value_or(""));
     for (const auto& text : ChildrenNamed("Text", root)) {
         const auto key = Required(text, "key");
-        if (table.Exists(key)) refusal_.Raise("a key stands twice", text.Offset());
+        if (table.Exists(key)) refusal_.Raise("duplicate key", text.Offset());
         table.Set(key, TextOf(text));
     }
     return table;
@@ -68,7 +68,7 @@ DataTable WebDataReader::ReadDataTable(const Node& node) const {
         try {
             return DataTable(name, columns);
         } catch (const Error&) {
-            refusal_.Raise("its columns are empty, doubled or too many", node.Offset());
+            refusal_.Raise("its columns are empty, repeated or too many", node.Offset());
         }
     };
     DataTable table = empty();
@@ -81,12 +81,12 @@ void WebDataReader::ReadRow(const Node& node, DataRow& row) const {
     std::set<std::string> columns;
     for (const auto& value : ChildrenNamed("Value", node)) {
         const auto column = Required(value, "column");
-        if (!columns.insert(column).second) refusal_.Raise("a row has a column twice", value.Offset());
+        if (!columns.insert(column).second) refusal_.Raise("a row uses a column twice", value.Offset());
         const auto text = TextOf(value);
         try {
             row.SetValue(column, text);
         } catch (const Error&) {
-            refusal_.Raise("a row has a column that its table has not", value.Offset());
+            refusal_.Raise("a row uses a column that its table does not have", value.Offset());
         }
     }
 }
@@ -96,8 +96,7 @@ Profile WebDataReader::ReadProfile(const Node& node) const {
     std::set<std::string> names;
     for (const auto& child : ChildrenNamed("DataTable", node)) {
         auto table = std::make_shared<DataTable>(ReadDataTable(child));
-        if (!names.insert(table->Name()).second)
-            refusal_.Raise("a table's name stands twice", child.Offset());
+        if (!names.insert(table->Name()).second) refusal_.Raise("duplicate table name", child.Offset());
         profile.Tables().tables_.push_back(std::move(table));
     }
     return profile;
@@ -111,7 +110,7 @@ WebDataReader::ProfilesContents WebDataReader::ReadProfiles() const {
     for (const auto& child : ChildrenNamed("Profile", root)) {
         auto profile = std::make_shared<Profile>(ReadProfile(child));
         if (!names.insert(profile->Name()).second) {
-            refusal_.Raise("a profile's name stands twice", child.Offset());
+            refusal_.Raise("duplicate profile name", child.Offset());
         }
         contents.profiles.push_back(std::move(profile));
     }

@@ -34,7 +34,7 @@ void XMLElement::SetAttribute(std::string_view name, std::string_view value) {
         return;
     }
     if (attributes_.size() >= xmltext::kMostAttributes) {
-        Raise(RuntimeError::InvalidProcedureCall, "The element " + name_ + " has too many attributes.");
+        Raise(RuntimeError::InvalidProcedureCall, "The element " + name_ + " has too many attributes");
     }
     attributes_.push_back({std::string(name), std::string(value)});
 }
@@ -44,7 +44,7 @@ XMLElement& XMLElement::Add(std::string_view name, std::string_view text) {
 }
 
 XMLElement& XMLElement::Add(XMLElement child) {
-    if (child.name_.empty()) Raise(RuntimeError::InvalidProcedureCall, "An element has no name.");
+    if (child.name_.empty()) Raise(RuntimeError::InvalidProcedureCall, "An element has no name");
     children_.push_back(std::move(child));
     text_.clear();
     return children_.back();

@@ -11,7 +11,8 @@ namespace {
 
 void CheckName(const xmltext::Node& node) {
     if (xmltext::IsName(node.Name())) return;
-    kNoMessage.Raise("<" + RepairUtf8(node.Name().substr(0, 80)) + "> is no name of a field", node.Offset());
+    kNoMessage.Raise("<" + RepairUtf8(node.Name().substr(0, 80)) + "> cannot be the name of a field",
+                     node.Offset());
 }
 
 }  // namespace
@@ -39,13 +40,13 @@ XMLElement ReadElement(const xmltext::Node& node) {
 }
 
 void WriteElement(xmltext::Writer& writer, const XMLElement& element) {
-    if (element.Name().empty()) Raise(RuntimeError::InvalidProcedureCall, "An element has no name.");
+    if (element.Name().empty()) Raise(RuntimeError::InvalidProcedureCall, "An element has no name");
     if (!element.Children().empty() && !element.Text().empty()) {
         Raise(RuntimeError::InvalidProcedureCall,
-              "The element " + element.Name() + " has a text and children.");
+              "The element " + element.Name() + " has both a text and children");
     }
     if (writer.Depth() >= xmltext::kDeepest) {
-        Raise(RuntimeError::InvalidProcedureCall, "The elements are nested too deep to be written.");
+        Raise(RuntimeError::InvalidProcedureCall, "The elements are nested too deeply to be written");
     }
     writer.Open(element.Name());
     for (const auto& [name, value] : element.Attributes())

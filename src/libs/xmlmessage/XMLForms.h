@@ -10,7 +10,7 @@
 namespace kq {
 
 inline constexpr xmltext::Refusal kNoMessage{XMLMessage::kNotAMessage, "KQXMLMessageLib",
-                                             "The text is no message"};
+                                             "The text is not a message"};
 
 // Appends the node's child elements to `element`. Refuses a text beside children, and names that an
 // XMLElement cannot have; attributes with such names are left out.

@@ -29,7 +29,7 @@ std::string AttributeOf(const xmltext::Node& node, std::string_view name) {
 // The root element of a message with the fields of `node`, named for its type.
 XMLElement ReadRoot(const xmltext::Node& node) {
     const auto type = AttributeOf(node, "type");
-    if (!xmltext::IsName(type)) kNoMessage.Raise("its type is missing or no name", node.Offset());
+    if (!xmltext::IsName(type)) kNoMessage.Raise("its type is missing or not a name", node.Offset());
     XMLElement root(type);
     ReadChildren(node, root);
     return root;
@@ -39,15 +39,16 @@ void CheckClientRoot(const xmltext::Node& node) {
     if (node.Name() == kClientRoot) return;
     const bool nested = node.Attribute("type").has_value() && node.Attribute("version").has_value();
     if (node.Name() == kBusRoot || !nested) {
-        kNoMessage.Raise("its root element is not <ASMessage> and no nested message", node.Offset());
+        kNoMessage.Raise("its root element is neither <ASMessage> nor that of a nested message",
+                         node.Offset());
     }
 }
 
 // Writes the root's tag, left open.
 void OpenRoot(xmltext::Writer& writer, std::string_view name, const XMLMessage& message) {
-    if (message.Type().empty()) Raise(RuntimeError::InvalidProcedureCall, "The message has no type.");
+    if (message.Type().empty()) Raise(RuntimeError::InvalidProcedureCall, "The message has no type");
     if (!message.Root().Text().empty()) {
-        Raise(RuntimeError::InvalidProcedureCall, "The message has a text beside its fields.");
+        Raise(RuntimeError::InvalidProcedureCall, "The message has a text beside its fields");
     }
     writer.Open(name).Attribute("type", message.Type()).Attribute("version", message.Version());
 }
@@ -124,7 +125,7 @@ void XMLMessage::SetField(XMLElement element) {
 }
 
 void XMLMessage::SetMessageField(std::string_view name, const XMLMessage& message) {
-    if (message.Type().empty()) Raise(RuntimeError::InvalidProcedureCall, "The message has no type.");
+    if (message.Type().empty()) Raise(RuntimeError::InvalidProcedureCall, "The message has no type");
     XMLElement field(name, message.root_.Text());
     field.SetAttribute("type", message.Type());
     field.SetAttribute("version", message.Version());

@@ -93,20 +93,20 @@ void CheckName(std::string_view name) {
     auto shown = RepairUtf8(name.substr(0, longest_shown));
     std::ranges::replace_if(
         shown, [](char c) { return Byte(c) < 0x20; }, '?');
-    Raise(RuntimeError::InvalidProcedureCall, '"' + shown + "\" cannot name an element or attribute.");
+    Raise(RuntimeError::InvalidProcedureCall, '"' + shown + "\" cannot name an element or attribute");
 }
 
 void CheckText(std::string_view text, std::string_view what) {
     if (const auto bad = FindBadCharacter(text)) {
         Raise(RuntimeError::InvalidProcedureCall, std::string(what) + " holds " + bad->name +
                                                       ", which XML cannot carry (byte " +
-                                                      std::to_string(bad->offset) + ").");
+                                                      std::to_string(bad->offset) + ")");
     }
 }
 
 void Refusal::Raise(std::string_view reason, std::size_t offset) const {
     std::string description(subject);
-    description.append(": ").append(reason).append(" (byte ").append(std::to_string(offset)).append(").");
+    description.append(": ").append(reason).append(" (byte ").append(std::to_string(offset)).append(")");
     throw Error(number, std::string(source), std::move(description));
 }
 

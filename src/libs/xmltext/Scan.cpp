@@ -232,7 +232,7 @@ void Scanner::Attributes() {
         const auto start = at_;
         const auto name = Name();
         if (std::ranges::find(attributes_, name, &NameAndValue::name) != attributes_.end()) {
-            refusal_.Raise("an attribute stands twice", start);
+            refusal_.Raise("duplicate attribute", start);
         }
         SkipBlanks();
         if (!Take("=")) Refuse("an attribute has no value");

@@ -29,11 +29,11 @@ inline constexpr std::size_t kDeepest = 256;
 // Attributes of one element.
 inline constexpr std::size_t kMostAttributes = 64;
 
-// How a library refuses a text: Error{number, source, "<subject>: <reason> (byte <offset>)."}.
+// How a library refuses a text: Error{number, source, "<subject>: <reason> (byte <offset>)"}.
 struct Refusal {
     std::int32_t number;
     std::string_view source;
-    std::string_view subject;  // "The text is no message"
+    std::string_view subject;  // "The text is not a message"
 
     [[noreturn]] void Raise(std::string_view reason, std::size_t offset) const;
 };

@@ -13,7 +13,7 @@
 namespace kq {
 
 inline constexpr std::string_view kWatchedAlready =
-    "The socket is watched already; change that watch instead";
+    "The socket is already watched; change that watch instead";
 
 // State: the members of EventLoop without Now and Run, and Close. After Close nothing is called any more, and
 // all functions of the callers are released.

@@ -76,7 +76,7 @@ Sub KeepsTablesInProfiles
     Expect "removed", Table.Rows.Count, CLng(1)
     On Error Resume Next
     Table.Rows(1).Value("Nonsense") = "x"
-    ExpectError "an unknown column", 5, "KQAppSessionLib", "The table has no column of that name."
+    ExpectError "an unknown column", 5, "KQAppSessionLib", "The table has no column of that name"
 End Sub
 
 Class Handler
