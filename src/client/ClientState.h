@@ -117,6 +117,7 @@ class Procedure {
     void Note(std::int32_t error) { errors_.push_back(error); }
     // Those that were noted since the last call.
     std::vector<std::int32_t> TakeErrors() { return std::exchange(errors_, {}); }
+    const Texts& UserTexts() const { return state_.texts; }
     bool Ended() const { return Terminated() || state_.GivenUp() || state_.platform->Loop()->Quitting(); }
 
  private:

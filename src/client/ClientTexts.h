@@ -5,15 +5,15 @@
 #include <string>
 
 #include "messages/Texts.h"
-#include "platform/Locale.h"
 
 namespace kq {
 
 enum class ClientSentence {
     SettingsNotSaved,  // %0%: the settings file
     ClientNotStarted,  // %0%: the downloaded program, %1%: why not; ends without a full stop
+    EmptyReply,        // without a full stop
 };
 
-std::string ClientText(ClientSentence sentence, const Locale& locale, const Args& args);
+std::string ClientText(ClientSentence sentence, const Texts& texts, const Args& args = {});
 
 }  // namespace kq

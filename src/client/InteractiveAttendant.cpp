@@ -43,13 +43,16 @@ LoginStates InteractiveAttendant::Meet(LoginFailure failure, const Args& questio
 
 LoginStates InteractiveAttendant::MeetUnexpected(std::int32_t text, const Error& error) {
     if (!state_.platform->Interactive()) throw;
-    return boxes_.AskYesNo(text, {error.Description()}) ? lsGetLoginInfo : lsFailed;
+    return boxes_.AskYesNo(text, {state_.texts.ForUser(error)}) ? lsGetLoginInfo : lsFailed;
 }
 
 bool InteractiveAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments,
                                         bool use_profiles, LoginDetails& details) {
     if (!settings_) settings_.emplace(state_, config);
+    const auto terminations = state_.Terminations();
     if (!AskServerAddress(state_, *settings_, false)) return false;
+    // A warning that the settings cannot be saved may have been closed by the end of the client.
+    if (state_.Terminations() != terminations) return false;
     if (!AskLoginDetails(state_, *settings_, use_profiles, arguments.AppIcon, details)) return false;
     const ServerSettings server = settings_->Read(kUsualTimeOut);
     details.address = server.address;

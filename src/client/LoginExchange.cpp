@@ -5,6 +5,7 @@
 
 #include "base/Convert.h"
 #include "client/ClientState.h"
+#include "client/ClientTexts.h"
 #include "messages/ParseASData.h"
 #include "messages/TextIds.h"
 
@@ -16,7 +17,7 @@ namespace {
 Received NoReply(Procedure& procedure, const Error& error) {
     procedure.Note(error.Number());
     Received none;
-    none.failure = error.Description();
+    none.failure = procedure.UserTexts().ForUser(error);
     return none;
 }
 
@@ -32,7 +33,7 @@ Received TakeAny(Procedure& procedure, APClient& client, std::string_view awaite
         return NoReply(procedure, error);
     }
     if (block.data.empty()) {
-        reply.failure = "The reply was empty";
+        reply.failure = ClientText(ClientSentence::EmptyReply, procedure.UserTexts());
         return reply;
     }
     reply.received = true;

@@ -21,7 +21,7 @@ inline constexpr float kLoginPause = 0.25F;
 
 struct Received {
     bool received = false;
-    std::string failure;                  // not received: why, in a sentence
+    std::string failure;                  // not received: why, in the user's language
     std::shared_ptr<XMLMessage> message;  // null when the block was no message
     std::int32_t improper = 0;            // received, but not the awaited message: text 500 or 501 says so
 };

@@ -9,7 +9,6 @@
 #include "dialogs/frmLogin.h"
 #include "dialogs/frmServer.h"
 #include "messages/MessageBoxes.h"
-#include "platform/Machine.h"
 
 namespace kq {
 
@@ -23,8 +22,7 @@ void PromptedSettings::Write(const ServerSettings& settings) {
     unsaved_ = settings;
     if (std::exchange(warned_, true)) return;
     MessageBoxes(state_.platform, &state_.Terminated)
-        .ShowWarning(
-            ClientText(ClientSentence::SettingsNotSaved, *state_.platform->Parts().locale, {config_.Path()}));
+        .ShowWarning(ClientText(ClientSentence::SettingsNotSaved, state_.texts, {config_.Path()}));
 }
 
 bool ChangeConfiguration(ClientState& state, PromptedSettings& settings) {

@@ -19,7 +19,7 @@ namespace kq {
 // written, what the user has given. The state and the settings object outlive it.
 class PromptedSettings {
  public:
-    PromptedSettings(const ClientState& state, SessConfig& config) : state_(state), config_(config) {}
+    PromptedSettings(ClientState& state, SessConfig& config) : state_(state), config_(config) {}
 
     SessConfig& Config() const { return config_; }
     ServerSettings Read(const std::string& default_time_out) const;
@@ -27,7 +27,7 @@ class PromptedSettings {
     void Write(const ServerSettings& settings);
 
  private:
-    const ClientState& state_;
+    ClientState& state_;
     SessConfig& config_;
     std::optional<ServerSettings> unsaved_;
     bool warned_ = false;

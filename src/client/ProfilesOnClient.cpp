@@ -31,14 +31,14 @@ ASProfilesUpdate UploadRequest(const KQAppSessionInfo& session) {
     return request;
 }
 
-// Connects; the description of what went wrong, nothing when the connection stands.
+// Connects; what went wrong in the user's language, nothing when the connection is made.
 std::optional<std::string> TryConnect(Procedure& procedure, APClient& client, const UploadTarget& target) {
     try {
         client.Connect(target.address, target.port, "", target.time_out);
         return client.Connected() ? std::nullopt : std::optional<std::string>("");
     } catch (const Error& error) {
         procedure.Note(error.Number());
-        return error.Description();
+        return procedure.UserTexts().ForUser(error);
     }
 }
 

@@ -127,7 +127,7 @@ LoginStates SystemLogin::AttemptConnectZEB() {
         if (connection_->Connected()) return lsValidateClient;
     } catch (const Error& error) {
         procedure_->Note(error.Number());
-        failure = error.Description();
+        failure = state_.texts.ForUser(error);
     }
     return Meet(LoginFailure::NoConnect, {}, {failure});
 }
@@ -177,7 +177,7 @@ void SystemLogin::StartDownloadedClient(const std::string& path) {
     const Platform::Machine& machine = state_.platform->Parts();
     if (const std::string reason = machine.process->Start(path); !reason.empty()) {
         Raise(RuntimeError::InvalidProcedureCall,
-              ClientText(ClientSentence::ClientNotStarted, *machine.locale, {path, reason}));
+              ClientText(ClientSentence::ClientNotStarted, state_.texts, {path, reason}));
     }
 }
 

@@ -63,9 +63,10 @@ class DownloadWindow : public Window {
             Client_Progress(so_far, total);
         });
         client->Error.Connect(owner_, [this](std::int32_t number, const std::string& description) {
-            Fail(number, description);
+            Fail(number, texts_.ForUser(number, description));
         });
-        client->Disconnected.Connect(owner_, [this] { Fail(kReset, NetErrorText(kReset)); });
+        client->Disconnected.Connect(owner_,
+                                     [this] { Fail(kReset, texts_.ForUser(kReset, NetErrorText(kReset))); });
         Request(*client);
         if (outcome_ == Outcome::Waiting) {
             timer_.SetTimerEnabled(true);
@@ -85,7 +86,7 @@ class DownloadWindow : public Window {
         try {
             client.Send(ASDownloadClientRequest().Build());
         } catch (const Error& error) {
-            Fail(error.Number(), error.Description());
+            Fail(error.Number(), texts_.ForUser(error));
         }
     }
 

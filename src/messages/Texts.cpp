@@ -6,6 +6,7 @@
 #include <limits>
 #include <string_view>
 
+#include "messages/Sentences.h"
 #include "messages/TextIds.h"
 #include "platform/Machine.h"
 #include "platform/StringTable.h"
@@ -85,6 +86,14 @@ std::string Texts::GetASErrorText(std::int32_t code, const Args& args) const {
 
 void Texts::RaiseASError(std::int32_t code, const Args& args, ErrorCause cause) const {
     throw Error(code, std::string(kLibrarySource), GetASErrorText(code, args), cause);
+}
+
+Tongue Texts::Language() const {
+    return platform_->Parts().strings->Language();
+}
+
+std::string Texts::ForUser(std::int32_t number, const std::string& description) const {
+    return DescriptionIn(Language(), number, description);
 }
 
 std::string Texts::MapZEBError(const std::string& error_text) const {

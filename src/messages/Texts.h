@@ -13,6 +13,8 @@
 #include <kqappsession/KQAppSessErrorEnum.h>
 #include <kqappsession/Platform.h>
 
+#include "platform/Languages.h"
+
 namespace kq {
 
 // Arguments of a text: [0] for %0%, [1] for %1% and so on.
@@ -39,6 +41,13 @@ class Texts {
     std::string GetASErrorText(std::int32_t code, const Args& args = {}) const;
     [[noreturn]] void RaiseASError(std::int32_t code, const Args& args = {},
                                    ErrorCause cause = ErrorCause::Other) const;
+
+    // The language of the texts, without the country.
+    Tongue Language() const;
+    // The description of an error as a part of a text for the user: the sentences of connection and message
+    // errors in the user's language, everything else unchanged.
+    std::string ForUser(const Error& error) const { return ForUser(error.Number(), error.Description()); }
+    std::string ForUser(std::int32_t number, const std::string& description) const;
 
     // The text of one of the login server's password codes ("ZEBError-132"); anything else comes back
     // unchanged.

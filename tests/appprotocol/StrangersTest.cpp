@@ -24,7 +24,7 @@ TEST_F(StrangersTime, DoesNotEndWithABlock) {
     EXPECT_EQ(Heard(), "=a");
     Pass(1);
     EXPECT_EQ(Heard(), "client-error:10060 gone");
-    EXPECT_EQ(sentence_, "The other side has not proven itself in time");
+    EXPECT_EQ(sentence_, "The connection was not admitted in time");
     EXPECT_TRUE(caller->heard_end);
 }
 

@@ -109,12 +109,16 @@ TEST_F(InteractiveDownloadTest, ASecondDownloadRemovesTheFirst) {
 }
 
 TEST_F(InteractiveDownloadTest, SaysInTheUsersLanguageWhatCouldNotBeStarted) {
-    machine.locale->id = 1046;
-    TakesTheOffer();
+    UserReads(1046);
+    Offers();
+    LogsIn();
+    IsAsked("Uma nova versão do cliente está disponível.  Deseja atualizar?", BoxButton::Yes);
+    Downloads();
     machine.process->start_failure = "x";
     IsAsked(
-        "An error occurred while logging in:  Não foi possível iniciar o novo cliente /tmp/HLX0001.exe: x.  "
-        "Would you like to try again?",
+        "Ocorreu um erro ao fazer login:  Não foi possível iniciar o novo cliente /tmp/HLX0001.exe: x.  "
+        "Deseja "
+        "tentar novamente?",
         BoxButton::No);
     ExpectEnded();
 }

@@ -58,7 +58,7 @@ class InteractiveFixture : public LoginFixture {
         std::vector<std::string> asked;
         for (const auto& box : user.Boxes()) {
             asked.push_back(box.text);
-            EXPECT_EQ(box.caption, "Login Procedure");
+            EXPECT_EQ(box.caption, Texts(platform).LoadText(400));
         }
         EXPECT_EQ(asked, questions_);
     }

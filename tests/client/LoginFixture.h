@@ -27,7 +27,7 @@ using testing::IsEmpty;
 class LoginFixture : public testing::Test {
  protected:
     explicit LoginFixture(FakePlatform::Face face = FakePlatform::Face::None)
-        : machine(face), platform(WithEnglishTexts()), client(std::make_unique<KQAppSessClient>(platform)) {
+        : machine(face), platform(WithTexts()), client(std::make_unique<KQAppSessClient>(platform)) {
         login.AppID = "Demo";
         login.InterfaceVersion = "1.0";
         login.ClientVersion = "5.2.3";
@@ -36,6 +36,13 @@ class LoginFixture : public testing::Test {
         login.Address = FakeZeb::kAddress;
         login.Port = FakeZeb::kPort;
         login.TimeOut = 10'000;
+    }
+
+    // The user's language; the client is a new one. English otherwise.
+    void UserReads(std::int32_t locale) {
+        machine.locale->id = locale;
+        platform = WithTexts();
+        client = std::make_unique<KQAppSessClient>(platform);
     }
 
     bool SystemLogin() { return client->SystemLogin(false, login); }
@@ -97,7 +104,7 @@ class LoginFixture : public testing::Test {
     std::unique_ptr<KQAppSessClient> client;
 
  private:
-    PlatformPtr WithEnglishTexts() {
+    PlatformPtr WithTexts() {
         Platform::Machine parts = machine.platform->Parts();
         parts.strings = MakePosixStringTable(*machine.locale);
         return MakeBundle(parts);

@@ -91,8 +91,16 @@ TEST_F(UnwritableSettingsTest, DoNotWarnAUserWhoOnlyLogsIn) {
     ExpectQuestions();
 }
 
+TEST_F(UnwritableSettingsTest, AreNotWarnedOfAnyLongerWhenTheClientIsTerminated) {
+    NothingIsStored();
+    GivesTheServer();
+    user.Answer(BoxButton::OK, [this] { client->TerminateClient(); });
+    EXPECT_EQ(ErrorOf([this] { Login(); }).Number(), static_cast<std::int32_t>(NetError::Interrupted));
+    EXPECT_EQ(user.Withdrawn(), 1U);
+}
+
 TEST_F(UnwritableSettingsTest, AreWarnedOfInTheUsersLanguage) {
-    machine.locale->id = 11'274;
+    UserReads(11'274);
     NothingIsStored();
     GivesTheServer();
     IsAsked(

@@ -28,6 +28,7 @@ class FileStrings final : public StringTable {
         }
         EXPECT_FALSE(texts_.empty()) << path;
     }
+    Tongue Language() const override { return Tongue::English; }
     std::optional<std::string> Load(std::int32_t id) const override {
         const auto found = texts_.find(id);
         return found == texts_.end() ? std::nullopt : std::optional(found->second);

@@ -23,6 +23,7 @@ TEST(Strings, AreServedInTheUsersLanguage) {
         FakeLocale user;
         user.id = table.language;
         const auto strings = MakePosixStringTable(user);
+        EXPECT_EQ(strings->Language(), TextLanguageFor(table.language).tongue);
         for (const auto& entry : table.entries)
             EXPECT_EQ(strings->Load(entry.id), entry.text);
     }

@@ -92,6 +92,7 @@ class FakeStrings final : public StringTable {
  public:
     std::map<std::int32_t, std::string> texts;
 
+    Tongue Language() const override { return Tongue::English; }
     std::optional<std::string> Load(std::int32_t text_id) const override;
 };
 

@@ -59,7 +59,7 @@ XMLMessage APClient::Request(const XMLMessage& message, std::string_view tag, st
     const Block reply = tag.empty() ? impl_->TakeBlock(time_out) : impl_->TakeAnswer(tag, time_out);
     if (reply.data_type != DataType::XML) {
         throw kq::Error(XMLMessage::kNotAMessage, std::string(kAppProtocolSource),
-                        "The reply is no message but a block of bytes");
+                        "The reply is not a message but a block of bytes");
     }
     XMLMessage answer;
     answer.LoadXML(reply.data);

@@ -7,6 +7,7 @@
 
 #include <kqappsession/Error.h>
 
+#include "base/ErrorSentences.h"
 #include "base/Utf.h"
 
 namespace kq {
@@ -88,8 +89,7 @@ void APClient::Impl::Disconnect() {
     DropBlocks();
     if (Connected()) {
         connection_->Leave();
-        NoteEnd({static_cast<std::int32_t>(NetError::ConnectionAborted),
-                 "The connection was ended by this side", false},
+        NoteEnd({NumberOf(ErrorSentence::EndedByThisSide), TextOf(ErrorSentence::EndedByThisSide), false},
                 true);
     }
     connection_.reset();
@@ -100,14 +100,10 @@ void APClient::Impl::Disconnect() {
 void APClient::Impl::Send(DataType type, std::string_view data, std::string_view tag) {
     if (!Connected()) kq::Raise(NetError::NotConnected, kAppProtocolSource);
     if (tag.size() > kMaxTagSize) {
-        kq::Raise(NetError::MessageTooLong, kAppProtocolSource,
-                  "A tag may have at most " + std::to_string(kMaxTagSize) + " bytes");
+        kq::Raise(ErrorSentence::TagTooLong, kAppProtocolSource, {std::to_string(kMaxTagSize)});
     }
-    if (!IsValidUtf8(tag))
-        kq::Raise(NetError::InvalidArgument, kAppProtocolSource, "A tag must be UTF-8 text");
-    if (data.size() > kMaxSentData) {
-        kq::Raise(NetError::MessageTooLong, kAppProtocolSource, "A block may have at most 2 GiB");
-    }
+    if (!IsValidUtf8(tag)) kq::Raise(ErrorSentence::TagNotText, kAppProtocolSource);
+    if (data.size() > kMaxSentData) kq::Raise(ErrorSentence::BlockTooLong, kAppProtocolSource);
     // A stranger may be sent one large answer, but not one more while much of the last one waits.
     const bool deaf_stranger = place_ && connection_->Unsent() > limits_.stranger_unsent;
     const std::size_t most = deaf_stranger ? limits_.stranger_unsent : limits_.unsent;
@@ -116,10 +112,8 @@ void APClient::Impl::Send(DataType type, std::string_view data, std::string_view
         UpdateHeld();
         return;
     }
-    const Ending ending{
-        static_cast<std::int32_t>(NetError::NoBufferSpace),
-        "The other side does not read: more than " + std::to_string(most) + " bytes would wait to be written",
-        true};
+    const Ending ending{NumberOf(ErrorSentence::PeerDoesNotRead),
+                        TextOf(ErrorSentence::PeerDoesNotRead, {std::to_string(most)}), true};
     connection_.reset();
     NoteEnd(ending, true);
     PostDeliver();

@@ -5,6 +5,7 @@
 
 #include <kqappsession/Error.h>
 
+#include "base/ErrorSentences.h"
 #include "libs/appprotocol/APClientImpl.h"
 #include "platform/Machine.h"
 #include "platform/Resolver.h"
@@ -46,8 +47,7 @@ void APClient::Impl::Connect(const std::string& address, std::int32_t port, cons
         loop_.RunUntil([&] { return serial_ != mine || !attempt_; }, attempt_->deadline);
     }
     if (serial_ != mine) {
-        kq::Raise(NetError::ConnectionAborted, kAppProtocolSource,
-                  "The connection was given up while it was being made");
+        kq::Raise(ErrorSentence::GivenUp, kAppProtocolSource);
     }
     if (attempt_) {
         EndAttempt(static_cast<std::int32_t>(loop_.Quitting() ? NetError::Interrupted : NetError::TimedOut));
@@ -62,13 +62,12 @@ void APClient::Impl::Connect(const std::string& address, std::int32_t port, cons
 
 void APClient::Impl::BeginConnect(const std::string& address, std::int32_t port,
                                   const std::string& local_address, std::int32_t time_out) {
-    if (attempt_) kq::Raise(RuntimeError::InvalidProcedureCall, "The connection is being made already");
+    if (attempt_)
+        kq::Raise(RuntimeError::InvalidProcedureCall, "A connection attempt is already in progress");
     if (port < 1 || port > kLastPort) {
-        kq::Raise(NetError::InvalidArgument, kAppProtocolSource,
-                  "The port " + std::to_string(port) + " is outside 1 to 65535");
+        kq::Raise(ErrorSentence::PortOutOfRange, kAppProtocolSource, {std::to_string(port)});
     }
-    if (address.empty())
-        kq::Raise(NetError::HostNotFound, kAppProtocolSource, "No address was given to connect to");
+    if (address.empty()) kq::Raise(ErrorSentence::NoAddress, kAppProtocolSource);
 
     Disconnect();
     ++serial_;

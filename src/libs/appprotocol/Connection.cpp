@@ -4,6 +4,7 @@
 
 #include <kqappsession/Error.h>
 
+#include "base/ErrorSentences.h"
 #include "libs/appprotocol/Linger.h"
 #include "libs/appprotocol/ReadBuffer.h"
 
@@ -19,6 +20,10 @@ constexpr std::size_t kLarge = 32U << 10;
 
 Ending Failure(NetError number, std::string sentence) {
     return {static_cast<std::int32_t>(number), std::move(sentence), true};
+}
+
+Ending Failure(ErrorSentence sentence) {
+    return {NumberOf(sentence), TextOf(sentence), true};
 }
 
 Ending Failure(std::int32_t number) {
@@ -55,7 +60,7 @@ void Connection::SetDeadline(Milliseconds time) {
     if (time.count() <= 0) return;
     deadline_ = loop_.StartTimer(time, owner_.Bind([this] {
         deadline_ = 0;
-        sink_.OnOver(Failure(NetError::TimedOut, "The other side has not proven itself in time"));
+        sink_.OnOver(Failure(NetError::TimedOut, "The connection was not admitted in time"));
     }));
 }
 
@@ -132,15 +137,15 @@ void Connection::TakeBlocks(std::string_view bytes) {
         }
         sink_.OnBlock(std::move(*block));
     }
-    if (const auto& failure = reader_.Failure()) ending_ = Failure(failure->number, failure->sentence);
+    if (const auto& failure = reader_.Failure()) ending_ = Ending{failure->number, failure->sentence, true};
 }
 
 void Connection::EndOfBytes() {
     peer_ended_ = true;
     if (reader_.InsideFrame()) {
-        ending_ = Failure(NetError::ConnectionReset, "The connection was closed in the middle of a block");
+        ending_ = Failure(ErrorSentence::EndedInsideBlock);
     } else {
-        ending_ = Failure(NetError::ConnectionReset, "The connection was closed by the other side");
+        ending_ = Failure(ErrorSentence::EndedByPeer);
         ending_->failure = false;
     }
 }

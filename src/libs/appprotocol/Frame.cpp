@@ -67,13 +67,12 @@ void FrameReader::JudgeHeaderByte(unsigned char byte) {
         case 1:
         case 2:
             if (byte != static_cast<unsigned char>(header_size_ == 1 ? 'K' : 'Q')) {
-                Fail(NetError::ConnectionAborted, "The other side does not speak the application protocol");
+                Fail(ErrorSentence::OtherProtocol);
             }
             break;
         case 3:
             if (byte != kVersion) {
-                Fail(NetError::ConnectionAborted, "The other side speaks version " + std::to_string(byte) +
-                                                      " of the application protocol, not version 1");
+                Fail(ErrorSentence::OtherVersion, {std::to_string(byte)});
             }
             break;
         case 4:
@@ -82,9 +81,7 @@ void FrameReader::JudgeHeaderByte(unsigned char byte) {
         case 6:
             tag_size_ = Number(header_, 4, 2);
             if (tag_size_ > kMaxTagSize) {
-                Fail(NetError::MessageTooLong, "A block with a tag of " + std::to_string(tag_size_) +
-                                                   " bytes arrived; at most " + std::to_string(kMaxTagSize) +
-                                                   " are allowed");
+                Fail(ErrorSentence::LongTagArrived, {std::to_string(tag_size_), std::to_string(kMaxTagSize)});
             }
             break;
         case kFrameHeaderSize:
@@ -99,9 +96,7 @@ void FrameReader::JudgeSizes() {
     data_size_ = Number(header_, 6, 4);
     const std::size_t limit = block_.data_type == DataType::XML ? limits_.xml : limits_.raw;
     if (data_size_ > limit) {
-        Fail(NetError::MessageTooLong, "A block of " + std::to_string(data_size_) +
-                                           " bytes arrived; at most " + std::to_string(limit) +
-                                           " are allowed");
+        Fail(ErrorSentence::LongBlockArrived, {std::to_string(data_size_), std::to_string(limit)});
     }
 }
 
@@ -109,7 +104,7 @@ bool FrameReader::TakeTag(std::string_view& bytes) {
     if (block_.tag.size() == tag_size_) return true;
     Append(block_.tag, bytes, tag_size_);
     if (block_.tag.size() < tag_size_) return false;
-    if (!IsValidUtf8(block_.tag)) Fail(NetError::ConnectionAborted, "A block with a malformed tag arrived");
+    if (!IsValidUtf8(block_.tag)) Fail(ErrorSentence::MalformedTagArrived);
     return !failure_;
 }
 
@@ -126,8 +121,8 @@ void FrameReader::TakeData(std::string_view& bytes) {
     Append(data, bytes, data_size_);
 }
 
-void FrameReader::Fail(NetError number, std::string sentence) {
-    failure_ = FrameError{number, std::move(sentence)};
+void FrameReader::Fail(ErrorSentence sentence, const std::vector<std::string>& args) {
+    failure_ = FrameError{NumberOf(sentence), TextOf(sentence, args)};
 }
 
 }  // namespace kq

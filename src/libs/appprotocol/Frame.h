@@ -13,9 +13,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <kqappsession/APClient.h>
-#include <kqappsession/Error.h>
+
+#include "base/ErrorSentences.h"
 
 namespace kq {
 
@@ -36,7 +38,7 @@ struct FrameLimits {
 };
 
 struct FrameError {
-    NetError number = NetError::ConnectionAborted;
+    std::int32_t number = 0;
     std::string sentence;
 };
 
@@ -67,7 +69,7 @@ class FrameReader {
     void JudgeSizes();
     bool TakeTag(std::string_view& bytes);
     void TakeData(std::string_view& bytes);
-    void Fail(NetError number, std::string sentence);
+    void Fail(ErrorSentence sentence, const std::vector<std::string>& args = {});
 
     FrameLimits limits_;
     FrameHeader header_{};

@@ -72,7 +72,7 @@ class Listener::Impl {
 };
 
 void Listener::Impl::Listen(std::int32_t port, const std::string& local_address) {
-    if (socket_) Raise(RuntimeError::InvalidProcedureCall, "The listener is listening already");
+    if (socket_) Raise(RuntimeError::InvalidProcedureCall, "The listener is already listening");
     if (port < 0 || port > kLastPort) {
         Raise(RuntimeError::InvalidProcedureCall,
               "The port " + std::to_string(port) + " is outside 0 to 65535");

@@ -83,7 +83,7 @@ bool Strangers::MakeRoom() {
         std::ranges::max_element(by_network_, {}, [](const auto& network) { return network.second.size(); });
     if (busiest == by_network_.end() || busiest->second.size() < kMany) return false;
     const Cut cut = busiest->second.front()->cut_;
-    cut(kTooManyConnections, "Others need the place of this connection, which is not admitted");
+    cut(kTooManyConnections, "The connection, which is not admitted, was closed to make room for others");
     return true;
 }
 

@@ -11,8 +11,10 @@ namespace {
 
 class PosixStringTable final : public StringTable {
  public:
-    explicit PosixStringTable(std::span<const StringEntry> entries) : entries_(entries) {}
+    PosixStringTable(std::span<const StringEntry> entries, Tongue tongue)
+        : entries_(entries), tongue_(tongue) {}
 
+    Tongue Language() const override { return tongue_; }
     std::optional<std::string> Load(std::int32_t id) const override {
         const auto found = std::ranges::lower_bound(entries_, id, {}, &StringEntry::id);
         if (found == entries_.end() || found->id != id) return std::nullopt;
@@ -21,6 +23,7 @@ class PosixStringTable final : public StringTable {
 
  private:
     std::span<const StringEntry> entries_;
+    Tongue tongue_;
 };
 
 std::span<const StringEntry> EntriesOf(std::int32_t language) {
@@ -32,7 +35,8 @@ std::span<const StringEntry> EntriesOf(std::int32_t language) {
 }  // namespace
 
 std::shared_ptr<StringTable> MakePosixStringTable(const Locale& locale) {
-    return std::make_shared<PosixStringTable>(EntriesOf(TextLanguageFor(locale.UserLocaleId()).locale));
+    const TextLanguage language = TextLanguageFor(locale.UserLocaleId());
+    return std::make_shared<PosixStringTable>(EntriesOf(language.locale), language.tongue);
 }
 
 }  // namespace kq

@@ -14,6 +14,8 @@ constexpr std::int32_t kLastId = 0xFFFF;
 
 class Win32StringTable final : public StringTable {
  public:
+    // By the rule of the resources, which have the texts of each language without a country too.
+    Tongue Language() const override { return TextLanguageFor(GetThreadUILanguage()).tongue; }
     std::optional<std::string> Load(std::int32_t id) const override {
         if (id < 0 || id > kLastId) return std::nullopt;
         // With a size of 0 the loader tells where the text lies in the resource; it has no terminator there.
@@ -30,8 +32,10 @@ class Win32StringTable final : public StringTable {
 // The strings of a language lie in blocks of sixteen, each string with its length before it.
 class ChosenStringTable final : public StringTable {
  public:
-    explicit ChosenStringTable(std::int32_t language) : language_(static_cast<WORD>(language)) {}
+    explicit ChosenStringTable(TextLanguage language)
+        : language_(static_cast<WORD>(language.locale)), tongue_(language.tongue) {}
 
+    Tongue Language() const override { return tongue_; }
     std::optional<std::string> Load(std::int32_t id) const override {
         if (id < 0 || id > kLastId) return std::nullopt;
         std::wstring_view rest = Block(id / kBlock + 1);
@@ -59,12 +63,13 @@ class ChosenStringTable final : public StringTable {
 
     HINSTANCE module_ = ThisModule();
     WORD language_;
+    Tongue tongue_;
 };
 
 }  // namespace
 
 std::shared_ptr<StringTable> MakeWin32StringTable(std::optional<std::int32_t> language) {
-    if (language) return std::make_shared<ChosenStringTable>(TextLanguageFor(*language).locale);
+    if (language) return std::make_shared<ChosenStringTable>(TextLanguageFor(*language));
     return std::make_shared<Win32StringTable>();
 }
 

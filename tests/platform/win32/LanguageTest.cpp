@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/Languages.h"
 #include "platform/Locale.h"
 #include "platform/Machine.h"
 #include "platform/StringTable.h"
@@ -49,6 +50,7 @@ TEST(UserLanguage, IsTheOneThatTheProgramWasStartedIn) {
 TEST(UserLanguage, ChoosesTheTexts) {
     ASSERT_TRUE(Started());
     const auto strings = MakeWin32StringTable();
+    EXPECT_EQ(strings->Language(), TextLanguageFor(Started()->texts).tongue);
     for (const auto& entry : TableOf(Started()->texts).entries)
         EXPECT_EQ(strings->Load(entry.id), entry.text);
 }
@@ -67,6 +69,7 @@ TEST(StringResources, AreServedInTheLanguageThatTheHostHasChosen) {
     for (const auto& table : LanguageTables()) {
         const auto platform = MakePlatform(nullptr, table.language);
         EXPECT_EQ(platform->Parts().locale->UserLocaleId(), table.language);
+        EXPECT_EQ(platform->Parts().strings->Language(), TextLanguageFor(table.language).tongue);
         for (const auto& entry : table.entries)
             EXPECT_EQ(platform->Parts().strings->Load(entry.id), entry.text) << table.language;
     }
