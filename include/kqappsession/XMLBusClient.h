@@ -36,17 +36,16 @@ enum class BusSubscription : std::int32_t {
     Shared = 1,    // one of the subscribers that share the address gets each message
 };
 
-// What a state outdates among the earlier states of its subject that are still queued.
+// Which queued states of the same subject a newer state replaces.
 enum class BusOutdates : std::int32_t {
-    Nothing = 0,  // it is queued behind them
-    Earlier = 1,  // all that a later state may outdate: they are dropped, and it goes to the end of the queue
-    Final = 2,    // nothing, and no later state outdates it or them: all of them are written
+    Nothing = 0,  // none; it is queued behind them
+    Earlier = 1,  // all behind the last queued Final one; it goes to the end of the queue
+    Final = 2,    // none, and later states replace neither it nor those in front of it
 };
 
-// What makes a message a state of something: a newer state may outdate it while it is queued.
+// Marks a message as a state. While it is queued, a newer state of the same subject may replace it.
 struct BusState {
-    // Whose state it is, any text. Only states of the same subject for the same destination outdate one
-    // another.
+    // Any text. Only states with the same subject and destination replace one another.
     std::string subject;
     BusOutdates outdates = BusOutdates::Nothing;
 };
@@ -54,7 +53,7 @@ struct BusState {
 struct BusStatistics {
     std::int64_t sent = 0;      // handed to Send
     std::int64_t written = 0;   // written to the bus
-    std::int64_t replaced = 0;  // states that a newer one outdated
+    std::int64_t replaced = 0;  // states that a newer one replaced
     std::int64_t expired = 0;   // dropped because they expired before they reached the bus
     std::int64_t received = 0;
     std::int64_t malformed = 0;  // arrived, but dropped because they are not messages
@@ -127,16 +126,16 @@ class KQ_EXPORT XMLBusClient : public std::enable_shared_from_this<XMLBusClient>
     void SetEnterpriseID(const std::string& id);
 
     // Queues a copy of the message for its destination. Raises RuntimeError::InvalidProcedureCall when not
-    // running, without a type or without a destination, NetError::MessageTooLong when it is over kMaxMessage
-    // or kMaxElements, and NetError::NoBufferSpace when the queue is full.
+    // running, without a type or without a valid destination, NetError::MessageTooLong when it is over
+    // kMaxMessage or kMaxElements, and NetError::NoBufferSpace when the queue is full.
     //
-    // `expiry`: milliseconds from now in which the message may be written to the bus; kNoExpiry: no limit.
-    // Afterwards it is dropped and counted in BusStatistics::expired, not delivered late. That also holds for
-    // a message that was written to a connection that broke before the bus confirmed it. A negative expiry
-    // raises RuntimeError::InvalidProcedureCall.
+    // `expiry`: milliseconds from now within which the message may be written to the bus; kNoExpiry: no
+    // limit. After that it is dropped and counted in BusStatistics::expired. That also holds for a message
+    // that was written to a connection that was lost before the bus confirmed it. A negative expiry raises
+    // RuntimeError::InvalidProcedureCall.
     void Send(const XMLMessage& message, Milliseconds expiry = kNoExpiry);
-    // The same for a state. It never expires: it is true until a newer one outdates it. Raises
-    // RuntimeError::InvalidProcedureCall also for a value that BusOutdates does not have.
+    // The same for a state, which never expires. Raises RuntimeError::InvalidProcedureCall also for an
+    // unknown value of BusOutdates.
     void Send(const XMLMessage& message, const BusState& state);
     BusStatistics Statistics() const;
     // Limits for what is sent from now on. What is already queued stays queued.
