@@ -8,7 +8,7 @@
 #include "client/LoginAttendant.h"
 #include "client/LoginPrompts.h"
 #include "dialogs/frmWait.h"
-#include "messages/MessageBoxes.h"
+#include "messages/boxes/MessageBoxes.h"
 
 namespace kq {
 

@@ -8,7 +8,7 @@
 #include "client/TerminableDialog.h"
 #include "dialogs/frmLogin.h"
 #include "dialogs/frmServer.h"
-#include "messages/MessageBoxes.h"
+#include "messages/boxes/MessageBoxes.h"
 
 namespace kq {
 

@@ -14,8 +14,8 @@
 
 #include "forms/DialogHost.h"
 #include "forms/Form.h"
-#include "messages/MessageBoxes.h"
 #include "messages/Texts.h"
+#include "messages/boxes/MessageBoxes.h"
 
 namespace kq {
 

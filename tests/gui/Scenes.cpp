@@ -9,7 +9,7 @@
 #include "dialogs/frmProfiles.h"
 #include "dialogs/frmServer.h"
 #include "dialogs/frmWait.h"
-#include "messages/MessageBoxes.h"
+#include "messages/boxes/MessageBoxes.h"
 
 namespace kq {
 namespace {

@@ -41,9 +41,10 @@ MAY_USE = {
     "libs/xmlbus": GROUND | {"libs/xmlmessage", "libs/appprotocol", "libs/timer"},
     "util": GROUND,
     "messages": GROUND | {"util", "libs/xmlmessage", "libs/webdata"},
+    "messages/boxes": GROUND | {"messages", "forms"},
     "session": {"base", "messages"} | LIBS,
-    "dialogs": GROUND | {"forms", "messages", "libs/webdata", "libs/appprotocol"},
-    "client": BELOW | {"dialogs"},
+    "dialogs": GROUND | {"forms", "messages", "messages/boxes", "libs/webdata", "libs/appprotocol"},
+    "client": BELOW | {"dialogs", "messages/boxes"},
     "server": BELOW,
     "library": BELOW | {"client", "server"},
     "automation": BELOW | {"client", "server", "dialogs"},
@@ -55,8 +56,6 @@ MAY_USE = {
     "zeb/admin": PROGRAM | {"zeb/store"},
     "zeb": PROGRAM | {"zeb/store", "zeb/requests", "zeb/bus", "zeb/admin"},
 }
-# What single files may include besides, by their path without its ending.
-FILES_MAY_USE = {"src/messages/MessageBoxes": {"forms"}}
 # The folders of programs. Programs know these two rooms by their public headers only.
 PROGRAM_FOLDERS = ("tools", "zeb")
 PUBLIC_ONLY = {"client", "server"}
@@ -157,7 +156,7 @@ def wrong_include(path, room, bracket, name):
         return None
     if owner in PUBLIC_ONLY and room.split("/")[0] in PROGRAM_FOLDERS:
         return None if public else f"{room} may use the public headers of {owner} only, not \"{name}\""
-    if owner not in MAY_USE[room] | FILES_MAY_USE.get(os.path.splitext(path)[0], set()):
+    if owner not in MAY_USE[room]:
         return f"{room} may not use {owner} ({name})"
     return None
 

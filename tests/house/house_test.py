@@ -75,7 +75,7 @@ class House(unittest.TestCase):
         self.assertEqual(2, len(self.includes_of("src/dialogs/A.cpp", '"forms/qt/A.h"', '"platform/posix/B.h"')))
 
     def test_of_the_messages_only_their_boxes_know_the_host_of_dialogs(self):
-        self.assertEqual([], self.includes_of("src/messages/MessageBoxes.h", '"forms/DialogHost.h"'))
+        self.assertEqual([], self.includes_of("src/messages/boxes/MessageBoxes.h", '"forms/DialogHost.h"'))
         self.assertEqual(["src/messages/Texts.h:1: messages may not use forms (forms/DialogHost.h)"],
                          self.includes_of("src/messages/Texts.h", '"forms/DialogHost.h"'))
 

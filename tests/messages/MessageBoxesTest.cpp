@@ -1,8 +1,8 @@
 // The message boxes: style, caption, text and answer of each kind.
 #include <gtest/gtest.h>
 
-#include "messages/MessageBoxes.h"
 #include "messages/MessagesTesting.h"
+#include "messages/boxes/MessageBoxes.h"
 
 namespace kq {
 namespace {

@@ -1,5 +1,5 @@
 // Which text, caption and style each box has.
-#include "messages/MessageBoxes.h"
+#include "messages/boxes/MessageBoxes.h"
 
 #include <kqappsession/Error.h>
 
