@@ -149,7 +149,7 @@ TEST_F(ZebHost, NamesTheAddressThatIsTaken) {
     config.data = folder.Path("second");
     config.port = host->Port();
     ExpectNotStarted(static_cast<std::int32_t>(NetError::AddressInUse), "KQAppProtocolLib",
-                     "127.0.0.1:" + std::to_string(config.port) + ": The address is in use");
+                     "127.0.0.1:" + std::to_string(config.port) + ": The address is already in use");
 }
 
 TEST_F(ZebHost, OffersNoBusWithoutAKeyToOtherMachines) {
@@ -157,7 +157,7 @@ TEST_F(ZebHost, OffersNoBusWithoutAKeyToOtherMachines) {
         config.bus_address = address;
         const std::string shown = address.empty() ? "*" : address == "::" ? "[::]" : address;
         ExpectNotStarted(
-            NumberOf(RuntimeError::InvalidProcedureCall), "KQXMLBusClientLib",
+            NumberOf(RuntimeError::InvalidProcedureCall), std::string(kLibrarySource),
             shown +
                 ":0: A hub without a key listens on loopback only: give it a key, or the address 127.0.0.1");
     }
