@@ -315,7 +315,8 @@ XMLBusClient::XMLBusClient() = default;
 XMLBusClient::~XMLBusClient() = default;
 
 std::shared_ptr<XMLBusClient> XMLBusClient::Create(PlatformPtr platform, BusSettings settings) {
-    auto client = Create(platform, HubTransport::Create(platform, settings));
+    auto transport = HubTransport::Create(platform, settings);
+    auto client = Create(std::move(platform), std::move(transport));
     client->impl_->hub = std::move(settings);
     return client;
 }

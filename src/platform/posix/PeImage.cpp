@@ -14,7 +14,8 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using View = std::span<const std::uint8_t>;
 
-constexpr std::size_t kLargestResourceSection = 64 * 1024 * 1024;
+constexpr std::size_t kLargestResourceSection = 64U << 20;
+constexpr std::size_t kDirectorySize = 8;  // of one entry of the optional header's list
 constexpr std::uint32_t kVersionType = 16;
 constexpr std::uint32_t kSubdirectory = 0x80000000U;
 constexpr std::uint32_t kEnglish = 1033;
@@ -77,7 +78,7 @@ std::optional<ResourceSection> FindResourceSection(const InputFile& file) {
     if (magic != 0x10B && magic != 0x20B) return std::nullopt;
     const std::size_t directories_at = magic == 0x10B ? 96 : 112;
     const auto directory_count = DoubleWord(*optional, directories_at - 4);
-    const auto root = DoubleWord(*optional, directories_at + 2 * 8);
+    const auto root = DoubleWord(*optional, directories_at + 2 * kDirectorySize);
     if (!directory_count || *directory_count < 3 || !root || *root == 0) return std::nullopt;
 
     const auto sections = file.Read(header_at + 24 + optional_size, section_count * 40);

@@ -85,7 +85,7 @@ class PeVersionBlock final : public VersionBlock {
         if (!block || !block->is_text) return std::nullopt;
         // Some resource compilers count a text's length in bytes: the terminator or the block's end is what
         // holds.
-        const std::size_t size = std::min<std::size_t>(block->value_length * 2U, block->end - block->value);
+        const std::size_t size = std::min(std::size_t{block->value_length} * 2, block->end - block->value);
         return Utf16ToUtf8(CharactersAt(bytes_, block->value, block->value + size));
     }
 

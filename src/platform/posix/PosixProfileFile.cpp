@@ -20,7 +20,7 @@
 namespace kq {
 namespace {
 
-constexpr off_t kLargestFile = 16 * 1024 * 1024;
+constexpr off_t kLargestFile = 16 << 20;
 constexpr mode_t kNewFileMode = 0600;
 
 class File {
