@@ -1,5 +1,5 @@
 // What a screen reader is told: compared with tests/golden/accessible, one file for each window. A test run
-// with KQ_REWRITE_GOLDEN=1 writes them anew.
+// with KQ_UPDATE_GOLDEN=1 writes them anew.
 #include <QAccessible>
 #include <QLineEdit>
 #include <cstdlib>
@@ -16,7 +16,7 @@ namespace {
 
 std::string GoldenTree(const std::string& scene, const std::string& tree) {
     const std::string path = KQ_SOURCE_DIR "/tests/golden/accessible/" + scene + ".txt";
-    if (std::getenv("KQ_REWRITE_GOLDEN")) std::ofstream(path) << tree;
+    if (std::getenv("KQ_UPDATE_GOLDEN")) std::ofstream(path) << tree;
     std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
 }
