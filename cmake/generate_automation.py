@@ -11,14 +11,24 @@ import sys
 TYPE_LIBRARY_PROXY = "{00020424-0000-0000-C000-000000000046}"
 
 
-def rows(path, macro):
-    """The rows X(a, b) of a macro in the list, as pairs of words."""
+def rows(path, macro, row):
+    """What a pattern finds in the rows of a macro of the list."""
     with open(path, encoding="utf-8") as file:
         text = file.read().replace("\\\n", " ")
-    found = re.search(rf"#define {macro}\(X\)(.*)", text)
-    if not found:
+    found = re.search(rf"#define {macro}\([^)]*\)(.*)", text)
+    if not found or not re.search(row, found[1]):
         sys.exit(f"{path}: there is no list {macro}")
-    return re.findall(r"X\((\w+), (\w+)\)", found[1])
+    return re.findall(row, found[1])
+
+
+def libraries(path):
+    """The type libraries as (resource number, name)."""
+    return sorted(rows(path, "KQ_TYPE_LIBRARIES", r"X\((\d+), (\w+)\)"))
+
+
+def created(path):
+    """The classes that hosts create, as (library, class)."""
+    return rows(path, "KQ_COCLASSES", r"X\((\w+), (\w+), \w+, Created\)")
 
 
 def identifiers(path):
@@ -40,8 +50,8 @@ def manifest(list_path, folder, output):
              '  <assemblyIdentity type="win32" name="KQAppSession.Automation" version="1.0.0.0"/>',
              '  <file name="KQAppSessionLib.dll">']
     proxies = []
-    coclasses = rows(list_path, "KQ_COCLASSES")
-    for number, library in rows(list_path, "KQ_TYPE_LIBRARIES"):
+    coclasses = created(list_path)
+    for number, library in libraries(list_path):
         ids = identifiers(f"{folder}/{library}.idl")
         lines.append(f'    <typelib tlbid="{ids["library"]}" version="1.0" helpdir="" resourceid="{number}"/>')
         for owner, coclass in coclasses:
@@ -90,7 +100,7 @@ END
 def resources(list_path, version, output):
     numbers = (version.split(".") + ["0"] * 4)[:4]
     with open(output, "w", encoding="utf-8") as file:
-        for number, library in rows(list_path, "KQ_TYPE_LIBRARIES"):
+        for number, library in libraries(list_path):
             file.write(f'{number} TYPELIB "{library}.tlb"\n')
         file.write(VERSION.format(numbers=",".join(numbers), text=".".join(numbers)))
 

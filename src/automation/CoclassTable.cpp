@@ -1,10 +1,11 @@
 #include "automation/CoclassTable.h"
 
 #include <array>
+#include <type_traits>
 
 #include "automation/Coclasses.h"
+#include "automation/Module.h"
 #include "automation/Objects.h"
-#include "automation/TypeLibraries.h"
 
 namespace kq::automation {
 namespace {
@@ -15,25 +16,36 @@ enum LibraryNumber {
 #undef KQ_X
 };
 
-#define KQ_X(number, library) +1
-static_assert(KQ_TYPE_LIBRARIES(KQ_X) == kTypeLibraries);
-#undef KQ_X
+template <class Core>
+std::shared_ptr<Core> NewCore() {
+    if constexpr (requires(PlatformPtr platform) { Core::Create(platform); }) {
+        return Core::Create(ThreadPlatform());
+    } else if constexpr (requires(PlatformPtr platform) { Core::Create(platform, BusSettings()); }) {
+        return Core::Create(ThreadPlatform(), BusSettings());
+    } else if constexpr (std::is_constructible_v<Core, PlatformPtr>) {
+        return std::make_shared<Core>(ThreadPlatform());
+    } else {
+        return std::make_shared<Core>();
+    }
+}
+
+template <class Core>
+Ptr<IUnknown> New() {
+    return Ptr<IUnknown>(Wrap(NewCore<Core>()).Get());
+}
 
 }  // namespace
 
-// Each is defined beside its class.
-#define KQ_X(library, coclass) \
-    template <>                \
-    Ptr<IUnknown> New<::coclass>();
-KQ_COCLASSES(KQ_X)
-#undef KQ_X
-
 std::span<const CoclassEntry> Coclasses() {
     static const std::array entries = {
-#define KQ_X(library, coclass) \
-    CoclassEntry{__uuidof(::coclass), L## #library, L## #coclass, k##library, &New<::coclass>},
+#define KQ_Created(library, coclass, core) \
+    CoclassEntry{__uuidof(::coclass), L## #library, L## #coclass, k##library, &New<core>},
+#define KQ_Given(library, coclass, core)
+#define KQ_X(library, coclass, core, origin) KQ_##origin(library, coclass, core)
         KQ_COCLASSES(KQ_X)
 #undef KQ_X
+#undef KQ_Given
+#undef KQ_Created
     };
     return entries;
 }

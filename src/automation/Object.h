@@ -1,8 +1,8 @@
 // What every automation object has in common: one core object, reference counting, dispatch by the type
 // library, error objects, class information and identity.
 //
-// Identity: as long as an automation object for a core object lives, For returns that one. The way back is
-// asked for with an interface of this DLL alone; a foreign object is never cast.
+// The object of a core class is ObjectOf<core class>, derived from Object<core class>; a line beside it
+// instantiates its Wrap.
 #pragma once
 
 #include <memory>
@@ -11,39 +11,29 @@
 #include <ocidl.h>
 #include <unordered_map>
 
-#include <kqappsession/Error.h>
-
 #include "automation/Convert.h"
 #include "automation/Dispatch.h"
 #include "automation/Guard.h"
 #include "automation/Module.h"
+#include "automation/Objects.h"
 #include "automation/TypeLibraries.h"
 
 namespace kq::automation {
 
-// Answered by this DLL's objects only.
-struct IHasCore : IUnknown {
-    // The std::shared_ptr<Core> of an object whose interface is `interface_id`, null for any other.
-    virtual const void* CoreOf(REFIID interface_id) noexcept = 0;
-};
-
-}  // namespace kq::automation
-
-__CRT_UUID_DECL(kq::automation::IHasCore, 0x711b00ff, 0x4429, 0x4499, 0xbc, 0x5b, 0x74, 0x12, 0x73, 0x78,
-                0x4b, 0xd2)
-
-namespace kq::automation {
+// The automation object of a core class.
+template <class Core>
+class ObjectOf;
 
 // The objects that live, by the core object they stand for.
-template <class Derived>
+template <class Core>
 class Identities {
  public:
-    static Ptr<Derived> Find(const void* core) {
+    static Ptr<ObjectOf<Core>> Find(const void* core) {
         const std::lock_guard lock(mutex_);
         const auto found = objects_.find(core);
-        return Ptr<Derived>(found == objects_.end() ? nullptr : found->second);
+        return Ptr<ObjectOf<Core>>(found == objects_.end() ? nullptr : found->second);
     }
-    static void Add(const void* core, Derived* object) {
+    static void Add(const void* core, ObjectOf<Core>* object) {
         const std::lock_guard lock(mutex_);
         objects_[core] = object;
     }
@@ -54,43 +44,27 @@ class Identities {
 
  private:
     static inline std::mutex mutex_;
-    static inline std::unordered_map<const void*, Derived*> objects_;
+    static inline std::unordered_map<const void*, ObjectOf<Core>*> objects_;
 };
 
-// Main: the dual interface. Coclass: its class in the type library. A mixin is a base class with
-// `void* Query(REFIID)` for its interfaces and `IID DefaultSource()`.
-template <class Derived, class CoreType, class MainType, class Coclass, class... Mixins>
-class Object : public MainType,
+// A mixin is a base class with `void* Query(REFIID)` for its interfaces and `IID DefaultSource()`.
+template <class Core, class... Mixins>
+class Object : public InterfaceOf<Core>,
                public ISupportErrorInfo,
                public IProvideClassInfo2,
                public IHasCore,
                public Mixins... {
  public:
-    using Core = CoreType;
-    using Main = MainType;
+    using Main = InterfaceOf<Core>;
+    using Coclass = typename Described<Core>::Coclass;
     using CorePtr = std::shared_ptr<Core>;
 
     explicit Object(CorePtr core) : core_(std::move(core)) {
-        Identities<Derived>::Add(core_.get(), static_cast<Derived*>(this));
+        Identities<Core>::Add(core_.get(), static_cast<ObjectOf<Core>*>(this));
     }
-    virtual ~Object() { Identities<Derived>::Remove(core_.get()); }
+    virtual ~Object() { Identities<Core>::Remove(core_.get()); }
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
-
-    // Null for null.
-    static Ptr<Main> For(CorePtr core) {
-        if (!core) return {};
-        if (const auto known = Identities<Derived>::Find(core.get())) return Ptr<Main>(known.Get());
-        return Ptr<Main>::Attach(new Derived(std::move(core)));
-    }
-    // Null for Nothing; TypeMismatch for an object of another kind.
-    static CorePtr CoreIn(IUnknown* object) {
-        if (!object) return nullptr;
-        const auto ours = Ptr<IUnknown>(object).template As<IHasCore>();
-        const void* core = ours ? ours->CoreOf(__uuidof(Main)) : nullptr;
-        if (!core) Raise(RuntimeError::TypeMismatch);
-        return *static_cast<const CorePtr*>(core);
-    }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
         if (!out) return E_POINTER;
@@ -106,7 +80,7 @@ class Object : public MainType,
         const LONG left = InterlockedDecrement(&references_);
         if (left == 0) {
             references_ = 1;  // what the core's end calls may take and drop references
-            delete static_cast<Derived*>(this);
+            delete static_cast<ObjectOf<Core>*>(this);
         }
         return static_cast<ULONG>(left);
     }
@@ -189,5 +163,12 @@ class Object : public MainType,
     LONG references_ = 1;
     Living living_;
 };
+
+template <class Core>
+Ptr<InterfaceOf<Core>> Wrap(std::shared_ptr<Core> core) {
+    if (!core) return {};
+    if (const auto known = Identities<Core>::Find(core.get())) return Ptr<InterfaceOf<Core>>(known.Get());
+    return Ptr<InterfaceOf<Core>>::Attach(new ObjectOf<Core>(std::move(core)));
+}
 
 }  // namespace kq::automation

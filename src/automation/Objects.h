@@ -1,16 +1,10 @@
-// The way from core objects to automation objects and back, for every class of the type libraries. Wrap keeps
-// identity; Unwrap gives null for Nothing and raises TypeMismatch for an object of another kind.
+// The way from core objects to automation objects and back, for every class of the list.
 #pragma once
 
-#include <KQAppProtocolLib.h>
-#include <KQAppSessionLib.h>
-#include <KQStatisticsLib.h>
-#include <KQTimerLib.h>
-#include <KQWebDataLib.h>
-#include <KQXMLBusClientLib.h>
-#include <KQXMLMessageLib.h>
+#include <KQTypeLibraries.h>
 #include <memory>
 
+#include <kqappsession/Error.h>
 #include <kqappsession/KQAppSessClient.h>
 #include <kqappsession/KQAppSessServer.h>
 #include <kqappsession/Listener.h>
@@ -19,47 +13,58 @@
 #include <kqappsession/WebData.h>
 #include <kqappsession/XMLBusClient.h>
 
+#include "automation/Coclasses.h"
 #include "automation/Convert.h"
 #include "automation/Ptr.h"
 
 namespace kq::automation {
 
-Ptr<::_XMLElement> Wrap(std::shared_ptr<XMLElement> element);
-Ptr<::_XMLMessage> Wrap(std::shared_ptr<XMLMessage> message);
-Ptr<::_Block> Wrap(std::shared_ptr<Block> block);
-Ptr<::_APClient> Wrap(std::shared_ptr<APClient> client);
-Ptr<::_Listener> Wrap(std::shared_ptr<Listener> listener);
-Ptr<::_Client> Wrap(std::shared_ptr<XMLBusClient> client);
-Ptr<::_TranslationTable> Wrap(std::shared_ptr<TranslationTable> table);
-Ptr<::_DataRow> Wrap(std::shared_ptr<DataRow> row);
-Ptr<::_DataRows> Wrap(std::shared_ptr<DataRows> rows);
-Ptr<::_DataTable> Wrap(std::shared_ptr<DataTable> table);
-Ptr<::_TableStore> Wrap(std::shared_ptr<TableStore> tables);
-Ptr<::_Profile> Wrap(std::shared_ptr<Profile> profile);
-Ptr<::_Profiles> Wrap(std::shared_ptr<Profiles> profiles);
-Ptr<::_KQAppSessionInfo> Wrap(std::shared_ptr<KQAppSessionInfo> session);
-Ptr<::_KQAppSessionInfos> Wrap(std::shared_ptr<KQAppSessionInfos> sessions);
+// Answered by this DLL's objects only: a foreign object is never cast.
+struct IHasCore : IUnknown {
+    // The std::shared_ptr<Core> of an object whose interface is `interface_id`, null for any other.
+    virtual const void* CoreOf(REFIID interface_id) noexcept = 0;
+};
+
+}  // namespace kq::automation
+
+__CRT_UUID_DECL(kq::automation::IHasCore, 0x711b00ff, 0x4429, 0x4499, 0xbc, 0x5b, 0x74, 0x12, 0x73, 0x78,
+                0x4b, 0xd2)
+
+namespace kq::automation {
+
+// What the type libraries call a core class: its dual interface and its class.
+template <class Core>
+struct Described;
+#define KQ_X(library, coclass, core, origin) \
+    template <>                              \
+    struct Described<core> {                 \
+        using Interface = ::_##coclass;      \
+        using Coclass = ::coclass;           \
+    };
+KQ_COCLASSES(KQ_X)
+#undef KQ_X
 
 template <class Core>
-std::shared_ptr<Core> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<XMLElement> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<XMLMessage> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<XMLBusClient> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<TranslationTable> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<DataRow> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<DataTable> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<Profile> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<Profiles> Unwrap(IUnknown* object);
-template <>
-std::shared_ptr<Statistics> Unwrap(IUnknown* object);
+using InterfaceOf = typename Described<Core>::Interface;
+
+// Null for null. As long as an automation object for a core object lives, it is that one.
+template <class Core>
+Ptr<InterfaceOf<Core>> Wrap(std::shared_ptr<Core> core);
+
+// Each is instantiated beside the class of its object.
+#define KQ_X(library, coclass, core, origin) extern template Ptr<::_##coclass> Wrap(std::shared_ptr<core>);
+KQ_COCLASSES(KQ_X)
+#undef KQ_X
+
+// Null for Nothing; TypeMismatch for an object of another kind.
+template <class Core>
+std::shared_ptr<Core> Unwrap(IUnknown* object) {
+    if (!object) return nullptr;
+    const auto ours = Ptr<IUnknown>(object).As<IHasCore>();
+    const void* core = ours ? ours->CoreOf(__uuidof(InterfaceOf<Core>)) : nullptr;
+    if (!core) Raise(RuntimeError::TypeMismatch);
+    return *static_cast<const std::shared_ptr<Core>*>(core);
+}
 
 // What a block holds, as hosts see it: a text, for raw data an array of bytes.
 Variant DataOf(const Block& block);

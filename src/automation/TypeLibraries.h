@@ -4,11 +4,15 @@
 #include <oaidl.h>
 #include <string>
 
+#include "automation/Coclasses.h"
 #include "automation/Ptr.h"
 
 namespace kq::automation {
 
-inline constexpr int kTypeLibraries = 7;  // resources 1 to 7
+// The resources 1, 2, 3 ... of the DLL.
+#define KQ_X(number, library) +1
+inline constexpr int kTypeLibraries = KQ_TYPE_LIBRARIES(KQ_X);
+#undef KQ_X
 
 // The path by which the system finds library `number`.
 std::wstring TypeLibraryPath(int number);

@@ -2,6 +2,7 @@
 #include <objbase.h>
 
 #include "automation/Host.h"
+#include "automation/TypeLibraryText.h"
 
 namespace kq {
 namespace {
@@ -27,6 +28,42 @@ TEST(Activation, MakesEveryClassByItsPlainAndItsVersionedProgID) {
         EXPECT_TRUE(Create<IDispatch>(name.c_str()));
         EXPECT_TRUE(Create<IDispatch>((name + L".1").c_str()));
     }
+}
+
+struct DescribedClass {
+    CLSID id{};
+    bool can_be_made = false;
+};
+
+std::vector<DescribedClass> ClassesOf(ITypeLib& library) {
+    std::vector<DescribedClass> classes;
+    for (UINT i = 0; i < library.GetTypeInfoCount(); ++i) {
+        Ptr<ITypeInfo> info;
+        TYPEATTR* attributes = nullptr;
+        EXPECT_EQ(library.GetTypeInfo(i, info.Out()), S_OK);
+        EXPECT_EQ(info->GetTypeAttr(&attributes), S_OK);
+        if (attributes->typekind == TKIND_COCLASS)
+            classes.push_back({attributes->guid, (attributes->wTypeFlags & TYPEFLAG_FCANCREATE) != 0});
+        info->ReleaseTypeAttr(attributes);
+    }
+    return classes;
+}
+
+TEST(Activation, MakesTheClassesThatTheTypeLibrariesOfferAndNoOther) {
+    const auto keeps_the_dll = NewTimer();
+    using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+    const auto get = reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"KQAppSessionLib.dll"), "DllGetClassObject")));
+    std::size_t made = 0;
+    for (const auto& library : TypeLibrariesOf(DllPath())) {
+        for (const auto& described : ClassesOf(*library.Get())) {
+            Ptr<IClassFactory> factory;
+            EXPECT_EQ(get(described.id, IID_IClassFactory, factory.OutVoid()),
+                      described.can_be_made ? S_OK : CLASS_E_CLASSNOTAVAILABLE);
+            made += factory ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(made, std::size(kClasses));
 }
 
 bool Unloads() {

@@ -1,5 +1,4 @@
 // Connections and the blocks that are taken from them.
-#include "automation/Coclasses.h"
 #include "automation/Events.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
@@ -21,7 +20,10 @@ const XMLMessage& MessageIn(::_XMLMessage* object) {
     return *message;  // the caller's reference keeps it
 }
 
-class BlockObject final : public Object<BlockObject, Block, ::_Block, ::Block> {
+}  // namespace
+
+template <>
+class ObjectOf<Block> final : public Object<Block> {
  public:
     using Object::Object;
 
@@ -36,11 +38,10 @@ class BlockObject final : public Object<BlockObject, Block, ::_Block, ::Block> {
     }
 };
 
-class APClientObject final
-    : public LimitProperties<
-          Object<APClientObject, APClient, ::_APClient, ::APClient, EventSource<::_APClientEvents>>> {
+template <>
+class ObjectOf<APClient> final : public LimitProperties<Object<APClient, EventSource<::_APClientEvents>>> {
  public:
-    explicit APClientObject(CorePtr core) : LimitProperties(std::move(core)) {
+    explicit ObjectOf(CorePtr core) : LimitProperties(std::move(core)) {
         core_->Disconnected.Connect(owner_, [this] { Fire(kDisconnected, [] { return Arguments(); }); });
         core_->Error.Connect(owner_, [this](std::int32_t number, const std::string& description) {
             Fire(kError, [&] { return Arguments(number, description); });
@@ -132,8 +133,6 @@ class APClientObject final
     Owner owner_;
 };
 
-}  // namespace
-
 Variant DataOf(const Block& block) {
     return block.data_type == DataType::XML ? VariantOf(block.data) : VariantOfBytes(block.data);
 }
@@ -143,15 +142,7 @@ DataType DataTypeOf(::APDataType type) {
     return static_cast<DataType>(type);
 }
 
-Ptr<::_Block> Wrap(std::shared_ptr<Block> block) {
-    return BlockObject::For(std::move(block));
-}
-Ptr<::_APClient> Wrap(std::shared_ptr<APClient> client) {
-    return APClientObject::For(std::move(client));
-}
-template <>
-Ptr<IUnknown> New<::APClient>() {
-    return Ptr<IUnknown>(Wrap(APClient::Create(ThreadPlatform())).Get());
-}
+template Ptr<InterfaceOf<Block>> Wrap(std::shared_ptr<Block>);
+template Ptr<InterfaceOf<APClient>> Wrap(std::shared_ptr<APClient>);
 
 }  // namespace kq::automation

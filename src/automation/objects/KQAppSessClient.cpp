@@ -2,7 +2,6 @@
 #include <kqappsession/KQAppSessClient.h>
 
 #include "automation/AppObjectOfHost.h"
-#include "automation/Coclasses.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
 #include "automation/Unfinished.h"
@@ -25,8 +24,10 @@ Variant Nothing() {
     return {};
 }
 
-class ClientObject final
-    : public Object<ClientObject, KQAppSessClient, ::_KQAppSessClient, ::KQAppSessClient> {
+}  // namespace
+
+template <>
+class ObjectOf<KQAppSessClient> final : public Object<KQAppSessClient> {
  public:
     using Object::Object;
 
@@ -218,11 +219,6 @@ class ClientObject final
     }
 };
 
-}  // namespace
-
-template <>
-Ptr<IUnknown> New<::KQAppSessClient>() {
-    return Ptr<IUnknown>(ClientObject::For(std::make_shared<KQAppSessClient>(ThreadPlatform())).Get());
-}
+template Ptr<InterfaceOf<KQAppSessClient>> Wrap(std::shared_ptr<KQAppSessClient>);
 
 }  // namespace kq::automation

@@ -1,6 +1,5 @@
 // The session manager.
 #include "automation/AppObjectOfHost.h"
-#include "automation/Coclasses.h"
 #include "automation/Events.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
@@ -32,12 +31,15 @@ InterfaceVersions InterfaceVersionsOf(const VARIANT& argument) {
     }
 }
 
-class ServerObject final : public Object<ServerObject, KQAppSessServer, ::_KQAppSessServer, ::KQAppSessServer,
-                                         EventSource<::_KQAppSessServerEvents>> {
+}  // namespace
+
+template <>
+class ObjectOf<KQAppSessServer> final
+    : public Object<KQAppSessServer, EventSource<::_KQAppSessServerEvents>> {
  public:
     using SessionPtr = KQAppSessServer::SessionPtr;
 
-    explicit ServerObject(CorePtr core) : Object(std::move(core)) {
+    explicit ObjectOf(CorePtr core) : Object(std::move(core)) {
         ListenToSessions();
         ListenToBus();
     }
@@ -128,11 +130,6 @@ class ServerObject final : public Object<ServerObject, KQAppSessServer, ::_KQApp
     Owner owner_;
 };
 
-}  // namespace
-
-template <>
-Ptr<IUnknown> New<::KQAppSessServer>() {
-    return Ptr<IUnknown>(ServerObject::For(std::make_shared<KQAppSessServer>(ThreadPlatform())).Get());
-}
+template Ptr<InterfaceOf<KQAppSessServer>> Wrap(std::shared_ptr<KQAppSessServer>);
 
 }  // namespace kq::automation

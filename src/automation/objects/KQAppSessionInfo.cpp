@@ -4,10 +4,9 @@
 #include "automation/Snapshot.h"
 
 namespace kq::automation {
-namespace {
 
-class SessionInfoObject final
-    : public Object<SessionInfoObject, KQAppSessionInfo, ::_KQAppSessionInfo, ::KQAppSessionInfo> {
+template <>
+class ObjectOf<KQAppSessionInfo> final : public Object<KQAppSessionInfo> {
  public:
     using Object::Object;
 
@@ -52,8 +51,8 @@ class SessionInfoObject final
     }
 };
 
-class SessionInfosObject final
-    : public Object<SessionInfosObject, KQAppSessionInfos, ::_KQAppSessionInfos, ::KQAppSessionInfos> {
+template <>
+class ObjectOf<KQAppSessionInfos> final : public Object<KQAppSessionInfos> {
  public:
     using Object::Object;
 
@@ -76,13 +75,7 @@ class SessionInfosObject final
     }
 };
 
-}  // namespace
-
-Ptr<::_KQAppSessionInfo> Wrap(std::shared_ptr<KQAppSessionInfo> session) {
-    return SessionInfoObject::For(std::move(session));
-}
-Ptr<::_KQAppSessionInfos> Wrap(std::shared_ptr<KQAppSessionInfos> sessions) {
-    return SessionInfosObject::For(std::move(sessions));
-}
+template Ptr<InterfaceOf<KQAppSessionInfo>> Wrap(std::shared_ptr<KQAppSessionInfo>);
+template Ptr<InterfaceOf<KQAppSessionInfos>> Wrap(std::shared_ptr<KQAppSessionInfos>);
 
 }  // namespace kq::automation

@@ -1,5 +1,4 @@
 // Listeners.
-#include "automation/Coclasses.h"
 #include "automation/Events.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
@@ -11,13 +10,14 @@ namespace {
 
 enum Event : DISPID { kAccepted = 1, kReceive, kDisconnected, kClientError, kError };
 
-class ListenerObject final
-    : public LimitProperties<
-          Object<ListenerObject, Listener, ::_Listener, ::Listener, EventSource<::_ListenerEvents>>> {
+}  // namespace
+
+template <>
+class ObjectOf<Listener> final : public LimitProperties<Object<Listener, EventSource<::_ListenerEvents>>> {
  public:
     using ClientPtr = kq::Listener::ClientPtr;
 
-    explicit ListenerObject(CorePtr core) : LimitProperties(std::move(core)) {
+    explicit ObjectOf(CorePtr core) : LimitProperties(std::move(core)) {
         core_->Accepted.Connect(owner_, [this](const ClientPtr& client) {
             Fire(kAccepted, [&] { return Arguments(Wrap(client)); });
         });
@@ -96,14 +96,6 @@ class ListenerObject final
     Owner owner_;
 };
 
-}  // namespace
-
-Ptr<::_Listener> Wrap(std::shared_ptr<Listener> listener) {
-    return ListenerObject::For(std::move(listener));
-}
-template <>
-Ptr<IUnknown> New<::Listener>() {
-    return Ptr<IUnknown>(Wrap(Listener::Create(ThreadPlatform())).Get());
-}
+template Ptr<InterfaceOf<Listener>> Wrap(std::shared_ptr<Listener>);
 
 }  // namespace kq::automation

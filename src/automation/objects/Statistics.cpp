@@ -1,7 +1,6 @@
 // Statistics.
 #include <cmath>
 
-#include "automation/Coclasses.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
 
@@ -15,7 +14,10 @@ std::int64_t WholeNumber(double value) {
     return static_cast<std::int64_t>(std::nearbyint(value));
 }
 
-class StatisticsObject final : public Object<StatisticsObject, Statistics, ::_Statistics, ::Statistics> {
+}  // namespace
+
+template <>
+class ObjectOf<Statistics> final : public Object<Statistics> {
  public:
     using Object::Object;
 
@@ -60,15 +62,6 @@ class StatisticsObject final : public Object<StatisticsObject, Statistics, ::_St
     }
 };
 
-}  // namespace
-
-template <>
-std::shared_ptr<Statistics> Unwrap(IUnknown* object) {
-    return StatisticsObject::CoreIn(object);
-}
-template <>
-Ptr<IUnknown> New<::Statistics>() {
-    return Ptr<IUnknown>(StatisticsObject::For(std::make_shared<Statistics>()).Get());
-}
+template Ptr<InterfaceOf<Statistics>> Wrap(std::shared_ptr<Statistics>);
 
 }  // namespace kq::automation

@@ -1,5 +1,4 @@
 // Timers.
-#include "automation/Coclasses.h"
 #include "automation/Events.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
@@ -9,9 +8,12 @@ namespace {
 
 constexpr DISPID kTick = 1;
 
-class TimerObject final : public Object<TimerObject, Timer, ::_Timer, ::Timer, EventSource<::_TimerEvents>> {
+}  // namespace
+
+template <>
+class ObjectOf<Timer> final : public Object<Timer, EventSource<::_TimerEvents>> {
  public:
-    explicit TimerObject(CorePtr core) : Object(std::move(core)) {
+    explicit ObjectOf(CorePtr core) : Object(std::move(core)) {
         core_->Tick.Connect(owner_, [this] { Fire(kTick, [] { return Arguments(); }); });
     }
 
@@ -32,11 +34,6 @@ class TimerObject final : public Object<TimerObject, Timer, ::_Timer, ::Timer, E
     Owner owner_;
 };
 
-}  // namespace
-
-template <>
-Ptr<IUnknown> New<::Timer>() {
-    return Ptr<IUnknown>(TimerObject::For(std::make_shared<Timer>(ThreadPlatform())).Get());
-}
+template Ptr<InterfaceOf<Timer>> Wrap(std::shared_ptr<Timer>);
 
 }  // namespace kq::automation

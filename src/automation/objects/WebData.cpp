@@ -1,5 +1,4 @@
 // Translation tables, profiles and their tables.
-#include "automation/Coclasses.h"
 #include "automation/Events.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
@@ -10,8 +9,10 @@ namespace {
 
 enum ProfilesEvent : DISPID { kProfileAdded = 1, kProfileRemoved };
 
-class TranslationTableObject final
-    : public Object<TranslationTableObject, TranslationTable, ::_TranslationTable, ::TranslationTable> {
+}  // namespace
+
+template <>
+class ObjectOf<TranslationTable> final : public Object<TranslationTable> {
  public:
     using Object::Object;
 
@@ -51,7 +52,8 @@ class TranslationTableObject final
     }
 };
 
-class DataRowObject final : public Object<DataRowObject, DataRow, ::_DataRow, ::DataRow> {
+template <>
+class ObjectOf<DataRow> final : public Object<DataRow> {
  public:
     using Object::Object;
 
@@ -66,7 +68,8 @@ class DataRowObject final : public Object<DataRowObject, DataRow, ::_DataRow, ::
     }
 };
 
-class DataRowsObject final : public Object<DataRowsObject, DataRows, ::_DataRows, ::DataRows> {
+template <>
+class ObjectOf<DataRows> final : public Object<DataRows> {
  public:
     using Object::Object;
 
@@ -81,7 +84,8 @@ class DataRowsObject final : public Object<DataRowsObject, DataRows, ::_DataRows
     }
 };
 
-class DataTableObject final : public Object<DataTableObject, DataTable, ::_DataTable, ::DataTable> {
+template <>
+class ObjectOf<DataTable> final : public Object<DataTable> {
  public:
     using Object::Object;
 
@@ -113,7 +117,8 @@ class DataTableObject final : public Object<DataTableObject, DataTable, ::_DataT
     }
 };
 
-class TableStoreObject final : public Object<TableStoreObject, TableStore, ::_TableStore, ::TableStore> {
+template <>
+class ObjectOf<TableStore> final : public Object<TableStore> {
  public:
     using Object::Object;
 
@@ -144,7 +149,8 @@ class TableStoreObject final : public Object<TableStoreObject, TableStore, ::_Ta
     }
 };
 
-class ProfileObject final : public Object<ProfileObject, Profile, ::_Profile, ::Profile> {
+template <>
+class ObjectOf<Profile> final : public Object<Profile> {
  public:
     using Object::Object;
 
@@ -165,10 +171,10 @@ class ProfileObject final : public Object<ProfileObject, Profile, ::_Profile, ::
     }
 };
 
-class ProfilesObject final
-    : public Object<ProfilesObject, Profiles, ::_Profiles, ::Profiles, EventSource<::_ProfilesEvents>> {
+template <>
+class ObjectOf<Profiles> final : public Object<Profiles, EventSource<::_ProfilesEvents>> {
  public:
-    explicit ProfilesObject(CorePtr core) : Object(std::move(core)) {
+    explicit ObjectOf(CorePtr core) : Object(std::move(core)) {
         core_->ProfileAdded.Connect(owner_, [this](const std::shared_ptr<Profile>& profile) {
             Fire(kProfileAdded, [&] { return Arguments(Wrap(profile)); });
         });
@@ -222,66 +228,12 @@ class ProfilesObject final
     Owner owner_;
 };
 
-}  // namespace
-
-Ptr<::_TranslationTable> Wrap(std::shared_ptr<TranslationTable> table) {
-    return TranslationTableObject::For(std::move(table));
-}
-Ptr<::_DataRow> Wrap(std::shared_ptr<DataRow> row) {
-    return DataRowObject::For(std::move(row));
-}
-Ptr<::_DataRows> Wrap(std::shared_ptr<DataRows> rows) {
-    return DataRowsObject::For(std::move(rows));
-}
-Ptr<::_DataTable> Wrap(std::shared_ptr<DataTable> table) {
-    return DataTableObject::For(std::move(table));
-}
-Ptr<::_TableStore> Wrap(std::shared_ptr<TableStore> tables) {
-    return TableStoreObject::For(std::move(tables));
-}
-Ptr<::_Profile> Wrap(std::shared_ptr<Profile> profile) {
-    return ProfileObject::For(std::move(profile));
-}
-Ptr<::_Profiles> Wrap(std::shared_ptr<Profiles> profiles) {
-    return ProfilesObject::For(std::move(profiles));
-}
-
-template <>
-std::shared_ptr<TranslationTable> Unwrap(IUnknown* object) {
-    return TranslationTableObject::CoreIn(object);
-}
-template <>
-std::shared_ptr<DataRow> Unwrap(IUnknown* object) {
-    return DataRowObject::CoreIn(object);
-}
-template <>
-std::shared_ptr<DataTable> Unwrap(IUnknown* object) {
-    return DataTableObject::CoreIn(object);
-}
-template <>
-std::shared_ptr<Profile> Unwrap(IUnknown* object) {
-    return ProfileObject::CoreIn(object);
-}
-template <>
-std::shared_ptr<Profiles> Unwrap(IUnknown* object) {
-    return ProfilesObject::CoreIn(object);
-}
-
-template <>
-Ptr<IUnknown> New<::TranslationTable>() {
-    return Ptr<IUnknown>(Wrap(std::make_shared<TranslationTable>()).Get());
-}
-template <>
-Ptr<IUnknown> New<::DataTable>() {
-    return Ptr<IUnknown>(Wrap(std::make_shared<DataTable>()).Get());
-}
-template <>
-Ptr<IUnknown> New<::Profile>() {
-    return Ptr<IUnknown>(Wrap(std::make_shared<Profile>()).Get());
-}
-template <>
-Ptr<IUnknown> New<::Profiles>() {
-    return Ptr<IUnknown>(Wrap(std::make_shared<Profiles>()).Get());
-}
+template Ptr<InterfaceOf<TranslationTable>> Wrap(std::shared_ptr<TranslationTable>);
+template Ptr<InterfaceOf<DataRow>> Wrap(std::shared_ptr<DataRow>);
+template Ptr<InterfaceOf<DataRows>> Wrap(std::shared_ptr<DataRows>);
+template Ptr<InterfaceOf<DataTable>> Wrap(std::shared_ptr<DataTable>);
+template Ptr<InterfaceOf<TableStore>> Wrap(std::shared_ptr<TableStore>);
+template Ptr<InterfaceOf<Profile>> Wrap(std::shared_ptr<Profile>);
+template Ptr<InterfaceOf<Profiles>> Wrap(std::shared_ptr<Profiles>);
 
 }  // namespace kq::automation

@@ -1,5 +1,4 @@
 // The bus client.
-#include "automation/Coclasses.h"
 #include "automation/Events.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
@@ -15,10 +14,12 @@ kq::BusSubscription OptionOf(::BusSubscription option) {
     return static_cast<kq::BusSubscription>(option);
 }
 
-class BusClientObject final
-    : public Object<BusClientObject, XMLBusClient, ::_Client, ::Client, EventSource<::_ClientEvents>> {
+}  // namespace
+
+template <>
+class ObjectOf<XMLBusClient> final : public Object<XMLBusClient, EventSource<::_ClientEvents>> {
  public:
-    explicit BusClientObject(CorePtr core) : Object(std::move(core)) {
+    explicit ObjectOf(CorePtr core) : Object(std::move(core)) {
         core_->ReceiveMessage.Connect(owner_, [this](const XMLBusClient::MessagePtr& message, bool& handled) {
             VARIANT_BOOL flag = BooleanOf(handled);
             Fire(kReceiveMessage, [&] { return Arguments(Wrap(message), ByReference(flag)); });
@@ -102,18 +103,6 @@ class BusClientObject final
     Owner owner_;
 };
 
-}  // namespace
-
-Ptr<::_Client> Wrap(std::shared_ptr<XMLBusClient> client) {
-    return BusClientObject::For(std::move(client));
-}
-template <>
-std::shared_ptr<XMLBusClient> Unwrap(IUnknown* object) {
-    return BusClientObject::CoreIn(object);
-}
-template <>
-Ptr<IUnknown> New<::Client>() {
-    return Ptr<IUnknown>(Wrap(XMLBusClient::Create(ThreadPlatform(), BusSettings())).Get());
-}
+template Ptr<InterfaceOf<XMLBusClient>> Wrap(std::shared_ptr<XMLBusClient>);
 
 }  // namespace kq::automation

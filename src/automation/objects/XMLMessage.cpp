@@ -1,6 +1,5 @@
 // Messages and their elements. Both are values in the core: what is taken out of one is a copy, made into an
 // object of its own.
-#include "automation/Coclasses.h"
 #include "automation/Object.h"
 #include "automation/Objects.h"
 #include "automation/Snapshot.h"
@@ -19,7 +18,10 @@ const XMLElement& ElementIn(::_XMLElement* object) {
     return *element;  // the caller's reference keeps it
 }
 
-class ElementObject final : public Object<ElementObject, XMLElement, ::_XMLElement, ::XMLElement> {
+}  // namespace
+
+template <>
+class ObjectOf<XMLElement> final : public Object<XMLElement> {
  public:
     using Object::Object;
 
@@ -91,7 +93,8 @@ class ElementObject final : public Object<ElementObject, XMLElement, ::_XMLEleme
     }
 };
 
-class MessageObject final : public Object<MessageObject, XMLMessage, ::_XMLMessage, ::XMLMessage> {
+template <>
+class ObjectOf<XMLMessage> final : public Object<XMLMessage> {
  public:
     using Object::Object;
 
@@ -188,29 +191,7 @@ class MessageObject final : public Object<MessageObject, XMLMessage, ::_XMLMessa
     }
 };
 
-}  // namespace
-
-Ptr<::_XMLElement> Wrap(std::shared_ptr<XMLElement> element) {
-    return ElementObject::For(std::move(element));
-}
-Ptr<::_XMLMessage> Wrap(std::shared_ptr<XMLMessage> message) {
-    return MessageObject::For(std::move(message));
-}
-template <>
-std::shared_ptr<XMLElement> Unwrap(IUnknown* object) {
-    return ElementObject::CoreIn(object);
-}
-template <>
-std::shared_ptr<XMLMessage> Unwrap(IUnknown* object) {
-    return MessageObject::CoreIn(object);
-}
-template <>
-Ptr<IUnknown> New<::XMLElement>() {
-    return Ptr<IUnknown>(Wrap(std::make_shared<XMLElement>()).Get());
-}
-template <>
-Ptr<IUnknown> New<::XMLMessage>() {
-    return Ptr<IUnknown>(Wrap(std::make_shared<XMLMessage>()).Get());
-}
+template Ptr<InterfaceOf<XMLElement>> Wrap(std::shared_ptr<XMLElement>);
+template Ptr<InterfaceOf<XMLMessage>> Wrap(std::shared_ptr<XMLMessage>);
 
 }  // namespace kq::automation
