@@ -14,12 +14,10 @@ class AppObjectOfHost final : public AppObject {
     std::optional<std::string> Property(std::string_view name) const override {
         const auto id = IdOf(name);
         if (!id) return std::nullopt;
-        DISPPARAMS none{};
         Variant value;
-        if (FAILED(object_->Invoke(*id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET | DISPATCH_METHOD,
-                                   &none, &value, nullptr, nullptr))) {
+        if (!Get(*id, DISPATCH_PROPERTYGET | DISPATCH_METHOD, value) &&
+            !Get(*id, DISPATCH_PROPERTYGET, value))
             return std::nullopt;
-        }
         Variant text;
         if (FAILED(VariantChangeType(&text, &value, VARIANT_ALPHABOOL, VT_BSTR))) return std::nullopt;
         return TextOf(text.bstrVal);
@@ -39,6 +37,15 @@ class AppObjectOfHost final : public AppObject {
         SysFreeString(text);
         if (FAILED(found)) return std::nullopt;
         return id;
+    }
+
+    // Whatever a member is, both kinds of call at once are right. But some script engines then take a value
+    // for a function.
+    bool Get(DISPID id, WORD kinds, Variant& value) const {
+        DISPPARAMS none{};
+        value = Variant();
+        return SUCCEEDED(
+            object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kinds, &none, &value, nullptr, nullptr));
     }
 
     Ptr<IDispatch> object_;

@@ -35,9 +35,9 @@ class Application final : public IDispatchEx {
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* id) override {
         return only_expressions_ ? E_NOTIMPL : Find(names[0], id);
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
-                                     UINT*) override {
-        if (id == 3) return E_FAIL;
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD kinds, DISPPARAMS*, VARIANT* result,
+                                     EXCEPINFO*, UINT*) override {
+        if (id == 3 || (id == 4 && kinds != DISPATCH_PROPERTYGET)) return E_FAIL;
         *result = (id == 1 ? VariantOf("C:\\app") : VariantOf(7L)).Detach();
         return S_OK;
     }
@@ -55,7 +55,7 @@ class Application final : public IDispatchEx {
 
  private:
     static HRESULT Find(const wchar_t* name, DISPID* id) {
-        const std::map<std::wstring, DISPID> ids{{L"Path", 1}, {L"Major", 2}, {L"Broken", 3}};
+        const std::map<std::wstring, DISPID> ids{{L"Path", 1}, {L"Major", 2}, {L"Broken", 3}, {L"Value", 4}};
         const auto found = ids.find(name);
         if (found == ids.end()) return DISP_E_UNKNOWNNAME;
         *id = found->second;
@@ -73,6 +73,7 @@ TEST_P(ApplicationObject, IsAskedByNameAndAnswersAsText) {
     EXPECT_EQ(object->Property("Major"), "7");
     EXPECT_EQ(object->Property("ProductName"), std::nullopt);
     EXPECT_EQ(object->Property("Broken"), std::nullopt);
+    EXPECT_EQ(object->Property("Value"), "7");
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, ApplicationObject, testing::Bool(), [](const auto& kind) {
