@@ -107,6 +107,9 @@ TEST_F(Server, ChecksMessages) {
     VARIANT_BOOL ours = VARIANT_FALSE;
     EXPECT_EQ(server->CheckMessage(message.Get(), &ours), S_OK);
     EXPECT_EQ(ours, VARIANT_TRUE);
+    message->put_Type(Text(L"ASLoginRequest"));
+    EXPECT_EQ(server->CheckMessage(message.Get(), &ours), S_OK);
+    EXPECT_EQ(ours, VARIANT_FALSE);
     EXPECT_EQ(server->CheckMessage(nullptr, &ours), S_OK);
     EXPECT_EQ(ours, VARIANT_FALSE);
 }

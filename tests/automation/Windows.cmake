@@ -6,11 +6,23 @@ target_link_options(kqtypelib PRIVATE -static)
 # Interfaces have no virtual destructor.
 set(hosts ActivationTest.cpp DispatchTest.cpp EventsTest.cpp Host.cpp MembersTest.cpp ServerTest.cpp TypeLibraryTest.cpp
           TypeLibraryText.cpp)
-set_source_files_properties(${hosts} PartsTest.cpp kqtypelib.cpp relay/Relay.cpp PROPERTIES COMPILE_OPTIONS -Wno-non-virtual-dtor)
+set(session_hosts AnnouncementsTest.cpp RequestsTest.cpp SessionsTest.cpp SessionsTesting.cpp)
+set_source_files_properties(${hosts} ${session_hosts} PartsTest.cpp kqtypelib.cpp relay/Relay.cpp PROPERTIES
+                            COMPILE_OPTIONS -Wno-non-virtual-dtor)
 get_target_property(manifest KQAppSessionLib KQ_MANIFEST)
 kq_test(test_automation SOURCES ${hosts} LINKS kq_base kq_idl_headers ole32 oleaut32 uuid)
-target_compile_definitions(test_automation PRIVATE KQ_DLL="$<TARGET_FILE:KQAppSessionLib>" KQ_MANIFEST="${manifest}")
-add_dependencies(test_automation KQAppSessionLib kq_idl)
+
+# What hosts under test need beside the DLL: a bus, and a machine that fails.
+kq_library(kq_automation_testing SOURCES TestBus.cpp FailingAccept.cpp LINKS kq_xmlbus kq_platform_port)
+target_include_directories(kq_automation_testing PUBLIC "${PROJECT_SOURCE_DIR}/tests")
+kq_test(test_automation_sessions
+  SOURCES ${session_hosts} Host.cpp
+  LINKS kq_automation_testing kq_idl_headers ole32 oleaut32 uuid)
+target_compile_definitions(test_automation_sessions PRIVATE KQ_DLL_VERSION="${PROJECT_VERSION}.0")
+foreach(program test_automation test_automation_sessions)
+  target_compile_definitions(${program} PRIVATE KQ_DLL="$<TARGET_FILE:KQAppSessionLib>" KQ_MANIFEST="${manifest}")
+  add_dependencies(${program} KQAppSessionLib kq_idl)
+endforeach()
 
 # By itself too, where nothing before it has loaded what the proxies need.
 kq_wine_test(test_automation NAME test_automation_from_other_threads ARGUMENTS --gtest_filter=Activation.CarriesCalls*)
@@ -24,7 +36,8 @@ set_target_properties(test_depending PROPERTIES RUNTIME_OUTPUT_DIRECTORY "$<TARG
 add_dependencies(test_depending KQAppSessionLib kq_idl)
 
 add_library(KQTestRelay SHARED relay/Relay.cpp relay/KQTestRelay.def)
-target_link_libraries(KQTestRelay PRIVATE kq_settings ole32 oleaut32 uuid advapi32)
+target_include_directories(KQTestRelay PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+target_link_libraries(KQTestRelay PRIVATE kq_automation_testing kq_settings ole32 oleaut32 uuid advapi32)
 target_link_options(KQTestRelay PRIVATE -static)
 set_target_properties(KQTestRelay PROPERTIES PREFIX "")
 

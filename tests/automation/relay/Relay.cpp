@@ -5,17 +5,22 @@
 //   Disconnect Source
 //   Pump Milliseconds          waits for a window message, at most that long, and delivers what has come
 //   Print Text                 one line of UTF-8 to the standard output
+//   OpenBus                    opens a bus on loopback, as long as this object lives; returns its port
+//   FailNextAccept             the next connection that a listener accepts is lost, with the error 10024
 #include <comdef.h>
 #include <cwchar>
 #include <dispex.h>
 #include <initguid.h>
 #include <map>
+#include <memory>
 #include <ocidl.h>
 #include <olectl.h>
 #include <string>
 #include <vector>
 
+#include "automation/FailingAccept.h"
 #include "automation/Ptr.h"
+#include "automation/TestBus.h"
 
 using kq::automation::Ptr;
 
@@ -183,45 +188,62 @@ void Print(const std::wstring& line) {
 class Relay final : public Dispatching<IDispatch> {
  public:
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override {
-        constexpr const wchar_t* kNames[] = {L"Connect", L"Disconnect", L"Pump", L"Print"};
-        for (DISPID id = 0; id < 4; ++id) {
-            if (_wcsicmp(names[0], kNames[id]) != 0) continue;
-            ids[0] = id + 1;
+        for (std::size_t i = 0; i < std::size(kMembers); ++i) {
+            if (_wcsicmp(names[0], kMembers[i].name) != 0) continue;
+            ids[0] = static_cast<DISPID>(i + 1);
             return S_OK;
         }
         return DISP_E_UNKNOWNNAME;
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* given, VARIANT*, EXCEPINFO*,
-                                     UINT*) override {
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* given, VARIANT* result,
+                                     EXCEPINFO*, UINT*) override {
+        if (id < 1 || static_cast<std::size_t>(id) > std::size(kMembers)) return DISP_E_MEMBERNOTFOUND;
+        const Member& member = kMembers[id - 1];
+        if (given->cArgs != member.arguments) return DISP_E_BADPARAMCOUNT;
         try {
             std::vector<_variant_t> values(given->cArgs);  // in the order of the call
             for (UINT i = 0; i < given->cArgs; ++i)
                 VariantCopyInd(&values[given->cArgs - 1 - i], &given->rgvarg[i]);
-            return Do(id, values);
+            _variant_t returned = (this->*member.call)(values);
+            if (result) *result = returned.Detach();
+            return S_OK;
         } catch (const _com_error& error) {
             return error.Error();
         }
     }
 
  private:
-    HRESULT Do(DISPID id, std::vector<_variant_t>& values) {
-        if (values.size() != (id == 1 ? 2U : 1U)) return DISP_E_BADPARAMCOUNT;
-        switch (id) {
-            case 1:
-                connections_.try_emplace(IdentityOf(values[0]), values[0].pdispVal, values[1].pdispVal);
-                return S_OK;
-            case 2:
-                connections_.erase(IdentityOf(values[0]));
-                return S_OK;
-            case 3:
-                Pump(static_cast<DWORD>(static_cast<long>(values[0])));
-                return S_OK;
-            case 4:
-                Print(static_cast<const wchar_t*>(_bstr_t(values[0])));
-                return S_OK;
-            default:
-                return DISP_E_MEMBERNOTFOUND;
-        }
+    using Values = std::vector<_variant_t>;
+    struct Member {
+        const wchar_t* name;
+        UINT arguments;
+        _variant_t (Relay::*call)(Values&);
+    };
+    static const Member kMembers[6];
+
+    _variant_t Connect(Values& values) {
+        connections_.try_emplace(IdentityOf(values[0]), values[0].pdispVal, values[1].pdispVal);
+        return {};
+    }
+    _variant_t Disconnect(Values& values) {
+        connections_.erase(IdentityOf(values[0]));
+        return {};
+    }
+    _variant_t Pump(Values& values) {
+        ::Pump(static_cast<DWORD>(static_cast<long>(values[0])));
+        return {};
+    }
+    _variant_t Print(Values& values) {
+        ::Print(static_cast<const wchar_t*>(_bstr_t(values[0])));
+        return {};
+    }
+    _variant_t OpenBus(Values&) {
+        if (!bus_) bus_ = std::make_unique<kq::TestBus>();
+        return bus_->Port();
+    }
+    _variant_t FailNextAccept(Values&) {
+        if (!kq::FailNextAccept()) _com_issue_error(E_FAIL);
+        return {};
     }
 
     static IUnknown* IdentityOf(const _variant_t& value) {
@@ -230,6 +252,13 @@ class Relay final : public Dispatching<IDispatch> {
     }
 
     std::map<IUnknown*, Connection> connections_;  // by the source, which its connection keeps
+    std::unique_ptr<kq::TestBus> bus_;
+};
+
+const Relay::Member Relay::kMembers[] = {
+    {L"Connect", 2, &Relay::Connect}, {L"Disconnect", 1, &Relay::Disconnect},
+    {L"Pump", 1, &Relay::Pump},       {L"Print", 1, &Relay::Print},
+    {L"OpenBus", 0, &Relay::OpenBus}, {L"FailNextAccept", 0, &Relay::FailNextAccept},
 };
 
 class Factory final : public Counted<IClassFactory> {
