@@ -6,7 +6,7 @@ target_link_options(kqtypelib PRIVATE -static)
 # Interfaces have no virtual destructor.
 set(hosts ActivationTest.cpp DispatchTest.cpp EventsTest.cpp Host.cpp MembersTest.cpp ServerTest.cpp TypeLibraryTest.cpp
           TypeLibraryText.cpp)
-set(session_hosts AnnouncementsTest.cpp RequestsTest.cpp SessionsTest.cpp SessionsTesting.cpp)
+set(session_hosts AnnouncementsTest.cpp RequestsTest.cpp SessionEvents.cpp SessionsTest.cpp SessionsTesting.cpp)
 set_source_files_properties(${hosts} ${session_hosts} PartsTest.cpp kqtypelib.cpp relay/Relay.cpp PROPERTIES
                             COMPILE_OPTIONS -Wno-non-virtual-dtor)
 get_target_property(manifest KQAppSessionLib KQ_MANIFEST)
