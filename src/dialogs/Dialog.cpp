@@ -41,4 +41,19 @@ void Window::Warn(std::int32_t text_id) {
                             form_->Hidden);
 }
 
+OKCancelWindow::OKCancelWindow(Dialog& dialog, const FormRow& row) : Window(dialog, row) {
+    OnClick(row.default_button, [this] {
+        if (!Accepts()) return;
+        confirmed_ = true;
+        form_->Hide();
+    });
+    OnClick(row.cancel_button, [this] { form_->Hide(); });
+}
+
+bool OKCancelWindow::Confirmed(const IconPtr& icon, const std::shared_ptr<Form>& owner) {
+    if (icon) form_->SetIcon(icon);
+    form_->ShowModal(owner);
+    return confirmed_;
+}
+
 }  // namespace kq

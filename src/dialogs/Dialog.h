@@ -64,4 +64,20 @@ class Window {
     const std::weak_ptr<const void> dialog_;
 };
 
+// A window whose user confirms or cancels. The default button of its row confirms and closes it, once the
+// window accepts what it holds. The cancel button and the close box close it as well; so does the end of the
+// dialog object, or of the loop. In these cases nothing is confirmed and the caller's values stay.
+class OKCancelWindow : public Window {
+ protected:
+    OKCancelWindow(Dialog& dialog, const FormRow& row);
+
+    // Shows the window until it is closed. True when the user confirmed. Both arguments may be null.
+    bool Confirmed(const IconPtr& icon, const std::shared_ptr<Form>& owner = nullptr);
+    // Whether what the window holds can be confirmed. If not, it says why and stays open.
+    virtual bool Accepts() = 0;
+
+ private:
+    bool confirmed_ = false;
+};
+
 }  // namespace kq

@@ -24,15 +24,9 @@ class Filtering {
     ~Filtering() { filtering = false; }
 };
 
-class NewProfileWindow : public Window {
+class NewProfileWindow : public OKCancelWindow {
  public:
-    explicit NewProfileWindow(Dialog& dialog) : Window(dialog, frmNewProfile::Row()) {
-        OnClick("cmdOK", [this] {
-            if (IsBlank()) return;  // emptied since the last tick
-            ok_ = true;
-            form_->Hide();
-        });
-        OnClick("cmdCancel", [this] { form_->Hide(); });
+    explicit NewProfileWindow(Dialog& dialog) : OKCancelWindow(dialog, frmNewProfile::Row()) {
         SelectsAllOnFocus("txtName");
         name_.OnChange([this] { txtName_Change(); });
         At("Timer1").OnTick([this] { At("cmdOK").SetEnabled(!IsBlank()); });
@@ -44,12 +38,13 @@ class NewProfileWindow : public Window {
         At("lblIntro").SetText(texts_.LoadText(intro));
         name_.SetText(name);
         At("Timer1").SetTimerEnabled(true);
-        form_->ShowModal(owner);
-        if (ok_) name = Trim(name_.Text());
-        return ok_;
+        if (!Confirmed(nullptr, owner)) return false;
+        name = Trim(name_.Text());
+        return true;
     }
 
  private:
+    bool Accepts() override { return !IsBlank(); }  // emptied since the last tick
     bool IsBlank() const { return Trim(name_.Text()).empty(); }
 
     void txtName_Change() {
@@ -64,7 +59,6 @@ class NewProfileWindow : public Window {
         }
     }
 
-    bool ok_ = false;
     Control& name_ = At("txtName");
 };
 

@@ -7,32 +7,22 @@ namespace {
 constexpr std::int32_t kValuesMissing = 650;
 constexpr std::int32_t kNoMatch = 651;
 
-class PasswordWindow : public Window {
+class PasswordWindow : public OKCancelWindow {
  public:
-    explicit PasswordWindow(Dialog& dialog) : Window(dialog, frmPassword::Row()) {
-        OnClick("cmdOK", [this] { cmdOK_Click(); });
-        OnClick("cmdCancel", [this] { form_->Hide(); });
+    explicit PasswordWindow(Dialog& dialog) : OKCancelWindow(dialog, frmPassword::Row()) {
         for (const auto box : {"txtOldPassword", "txtNewPassword", "txtConfirmPassword"})
             SelectsAllOnFocus(box);
     }
 
     bool Run(Secret& old_password, Secret& new_password, const IconPtr& icon) {
-        if (icon) form_->SetIcon(icon);
-        form_->ShowModal();
-        if (!ok_) return false;
+        if (!Confirmed(icon)) return false;
         old_password = old_.Typed();
         new_password = new_.Typed();
         return true;
     }
 
  private:
-    void cmdOK_Click() {
-        if (!IsValid()) return;
-        ok_ = true;
-        form_->Hide();
-    }
-
-    bool IsValid() {
+    bool Accepts() override {
         for (Control* const box : {&old_, &new_, &confirm_}) {
             if (!box->Typed().Empty()) continue;
             Warn(kValuesMissing);
@@ -49,7 +39,6 @@ class PasswordWindow : public Window {
         return true;
     }
 
-    bool ok_ = false;
     Control& old_ = At("txtOldPassword");
     Control& new_ = At("txtNewPassword");
     Control& confirm_ = At("txtConfirmPassword");

@@ -24,28 +24,25 @@ constexpr std::int32_t kNameTaken = 750;
 
 constexpr std::string_view kSwitch = "/PROFILE ";
 
-class ProfilesWindow : public Window {
+class ProfilesWindow : public OKCancelWindow {
  public:
     ProfilesWindow(Dialog& dialog, std::shared_ptr<Profiles> profiles, std::shared_ptr<Profile>& current,
                    const ProgramInfo& program, bool& changed)
-        : Window(dialog, frmProfiles::Row()),
+        : OKCancelWindow(dialog, frmProfiles::Row()),
           profiles_(std::move(profiles)),
           current_(current),
           program_(program),
           changed_(changed) {
-        OnClick("cmdChoose", [this] { cmdChoose_Click(); });
         OnClick("cmdNew", [this] { cmdNew_Click(); });
         OnClick("cmdCopy", [this] { cmdCopy_Click(); });
         OnClick("cmdRename", [this] { cmdRename_Click(); });
         OnClick("cmdRemove", [this] { cmdRemove_Click(); });
         OnClick("cmdShortcut", [this] { cmdShortcut_Click(); });
-        OnClick("cmdCancel", [this] { form_->Hide(); });
         list_.OnSelect([this] { EnableButtons(); });
         At("Timer1").OnTick([this] { EnableButtons(); });
     }
 
     bool Run(const std::string& command_str, const IconPtr& icon) {
-        if (icon) form_->SetIcon(icon);
         const std::string named = ProfileInCommand(command_str);
         const bool is_named = !named.empty() && profiles_->Exists(named);
         Fill(is_named ? named : current_ ? current_->Name() : std::string());
@@ -54,9 +51,9 @@ class ProfilesWindow : public Window {
         if (Abandoned()) return false;
         do {
             form_->SetFocus(profiles_->Count() == 0 ? At("cmdNew") : list_);
-            form_->ShowModal();
-        } while (!chosen_ && MustGoOn());
-        return chosen_;
+            if (Confirmed(icon)) return true;
+        } while (MustGoOn());
+        return false;
     }
 
  private:
@@ -106,12 +103,10 @@ class ProfilesWindow : public Window {
         Fill(selected);
     }
 
-    void cmdChoose_Click() {
+    bool Accepts() override {
         const auto profile = Selected();
-        if (!profile) return;
-        current_ = profile;
-        chosen_ = true;
-        form_->Hide();
+        if (profile) current_ = profile;
+        return profile != nullptr;
     }
 
     void cmdNew_Click() {
@@ -179,7 +174,6 @@ class ProfilesWindow : public Window {
     std::shared_ptr<Profile>& current_;
     const ProgramInfo program_;
     bool& changed_;
-    bool chosen_ = false;
     Control& list_ = At("lvProfiles");
 };
 
