@@ -54,11 +54,8 @@ bool InteractiveAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArg
     // A warning that the settings cannot be saved may have been closed by the end of the client.
     if (state_.Terminations() != terminations) return false;
     if (!AskLoginDetails(state_, *settings_, use_profiles, arguments.AppIcon, details)) return false;
-    const ServerSettings server = settings_->Read(kUsualTimeOut);
-    details.address = server.address;
-    details.port = server.port;
-    details.time_out = server.time_out;
-    details.use_as_server_for_login = arguments.UseASServerForLogin.value_or(server.use_as_server_for_login);
+    details.server = settings_->Read();
+    if (const auto given = arguments.UseASServerForLogin) details.server.use_as_server_for_login = *given;
     return true;
 }
 

@@ -3,7 +3,6 @@
 #include <kqappsession/Error.h>
 #include <kqappsession/KQAppSessClient.h>
 
-#include "base/Convert.h"
 #include "client/ClientState.h"
 #include "client/LoginPrompts.h"
 #include "client/ProfilesOnClient.h"
@@ -39,11 +38,14 @@ std::shared_ptr<ClientState> NewState(PlatformPtr platform) {
     return std::make_shared<ClientState>(RequirePlatform(std::move(platform), "A client object"));
 }
 
-// The first setting is the address; without one nothing is written.
-void StoreConnectState(ClientState& state, const SettingList& settings) {
+// Without an address nothing is written.
+void StoreConnectState(ClientState& state, const ServerSettings& server,
+                       bool (*write)(SessConfig&, const ServerSettings&)) {
     if (!state.session_info->IsInitialized()) state.texts.RaiseASError(kqaserrLoginSessionRequired);
     SessConfig& config = state.OpenConfig(state.session_info->AppID());
-    if (!settings.front().second.empty()) StoreSettings(config, settings);
+    if (server.address.empty() || write(config, server)) return;
+    Raise(RuntimeError::PathFileAccess, "The settings could not be stored in " + config.Path(),
+          ErrorCause::SettingsFile);
 }
 
 }  // namespace
@@ -183,7 +185,7 @@ bool KQAppSessClient::ChangeConfiguration() {
 bool KQAppSessClient::UpdateProfilesEx(bool interactive, std::string& address, std::int32_t& port,
                                        std::int32_t& time_out) {
     const auto state = state_;
-    UploadTarget target{address, port, time_out};
+    ServerSettings target{address, port, time_out};
     const auto show_caller = [&] {
         address = target.address;
         port = target.port;
@@ -238,23 +240,19 @@ void KQAppSessClient::SetSystemLoginState(const TextOrObject<XMLMessage>& sessio
     state.app_server_address = app_server_address;
     state.app_server_port = app_server_port;
     state.app_server_time_out = app_server_time_out;
-    if (app_server_time_out == 0) state.app_server_time_out = TextToLong(config.Setting("TimeOut", ""));
+    if (app_server_time_out == 0) state.app_server_time_out = config.Read(setting::RequiredTimeOut);
     if (!app_server_address.empty() && app_server_port != 0) state.SetLoginState(kqaslsSystemLogin);
 }
 
 void KQAppSessClient::SetSystemConnectState(const std::string& system_address, std::int32_t system_port,
                                             std::int32_t system_time_out) {
-    StoreConnectState(
-        *state_,
-        {{"Address", system_address}, {"Port", TextOf(system_port)}, {"TimeOut", TextOf(system_time_out)}});
+    StoreConnectState(*state_, {system_address, system_port, system_time_out}, WriteServerAddress);
 }
 
 void KQAppSessClient::SetSystemConnectState2(const std::string& system_address, std::int32_t system_port,
                                              std::int32_t system_time_out, bool use_as_server_for_login) {
-    StoreConnectState(*state_, {{"Address", system_address},
-                                {"Port", TextOf(system_port)},
-                                {"TimeOut", TextOf(system_time_out)},
-                                {"UseASServerForLogin", use_as_server_for_login ? "1" : "0"}});
+    StoreConnectState(*state_, {system_address, system_port, system_time_out, use_as_server_for_login},
+                      WriteServerSettings);
 }
 
 void KQAppSessClient::TerminateClient() {

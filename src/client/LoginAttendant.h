@@ -12,6 +12,8 @@
 #include <kqappsession/KQAppSessClient.h>
 
 #include "client/LoginFailures.h"
+#include "dialogs/LoginAnswer.h"
+#include "messages/ServerSettings.h"
 #include "messages/Texts.h"
 
 namespace kq {
@@ -19,15 +21,8 @@ namespace kq {
 class SessConfig;
 
 // Where and as whom a login is made.
-struct LoginDetails {
-    std::string address;
-    std::int32_t port = 0;
-    std::int32_t time_out = 0;  // ms
-    bool use_as_server_for_login = false;
-    std::string login_id;
-    Secret password;
-    Secret new_password;  // empty unless a change is under way
-    bool ask_for_profile = false;
+struct LoginDetails : LoginAnswer {
+    ServerSettings server;
 };
 
 class LoginAttendant {

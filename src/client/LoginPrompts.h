@@ -22,7 +22,8 @@ class PromptedSettings {
     PromptedSettings(ClientState& state, SessConfig& config) : state_(state), config_(config) {}
 
     SessConfig& Config() const { return config_; }
-    ServerSettings Read(const std::string& default_time_out) const;
+    // `time_out`: how a missing time-out is read.
+    ServerSettings Read(const setting::Row<setting::Number>& time_out = setting::TimeOut) const;
     // The user is warned, once, of a file that cannot be written.
     void Write(const ServerSettings& settings);
 
@@ -41,6 +42,6 @@ bool AskServerAddress(ClientState& state, PromptedSettings& settings, bool force
 
 // The login dialog, which starts with the last login id. True when the user gave id and password.
 bool AskLoginDetails(ClientState& state, PromptedSettings& settings, bool use_profiles, const IconPtr& icon,
-                     LoginDetails& details);
+                     LoginAnswer& answer);
 
 }  // namespace kq

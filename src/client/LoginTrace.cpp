@@ -41,7 +41,7 @@ std::string LineOf(const LoginStep& step) {
 }
 
 LoginTrace::LoginTrace(ClientState& state, std::string_view procedure)
-    : state_(state), procedure_(procedure), file_(state.config->Setting("TraceFile", "")) {}
+    : state_(state), procedure_(procedure), file_(state.config->Read(setting::TraceFile)) {}
 
 void LoginTrace::Begin(LoginStates state) {
     step_ = state;

@@ -1,5 +1,4 @@
-// The port is read by the numeric-prefix rule and the time-out by the whole-text rule: a missing time-out is
-// a type mismatch, a missing port an invalid address.
+// A missing time-out is a type mismatch, a missing port an invalid address.
 #include "client/ProfilesOnClient.h"
 
 #include <kqappsession/Error.h>
@@ -15,10 +14,10 @@ namespace {
 
 constexpr std::int32_t kWaitUpdating = 310;
 
-void FillFromSettings(const SessConfig& config, UploadTarget& target) {
-    if (target.address.empty()) target.address = config.Setting("Address", "");
-    if (target.port == 0) target.port = ValLong(config.Setting("Port", ""));
-    if (target.time_out == 0) target.time_out = TextToLong(config.Setting("TimeOut", ""));
+void FillFromSettings(const SessConfig& config, ServerSettings& target) {
+    if (target.address.empty()) target.address = config.Read(setting::Address);
+    if (target.port == 0) target.port = config.Read(setting::Port);
+    if (target.time_out == 0) target.time_out = config.Read(setting::RequiredTimeOut);
 }
 
 // The request for the session, still without the profiles.
@@ -32,10 +31,10 @@ ASProfilesUpdate UploadRequest(const KQAppSessionInfo& session) {
 }
 
 // Connects; what went wrong in the user's language, nothing when the connection is made.
-std::optional<std::string> TryConnect(Procedure& procedure, APClient& client, const UploadTarget& target) {
+std::optional<std::string> TryConnect(Procedure& procedure, APClient& client, const ServerSettings& target) {
     try {
         client.Connect(target.address, target.port, "", target.time_out);
-        return client.Connected() ? std::nullopt : std::optional<std::string>("");
+        return std::nullopt;
     } catch (const Error& error) {
         procedure.Note(error.Number());
         return procedure.UserTexts().ForUser(error);
@@ -58,7 +57,7 @@ void Send(APClient& client, ASProfilesUpdate request, const std::shared_ptr<Prof
 }
 
 // The upload with a wait window of its own.
-bool Upload(ClientState& state, Procedure& procedure, LoginAttendant& attendant, UploadTarget& target) {
+bool Upload(ClientState& state, Procedure& procedure, LoginAttendant& attendant, ServerSettings& target) {
     try {
         return UploadProfiles(state, procedure, attendant, target);
     } catch (const UserGaveUp&) {
@@ -74,14 +73,10 @@ bool Upload(ClientState& state, Procedure& procedure, LoginAttendant& attendant,
 }  // namespace
 
 bool UploadProfiles(ClientState& state, Procedure& procedure, LoginAttendant& attendant,
-                    UploadTarget& target) {
+                    ServerSettings& target) {
     procedure.CheckTermination();
     if (state.config) FillFromSettings(*state.config, target);
-    if (!NamesServer(target.address, target.port, target.time_out)) {
-        state.texts.RaiseASError(kqaserrLoginBadAddr,
-                                 {target.address, TextOf(target.port), TextOf(target.time_out)},
-                                 ErrorCause::Arguments);
-    }
+    RequireServer(state.texts, target);
     const ASProfilesUpdate request = UploadRequest(*state.session_info);
     for (;;) {
         attendant.ShowWait(kWaitUpdating);
@@ -99,14 +94,14 @@ bool UploadProfiles(ClientState& state, Procedure& procedure, LoginAttendant& at
     }
 }
 
-bool UpdateProfilesEx(ClientState& state, bool interactive, UploadTarget& target) {
+bool UpdateProfilesEx(ClientState& state, bool interactive, ServerSettings& target) {
     Procedure procedure(state);
     const auto attendant = MakeAttendant(interactive, state);
     return Upload(state, procedure, *attendant, target);
 }
 
 void UpdateProfiles(ClientState& state) {
-    UploadTarget target;
+    ServerSettings target;
     UpdateProfilesEx(state, true, target);
 }
 
@@ -120,7 +115,7 @@ void AddReplaceProfile(ClientState& state, bool interactive, std::shared_ptr<Pro
     if (added->Name() == current_name) state.current_profile = added;
     procedure.CheckTermination();
     const auto attendant = MakeAttendant(interactive, state);
-    UploadTarget target;
+    ServerSettings target;
     Upload(state, procedure, *attendant, target);
 }
 

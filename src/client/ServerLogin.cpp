@@ -50,7 +50,7 @@ LoginStates ServerLogin::AttemptConnectServer() {
     try {
         connection_->Connect(state_.app_server_address, state_.app_server_port, "",
                              state_.app_server_time_out);
-        if (connection_->Connected()) return lsAttemptRegister;
+        return lsAttemptRegister;
     } catch (const Error& error) {
         procedure_->Note(error.Number());  // neither the error nor the question names it
     }

@@ -1,27 +1,11 @@
-// The settings file lies where IniFile puts it; all keys share its default section. "UseASServerForLogin" is
-// kept as "1" or "0".
+// The settings file lies where IniFile puts it; all keys share its default section.
 #include "client/SessConfig.h"
 
 #include <algorithm>
 
 #include <kqappsession/Error.h>
 
-#include "base/Convert.h"
-
 namespace kq {
-
-namespace {
-
-bool WriteAll(SessConfig& config, const SettingList& settings) {
-    bool kept = true;
-    for (const auto& [key, value] : settings) {
-        config.SetSetting(key, value);
-        kept = kept && config.Kept();
-    }
-    return kept;
-}
-
-}  // namespace
 
 void SessConfig::Initialize(const std::string& app_id) {
     std::string name = app_id;
@@ -38,31 +22,27 @@ void SessConfig::SetSetting(const std::string& key, const std::string& value) {
     ini_file_.SetValue(key, "", "", value);
 }
 
-ServerSettings ReadServerSettings(const SessConfig& config, const std::string& default_time_out) {
-    ServerSettings settings;
-    settings.address = config.Setting("Address", "");
-    settings.port = ValLong(config.Setting("Port", ""));
-    settings.time_out = ValLong(config.Setting("TimeOut", default_time_out));
-    settings.use_as_server_for_login = TextToBoolean(config.Setting("UseASServerForLogin", "1"));
-    return settings;
+ServerSettings ReadServerSettings(const SessConfig& config, const setting::Row<setting::Number>& time_out) {
+    return {config.Read(setting::Address), config.Read(setting::Port), config.Read(time_out),
+            config.Read(setting::UseASServerForLogin)};
 }
 
-bool WriteServerSettings(SessConfig& config, const ServerSettings& settings) {
-    return WriteAll(config, {{"Address", settings.address},
-                             {"Port", TextOf(settings.port)},
-                             {"TimeOut", TextOf(settings.time_out)},
-                             {"UseASServerForLogin", settings.use_as_server_for_login ? "1" : "0"}});
+bool WriteServerAddress(SessConfig& config, const ServerSettings& server) {
+    bool kept = config.Write(setting::Address, server.address);
+    kept = config.Write(setting::Port, server.port) && kept;
+    return config.Write(setting::TimeOut, server.time_out) && kept;
 }
 
-void StoreSettings(SessConfig& config, const SettingList& settings) {
-    if (WriteAll(config, settings)) return;
-    Raise(RuntimeError::PathFileAccess, "The settings could not be stored in " + config.Path(),
-          ErrorCause::SettingsFile);
+bool WriteServerSettings(SessConfig& config, const ServerSettings& server) {
+    const bool kept = WriteServerAddress(config, server);
+    return config.Write(setting::UseASServerForLogin, server.use_as_server_for_login) && kept;
 }
 
-bool NamesServer(const std::string& address, std::int32_t port, std::int32_t time_out) {
+void RequireServer(const Texts& texts, const ServerSettings& server) {
     constexpr std::int32_t kLastPort = 65'535;
-    return !address.empty() && port > 0 && port <= kLastPort && time_out > 0;
+    if (!server.address.empty() && server.port > 0 && server.port <= kLastPort && server.time_out > 0) return;
+    texts.RaiseASError(kqaserrLoginBadAddr, {server.address, TextOf(server.port), TextOf(server.time_out)},
+                       ErrorCause::Arguments);
 }
 
 }  // namespace kq

@@ -2,16 +2,16 @@
 // documents.
 //
 // Values are read from the file at every call and written to it immediately; a write that fails is silent,
-// and whoever has to know asks Kept or uses StoreSettings.
+// but for its result.
 #pragma once
 
-#include <cstdint>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include <kqappsession/Platform.h>
 
+#include "client/SettingList.h"
+#include "messages/ServerSettings.h"
+#include "messages/Texts.h"
 #include "util/IniFile.h"
 
 namespace kq {
@@ -29,11 +29,21 @@ class SessConfig {
     // Always empty: Initialize does not keep its argument.
     const std::string& AppID() const { return app_id_; }
 
-    // The value of a key; `default_value` when it is missing or empty.
+    // The value of a setting, as its row converts it. A malformed value raises the error of its conversion.
+    template <class Form>
+    typename Form::Value Read(const setting::Row<Form>& row) const {
+        return Form::Read(Setting(row.key, row.default_text));
+    }
+    // Whether the value reached the file.
+    template <class Form>
+    bool Write(const setting::Row<Form>& row, const typename Form::Value& value) {
+        SetSetting(row.key, Form::Write(value));
+        return ini_file_.Kept();
+    }
+
+    // The text of a key; `default_value` when it is missing or empty.
     std::string Setting(const std::string& key, const std::string& default_value) const;
     void SetSetting(const std::string& key, const std::string& value);
-    // Whether the last SetSetting reached the file.
-    bool Kept() const { return ini_file_.Kept(); }
     const std::string& Path() const { return ini_file_.Path(); }
 
  private:
@@ -41,29 +51,16 @@ class SessConfig {
     std::string app_id_;
 };
 
-// The stored settings of the login server.
-struct ServerSettings {
-    std::string address;
-    std::int32_t port = 0;
-    std::int32_t time_out = 0;  // ms
-    bool use_as_server_for_login = false;
-};
+// The settings of the login server. `time_out`: how a missing time-out is read.
+ServerSettings ReadServerSettings(const SessConfig& config,
+                                  const setting::Row<setting::Number>& time_out = setting::TimeOut);
+// Write address, port and time-out, and the second one the flag as well. False when the file does not hold
+// all of them now.
+[[nodiscard]] bool WriteServerAddress(SessConfig& config, const ServerSettings& server);
+[[nodiscard]] bool WriteServerSettings(SessConfig& config, const ServerSettings& server);
 
-// What a missing time-out reads as where nothing else is said.
-inline constexpr const char* kUsualTimeOut = "10000";
-
-// `default_time_out`: the text that a missing time-out reads as; its readers differ. Malformed values raise
-// the errors of their conversions.
-ServerSettings ReadServerSettings(const SessConfig& config, const std::string& default_time_out);
-// False when the file does not hold them now.
-[[nodiscard]] bool WriteServerSettings(SessConfig& config, const ServerSettings& settings);
-
-// Writes all of them, in order. Raises RuntimeError::PathFileAccess, with the file's path in the description,
-// when one of them could not be written.
-using SettingList = std::vector<std::pair<std::string, std::string>>;  // key, value
-void StoreSettings(SessConfig& config, const SettingList& settings);
-
-// Whether a connection can be made to this: an address, a port from 1 to 65535, a time-out above 0.
-bool NamesServer(const std::string& address, std::int32_t port, std::int32_t time_out);
+// Raises kqaserrLoginBadAddr unless a connection can be made to this: an address, a port from 1 to 65535, a
+// time-out above 0.
+void RequireServer(const Texts& texts, const ServerSettings& server);
 
 }  // namespace kq

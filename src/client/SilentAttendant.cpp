@@ -1,7 +1,6 @@
 // Answers from the arguments and the settings file; what only a user could answer is an error.
 #include "client/SilentAttendant.h"
 
-#include "base/Convert.h"
 #include "client/SessConfig.h"
 
 namespace kq {
@@ -9,18 +8,14 @@ namespace kq {
 namespace {
 
 // A setting that an argument replaces is not read: what is wrong with it does not matter.
-void ReadServer(const SessConfig& config, const SystemLoginArguments& arguments, LoginDetails& details) {
+ServerSettings ServerOf(const SessConfig& config, const SystemLoginArguments& arguments) {
+    const auto& given = arguments.UseASServerForLogin;
     try {
-        details.use_as_server_for_login = arguments.UseASServerForLogin.has_value()
-                                              ? *arguments.UseASServerForLogin
-                                              : TextToBoolean(config.Setting("UseASServerForLogin", "1"));
-        details.address = arguments.Address;
-        details.port = arguments.Port;
-        details.time_out = arguments.TimeOut;
-        if (!details.address.empty()) return;
-        details.address = config.Setting("Address", "");
-        details.port = ValLong(config.Setting("Port", ""));
-        details.time_out = ValLong(config.Setting("TimeOut", kUsualTimeOut));
+        const bool use_as_server = given ? *given : config.Read(setting::UseASServerForLogin);
+        if (!arguments.Address.empty())
+            return {arguments.Address, arguments.Port, arguments.TimeOut, use_as_server};
+        return {config.Read(setting::Address), config.Read(setting::Port), config.Read(setting::TimeOut),
+                use_as_server};
     } catch (const Error& error) {
         throw Error(error.Number(), error.Source(), error.Description(), ErrorCause::Arguments);
     }
@@ -40,12 +35,8 @@ LoginStates SilentAttendant::MeetUnexpected(std::int32_t, const Error&) {
 
 bool SilentAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArguments& arguments, bool,
                                    LoginDetails& details) {
-    ReadServer(config, arguments, details);
-    if (!NamesServer(details.address, details.port, details.time_out)) {
-        texts_.RaiseASError(kqaserrLoginBadAddr,
-                            {details.address, TextOf(details.port), TextOf(details.time_out)},
-                            ErrorCause::Arguments);
-    }
+    details.server = ServerOf(config, arguments);
+    RequireServer(texts_, details.server);
     details.login_id = arguments.LoginID;
     details.password = arguments.Password;
     if (details.login_id.empty() || details.password.Empty()) {
@@ -54,6 +45,7 @@ bool SilentAttendant::GetLoginInfo(SessConfig& config, const SystemLoginArgument
     }
     return true;
 }
+
 std::optional<Secret> SilentAttendant::GetNewPassword(const SystemLoginArguments&) {
     texts_.RaiseASError(kqaserrLoginBadPassword, {}, ErrorCause::PasswordChange);
 }

@@ -17,7 +17,6 @@ constexpr std::int32_t kUnexpectedError = 406;
 constexpr std::int32_t kWaitConnecting = 300;
 constexpr std::int32_t kWaitLoggingIn = 302;
 constexpr std::int32_t kWaitValidating = 312;
-constexpr const char* kLastDownloadedClient = "LastDownloadedClient";
 
 // Codes of the login server's protocol.
 constexpr std::int32_t kUnknownUserOrPassword = 7721;
@@ -41,9 +40,9 @@ bool IsServerFailure(std::int32_t code) {
 template <class Request>
 void Restrict(Request& request, const ClientState& state, const LoginDetails& details) {
     if (state.restrict_ip.empty() && state.restrict_port == 0) {
-        if (!details.use_as_server_for_login) return;
-        request.RestrictIP = details.address;
-        request.RestrictPort = TextOf(details.port);
+        if (!details.server.use_as_server_for_login) return;
+        request.RestrictIP = details.server.address;
+        request.RestrictPort = TextOf(details.server.port);
         return;
     }
     request.RestrictIP = state.restrict_ip;
@@ -70,10 +69,10 @@ LoginStates SystemLogin::Begin() {
 }
 
 void SystemLogin::RemoveDownloadedClient() {
-    const std::string old_client = config_->Setting(kLastDownloadedClient, "");
+    const std::string old_client = config_->Read(setting::LastDownloadedClient);
     if (old_client.empty()) return;
     state_.platform->Parts().folders->DeleteFile(old_client);
-    config_->SetSetting(kLastDownloadedClient, "");
+    config_->Write(setting::LastDownloadedClient, "");
 }
 
 std::optional<LoginStates> SystemLogin::Step(LoginStates state) {
@@ -123,8 +122,8 @@ LoginStates SystemLogin::AttemptConnectZEB() {
     connection_ = state_.NewLoginClient();
     std::string failure;
     try {
-        connection_->Connect(details_.address, details_.port, "", details_.time_out);
-        if (connection_->Connected()) return lsValidateClient;
+        connection_->Connect(details_.server.address, details_.server.port, "", details_.server.time_out);
+        return lsValidateClient;
     } catch (const Error& error) {
         procedure_->Note(error.Number());
         failure = state_.texts.ForUser(error);
@@ -141,8 +140,8 @@ LoginStates SystemLogin::ValidateClient() {
                                 ? ClientVersionOf(arguments_.AppObj.get(), state_.platform)
                                 : arguments_.ClientVersion;
     Restrict(request, state_, details_);
-    validation_ =
-        Exchange<ASValidateClientResponse>(*procedure_, *connection_, request.Build(), details_.time_out);
+    validation_ = Exchange<ASValidateClientResponse>(*procedure_, *connection_, request.Build(),
+                                                     details_.server.time_out);
     if (!validation_.received) return Meet(LoginFailure::NoValidateReply, {}, {validation_.failure});
     if (validation_.improper != 0) {
         const std::string text = state_.texts.Text(validation_.improper);
@@ -172,7 +171,7 @@ LoginStates SystemLogin::CheckClientDownload() {
 // The next start removes the file, whether or not it could be started.
 void SystemLogin::StartDownloadedClient(const std::string& path) {
     RemoveDownloadedClient();
-    config_->SetSetting(kLastDownloadedClient, path);
+    config_->Write(setting::LastDownloadedClient, path);
     procedure_->CheckTermination();
     const Platform::Machine& machine = state_.platform->Parts();
     if (const std::string reason = machine.process->Start(path); !reason.empty()) {
@@ -199,7 +198,8 @@ LoginStates SystemLogin::AttemptLogin() {
     request.Password = details_.password;
     request.NewPassword = details_.new_password;
     Restrict(request, state_, details_);
-    auto reply = Exchange<ASLoginResponse>(*procedure_, *connection_, request.Build(), details_.time_out);
+    auto reply =
+        Exchange<ASLoginResponse>(*procedure_, *connection_, request.Build(), details_.server.time_out);
     if (!reply.received) return Meet(LoginFailure::NoLoginReply, {}, {details_.login_id, ""});
     if (reply.improper != 0) {
         const std::string text = state_.texts.Text(reply.improper);

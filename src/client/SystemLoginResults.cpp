@@ -75,7 +75,7 @@ LoginStates SystemLogin::GetProfile() {
 }
 
 void SystemLogin::UploadChangedProfiles() {
-    UploadTarget target{details_.address, details_.port, details_.time_out};
+    ServerSettings target = details_.server;
     try {
         UploadProfiles(state_, *procedure_, *attendant_, target);
     } catch (const Error& error) {
@@ -95,9 +95,9 @@ std::shared_ptr<Profile> SystemLogin::NamedProfile(const Profiles& profiles) con
 void SystemLogin::Finish() {
     attendant_->HideWait();
     state_.app_server_port = ReceivedValLong(reply_.Port);
-    state_.app_server_address = details_.address;
+    state_.app_server_address = details_.server.address;
     state_.app_server_time_out = arguments_.TimeOut;
-    state_.use_as_server_for_login = details_.use_as_server_for_login;
+    state_.use_as_server_for_login = details_.server.use_as_server_for_login;
     state_.SetLoginState(kqaslsSystemLogin);
 }
 

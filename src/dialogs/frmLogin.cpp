@@ -15,39 +15,34 @@ constexpr std::int32_t kHide = 206;
 constexpr std::int32_t kOpenWithProfiles = 3645;
 constexpr std::int32_t kOpen = 3360;
 
-class LoginWindow : public Window {
+class LoginWindow : public OKCancelWindow {
  public:
-    explicit LoginWindow(frmLogin& dialog)
-        : Window(dialog, frmLogin::Row()),
+    LoginWindow(frmLogin& dialog, bool use_profiles)
+        : OKCancelWindow(dialog, frmLogin::Row()),
           get_address_port_(dialog.GetAddressPort),
-          save_address_port_(dialog.SaveAddressPort) {
-        OnClick("cmdOK", [this] { cmdOK_Click(); });
-        OnClick("cmdCancel", [this] { form_->Hide(); });
+          save_address_port_(dialog.SaveAddressPort),
+          profiles_used_(use_profiles) {
         OnClick("cmdShowHide", [this] { cmdShowHide_Click(); });
         OnClick("cmdChangeServer", [this] { cmdChangeServer_Click(); });
         for (const auto box : {"txtLoginID", "txtPassword", "txtNewPassword"})
             SelectsAllOnFocus(box);
     }
 
-    bool Run(std::string& login_id, Secret& password, bool use_profiles, Secret& new_password,
-             bool& ask_for_profile, bool& show, const IconPtr& icon) {
-        profiles_used_ = use_profiles;
-        details_shown_ = show;
-        if (use_profiles)
-            ask_for_profile_.SetChecked(ask_for_profile);
+    bool Run(LoginAnswer& answer, const IconPtr& icon) {
+        details_shown_ = answer.show_details;
+        if (profiles_used_)
+            ask_for_profile_.SetChecked(answer.ask_for_profile);
         else
             ask_for_profile_.SetVisible(false);
-        if (icon) form_->SetIcon(icon);
         LayOut();
-        login_id_.SetText(login_id);
-        form_->SetFocus(login_id.empty() ? login_id_ : password_);
-        form_->ShowModal();
-        if (!ok_) return false;
-        login_id = login_id_.Text();
-        password = password_.Typed();
-        new_password = new_password_.Typed();
-        show = details_shown_;
-        if (profiles_used_) ask_for_profile = ask_for_profile_.Checked();
+        login_id_.SetText(answer.login_id);
+        form_->SetFocus(answer.login_id.empty() ? login_id_ : password_);
+        if (!Confirmed(icon)) return false;
+        answer.login_id = login_id_.Text();
+        answer.password = password_.Typed();
+        answer.new_password = new_password_.Typed();
+        answer.show_details = details_shown_;
+        if (profiles_used_) answer.ask_for_profile = ask_for_profile_.Checked();
         return true;
     }
 
@@ -60,13 +55,7 @@ class LoginWindow : public Window {
             form_->SetHeight({FormHeight::Rule::EndsAt, 0, "Picture2"});
     }
 
-    void cmdOK_Click() {
-        if (!IsValid()) return;
-        ok_ = true;
-        form_->Hide();
-    }
-
-    bool IsValid() {
+    bool Accepts() override {
         if (login_id_.Text().empty()) {
             boxes_.ShowWarning(kNoLoginID);
             GoBackTo(login_id_);
@@ -86,22 +75,17 @@ class LoginWindow : public Window {
     }
 
     void cmdChangeServer_Click() {
-        std::string address;
-        std::int32_t port = 0;
-        std::int32_t time_out = 0;
-        bool use_as_server = false;
-        if (get_address_port_) get_address_port_(address, port, time_out, use_as_server);
-        if (!form_->Visible()) return;  // the dialog has gone meanwhile
-        frmServer server(platform_);
-        const bool changed = server.GetServerInfo(address, port, time_out, use_as_server, nullptr, form_);
-        if (changed && save_address_port_) save_address_port_(address, port, time_out, use_as_server);
+        ServerSettings server;
+        if (get_address_port_) get_address_port_(server);
+        if (!form_->Visible()) return;  // the dialog has gone in the meantime
+        const bool changed = frmServer(platform_).GetServerInfo(server, nullptr, form_);
+        if (changed && save_address_port_) save_address_port_(server);
     }
 
-    const frmLogin::ServerEvent get_address_port_;
-    const frmLogin::ServerEvent save_address_port_;
-    bool ok_ = false;
+    const std::function<void(ServerSettings&)> get_address_port_;
+    const std::function<void(const ServerSettings&)> save_address_port_;
+    const bool profiles_used_;
     bool details_shown_ = false;
-    bool profiles_used_ = false;
     Control& login_id_ = At("txtLoginID");
     Control& password_ = At("txtPassword");
     Control& new_password_ = At("txtNewPassword");
@@ -152,10 +136,8 @@ const FormRow& frmLogin::Row() {
     return row;
 }
 
-bool frmLogin::Login(std::string& login_id, Secret& password, bool use_profiles, Secret& new_password,
-                     bool& ask_for_profile, bool& show, const IconPtr& icon) {
-    return LoginWindow(*this).Run(login_id, password, use_profiles, new_password, ask_for_profile, show,
-                                  icon);
+bool frmLogin::Login(LoginAnswer& answer, bool use_profiles, const IconPtr& icon) {
+    return LoginWindow(*this, use_profiles).Run(answer, icon);
 }
 
 }  // namespace kq

@@ -23,53 +23,39 @@ bool RoundsInto(const std::string& text, std::int32_t first, std::int32_t last) 
     }
 }
 
-class ServerWindow : public Window {
+class ServerWindow : public OKCancelWindow {
  public:
-    explicit ServerWindow(Dialog& dialog) : Window(dialog, frmServer::Row()) {
-        OnClick("cmdOK", [this] { cmdOK_Click(); });
-        OnClick("cmdCancel", [this] { form_->Hide(); });
+    explicit ServerWindow(Dialog& dialog) : OKCancelWindow(dialog, frmServer::Row()) {
         SelectsAllOnFocus("txtAddress");
         SelectsAllOnFocus("txtPort");
     }
 
-    bool Run(std::string& address, std::int32_t& port, std::int32_t& time_out, bool& use_as_server,
-             const IconPtr& icon, const std::shared_ptr<Form>& owner) {
-        if (icon) form_->SetIcon(icon);
-        address_.SetText(address);
-        port_.SetText(port < 1 ? std::string() : TextOf(port));
-        time_out_.SetText(TextOf(time_out / kMillisecondsPerSecond));
-        use_as_server_.SetChecked(use_as_server);
-        form_->ShowModal(owner);
-        if (!ok_) return false;
-        address = address_.Text();
-        port = ValLong(port_.Text());
-        time_out = RoundToLong(Val(time_out_.Text()) * kMillisecondsPerSecond);
-        use_as_server = use_as_server_.Checked();
+    bool Run(ServerSettings& server, const IconPtr& icon, const std::shared_ptr<Form>& owner) {
+        address_.SetText(server.address);
+        port_.SetText(server.port < 1 ? std::string() : TextOf(server.port));
+        time_out_.SetText(TextOf(server.time_out / kMillisecondsPerSecond));
+        use_as_server_.SetChecked(server.use_as_server_for_login);
+        if (!Confirmed(icon, owner)) return false;
+        server.address = address_.Text();
+        server.port = ValLong(port_.Text());
+        server.time_out = RoundToLong(Val(time_out_.Text()) * kMillisecondsPerSecond);
+        server.use_as_server_for_login = use_as_server_.Checked();
         return true;
     }
 
  private:
-    void cmdOK_Click() {
-        if (!IsValid()) return;
-        ok_ = true;
-        form_->Hide();
-    }
-
-    bool IsValid() {
-        if (!RoundsInto(port_.Text(), 1, 65535)) {
-            Warn(kBadPort);
-            GoBackTo(port_);
-            return false;
-        }
-        if (!RoundsInto(time_out_.Text(), 1, 60)) {
-            Warn(kBadTimeOut);
-            GoBackTo(time_out_);
-            return false;
-        }
+    bool Accepts() override {
+        if (!RoundsInto(port_.Text(), 1, 65535)) return Complains(port_, kBadPort);
+        if (!RoundsInto(time_out_.Text(), 1, 60)) return Complains(time_out_, kBadTimeOut);
         return true;
     }
 
-    bool ok_ = false;
+    bool Complains(Control& box, std::int32_t text_id) {
+        Warn(text_id);
+        GoBackTo(box);
+        return false;
+    }
+
     Control& address_ = At("txtAddress");
     Control& port_ = At("txtPort");
     Control& time_out_ = At("txtTimeOut");
@@ -102,9 +88,9 @@ const FormRow& frmServer::Row() {
     return row;
 }
 
-bool frmServer::GetServerInfo(std::string& address, std::int32_t& port, std::int32_t& time_out,
-                              bool& use_as_server, const IconPtr& icon, const std::shared_ptr<Form>& owner) {
-    return ServerWindow(*this).Run(address, port, time_out, use_as_server, icon, owner);
+bool frmServer::GetServerInfo(ServerSettings& server, const IconPtr& icon,
+                              const std::shared_ptr<Form>& owner) {
+    return ServerWindow(*this).Run(server, icon, owner);
 }
 
 }  // namespace kq

@@ -4,11 +4,10 @@
 // Callers hold the time-out in milliseconds; the user sees and types seconds.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <string>
 
 #include "dialogs/Dialog.h"
+#include "messages/ServerSettings.h"
 
 namespace kq {
 
@@ -17,11 +16,11 @@ class frmServer : public Dialog {
     static const FormRow& Row();
     using Dialog::Dialog;
 
-    // Shows the values and lets the user change them. True when the user confirmed values that are valid; the
-    // four are then replaced. On false they stay. `icon` may be null; `owner` is the form that waits
-    // meanwhile.
-    bool GetServerInfo(std::string& address, std::int32_t& port, std::int32_t& time_out, bool& use_as_server,
-                       const IconPtr& icon, const std::shared_ptr<Form>& owner = nullptr);
+    // Shows the settings and lets the user change them. True when the user confirmed settings that are valid;
+    // `server` holds them now. On false it stays. `icon` may be null; `owner` is the form that waits in the
+    // meantime.
+    bool GetServerInfo(ServerSettings& server, const IconPtr& icon,
+                       const std::shared_ptr<Form>& owner = nullptr);
 };
 
 }  // namespace kq

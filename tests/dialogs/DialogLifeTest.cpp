@@ -15,10 +15,8 @@ namespace kq {
 namespace {
 
 struct DialogLife : DialogScene {
-    bool LogsIn(frmLogin& dialog) { return dialog.Login(text, secret, true, secret, flag, flag, nullptr); }
-    std::string text;
-    Secret secret;
-    bool flag = true;
+    bool LogsIn(frmLogin& dialog) { return dialog.Login(answer, true, nullptr); }
+    LoginAnswer answer{.ask_for_profile = true, .show_details = true};
 };
 
 TEST_F(DialogLife, ClosesTheWindowWhenTheObjectGoes) {
@@ -61,17 +59,15 @@ TEST_F(DialogLife, ALoginDialogThatGoesUnderItsMessageReturnsAsCancelled) {
         user.Clicks("cmdOK");
         EXPECT_FALSE(user.IsOpen());
     });
-    std::string login_id = "bob";
-    Secret password("old");
-    Secret new_password("older");
-    bool ask_for_profile = true;
-    bool show = true;
-    EXPECT_FALSE(dialog->Login(login_id, password, true, new_password, ask_for_profile, show, nullptr));
+    answer.login_id = "bob";
+    answer.password = Secret("old");
+    answer.new_password = Secret("older");
+    EXPECT_FALSE(LogsIn(*dialog));
     BoxSaid("A password must be specified.", "Login Procedure", BoxStyle::Warning);
-    EXPECT_EQ(login_id, "bob");
-    EXPECT_EQ(password.Reveal(), "old");
-    EXPECT_EQ(new_password.Reveal(), "older");
-    EXPECT_TRUE(ask_for_profile);
+    EXPECT_EQ(answer.login_id, "bob");
+    EXPECT_EQ(answer.password.Reveal(), "old");
+    EXPECT_EQ(answer.new_password.Reveal(), "older");
+    EXPECT_TRUE(answer.ask_for_profile);
 }
 
 TEST_F(DialogLife, AServerDialogThatGoesUnderItsMessageReturnsAsCancelled) {
@@ -85,17 +81,14 @@ TEST_F(DialogLife, AServerDialogThatGoesUnderItsMessageReturnsAsCancelled) {
         user.Clicks("cmdOK");
         EXPECT_FALSE(user.IsOpen());
     });
-    std::string address = "zeb";
-    std::int32_t port = 7710;
-    std::int32_t time_out = 10'000;
-    bool use_as_server = true;
-    EXPECT_FALSE(dialog->GetServerInfo(address, port, time_out, use_as_server, nullptr));
+    ServerSettings server{"zeb", 7710, 10'000, true};
+    EXPECT_FALSE(dialog->GetServerInfo(server, nullptr));
     BoxSaid("Time-out value must be greater than 0 and less than 60 seconds.", "KQAppSessionLib",
             BoxStyle::Warning);
-    EXPECT_EQ(address, "zeb");
-    EXPECT_EQ(port, 7710);
-    EXPECT_EQ(time_out, 10'000);
-    EXPECT_TRUE(use_as_server);
+    EXPECT_EQ(server.address, "zeb");
+    EXPECT_EQ(server.port, 7710);
+    EXPECT_EQ(server.time_out, 10'000);
+    EXPECT_TRUE(server.use_as_server_for_login);
 }
 
 TEST_F(DialogLife, APasswordDialogThatGoesUnderItsMessageReturnsAsCancelled) {
@@ -179,6 +172,7 @@ TEST(DialogsWithoutAFace, RaiseAnError) {
 }
 
 TEST_F(DialogLife, EndsWithTheErrorOfAMissingText) {
+    Secret secret;
     const Error error =
         ErrorOf([&] { frmPassword(machine.fakes.platform).GetPassword(secret, secret, nullptr); });
     EXPECT_EQ(error.Number(), NumberOf(RuntimeError::ResourceNotFound));

@@ -10,7 +10,7 @@ namespace {
 struct LoginDialog : DialogScene {
     bool Opens(FakeDialogHost::Script script) {
         host.Expect("frmLogin", std::move(script));
-        return dialog.Login(login_id, password, use_profiles, new_password, ask_for_profile, show, icon);
+        return dialog.Login(answer, use_profiles, icon);
     }
     // What the user sees of the dialog at once.
     void Looks(const std::function<void(FakeUser&)>& look) {
@@ -25,25 +25,24 @@ struct LoginDialog : DialogScene {
         user.Clicks("cmdOK");
     }
     void Unchanged() {
-        EXPECT_EQ(login_id, "bob");
-        EXPECT_EQ(password.Reveal(), "old");
-        EXPECT_EQ(new_password.Reveal(), "older");
-        EXPECT_TRUE(ask_for_profile);
-        EXPECT_FALSE(show);
+        EXPECT_EQ(answer.login_id, "bob");
+        EXPECT_EQ(answer.password.Reveal(), "old");
+        EXPECT_EQ(answer.new_password.Reveal(), "older");
+        EXPECT_TRUE(answer.ask_for_profile);
+        EXPECT_FALSE(answer.show_details);
     }
 
     frmLogin dialog{machine.platform};
-    std::string login_id = "bob";
-    Secret password{"old"};
+    LoginAnswer answer{.login_id = "bob",
+                       .password = Secret("old"),
+                       .new_password = Secret("older"),
+                       .ask_for_profile = true};
     bool use_profiles = true;
-    Secret new_password{"older"};
-    bool ask_for_profile = true;
-    bool show = false;
     IconPtr icon;
 };
 
 TEST_F(LoginDialog, ShowsItsTexts) {
-    show = true;
+    answer.show_details = true;
     Looks([](FakeUser& user) {
         EXPECT_EQ(user.SeesCaption(), "Please Login");
         EXPECT_EQ(user.Sees("lblLoginID"), "Login ID:");
@@ -58,7 +57,7 @@ TEST_F(LoginDialog, ShowsItsTexts) {
 }
 
 TEST_F(LoginDialog, StartsWithTheLoginIdAndEmptyPasswords) {
-    show = true;
+    answer.show_details = true;
     Looks([](FakeUser& user) {
         EXPECT_EQ(user.Sees("txtLoginID"), "bob");
         EXPECT_EQ(user.Sees("txtPassword"), "");
@@ -78,31 +77,31 @@ TEST_F(LoginDialog, ReturnsWhatTheUserTyped) {
         user.Unticks("chkAskForProfile");
         LogsIn(user);
     }));
-    EXPECT_EQ(login_id, "ann");
-    EXPECT_EQ(password.Reveal(), "secret");
-    EXPECT_EQ(new_password.Reveal(), "better");
-    EXPECT_FALSE(ask_for_profile);
-    EXPECT_TRUE(show);
+    EXPECT_EQ(answer.login_id, "ann");
+    EXPECT_EQ(answer.password.Reveal(), "secret");
+    EXPECT_EQ(answer.new_password.Reveal(), "better");
+    EXPECT_FALSE(answer.ask_for_profile);
+    EXPECT_TRUE(answer.show_details);
 }
 
 TEST_F(LoginDialog, ReturnsAnEmptyNewPasswordWhenNoneIsTyped) {
     EXPECT_TRUE(Opens(LogsIn));
-    EXPECT_TRUE(new_password.Empty());
+    EXPECT_TRUE(answer.new_password.Empty());
 }
 
 TEST_F(LoginDialog, KeepsWhatWasTypedInTheMoreAreaWhenThatIsClosed) {
-    show = true;
+    answer.show_details = true;
     EXPECT_TRUE(Opens([](FakeUser& user) {
         user.Types("txtNewPassword", "better");
         user.Clicks("cmdShowHide");
         LogsIn(user);
     }));
-    EXPECT_EQ(new_password.Reveal(), "better");
-    EXPECT_FALSE(show);
+    EXPECT_EQ(answer.new_password.Reveal(), "better");
+    EXPECT_FALSE(answer.show_details);
 }
 
 TEST_F(LoginDialog, MasksThePasswords) {
-    show = true;
+    answer.show_details = true;
     Looks([](FakeUser& user) {
         user.Types("txtPassword", "señor");
         user.Types("txtNewPassword", "ab");
@@ -113,7 +112,7 @@ TEST_F(LoginDialog, MasksThePasswords) {
 }
 
 TEST_F(LoginDialog, AsksForALoginIdFirst) {
-    login_id = "";
+    answer.login_id = "";
     host.Answer(BoxButton::OK);
     EXPECT_FALSE(Opens([](FakeUser& user) {
         user.Clicks("cmdOK");
@@ -145,8 +144,8 @@ TEST_F(LoginDialog, AcceptsBlanksAsIdAndPassword) {
         user.Types("txtPassword", "  ");
         user.Clicks("cmdOK");
     }));
-    EXPECT_EQ(login_id, " ");
-    EXPECT_EQ(password.Reveal(), "  ");
+    EXPECT_EQ(answer.login_id, " ");
+    EXPECT_EQ(answer.password.Reveal(), "  ");
 }
 
 TEST_F(LoginDialog, ChangesNothingWhenItIsCancelled) {
@@ -186,7 +185,7 @@ TEST_F(LoginDialog, StartsAfreshEachTime) {
 }
 
 TEST_F(LoginDialog, SelectsTheWholeTextOfABoxOnFocus) {
-    show = true;
+    answer.show_details = true;
     Looks([](FakeUser& user) {
         user.GoesTo("txtLoginID");
         EXPECT_EQ(user.SeesMarked("txtLoginID"), (Selection{0, 3}));
@@ -200,7 +199,7 @@ TEST_F(LoginDialog, SelectsTheWholeTextOfABoxOnFocus) {
 }
 
 TEST_F(LoginDialog, IsReachedByTabInReadingOrder) {
-    show = true;
+    answer.show_details = true;
     Looks([](FakeUser& user) {
         std::string way = user.Focus();
         for (int i = 0; i < 7; ++i) {
@@ -218,7 +217,7 @@ TEST_F(LoginDialog, BeginsWithThePasswordWhenItKnowsTheLoginId) {
 }
 
 TEST_F(LoginDialog, BeginsWithTheLoginIdWhenThereIsNone) {
-    login_id = "";
+    answer.login_id = "";
     Looks([](FakeUser& user) { EXPECT_EQ(user.Focus(), "txtLoginID"); });
 }
 
@@ -249,7 +248,7 @@ TEST_F(LoginDialog, EndsWhereTheMoreAreaBeginsWhenThatIsClosed) {
 }
 
 TEST_F(LoginDialog, Is3645TwipsHighWhenTheMoreAreaIsOpen) {
-    show = true;
+    answer.show_details = true;
     Looks([](FakeUser& user) {
         EXPECT_EQ(user.Window().Height(), (FormHeight{FormHeight::Rule::Outer, 3645}));
         EXPECT_TRUE(user.CanUse("txtNewPassword"));
@@ -258,7 +257,7 @@ TEST_F(LoginDialog, Is3645TwipsHighWhenTheMoreAreaIsOpen) {
 }
 
 TEST_F(LoginDialog, Is3360TwipsHighWithoutTheCheckBox) {
-    show = true;
+    answer.show_details = true;
     use_profiles = false;
     Looks([](FakeUser& user) {
         EXPECT_EQ(user.Window().Height(), (FormHeight{FormHeight::Rule::Outer, 3360}));
@@ -279,34 +278,27 @@ TEST_F(LoginDialog, IsAsBeforeAfterTwoClicksOnTheButtonOfTheMoreArea) {
 }
 
 TEST_F(LoginDialog, ShowsWhetherTheUserIsAskedForAProfile) {
-    show = true;
+    answer.show_details = true;
     Looks([](FakeUser& user) { EXPECT_TRUE(user.SeesTicked("chkAskForProfile")); });
-    ask_for_profile = false;
+    answer.ask_for_profile = false;
     Looks([](FakeUser& user) { EXPECT_FALSE(user.SeesTicked("chkAskForProfile")); });
 }
 
 TEST_F(LoginDialog, LeavesTheChoiceOfTheProfileAloneWhenProfilesAreNotUsed) {
     use_profiles = false;
     EXPECT_TRUE(Opens(LogsIn));
-    EXPECT_TRUE(ask_for_profile);
+    EXPECT_TRUE(answer.ask_for_profile);
 }
 
 // --- The way to the server dialog
 
 struct ServerOfLogin : LoginDialog {
     ServerOfLogin() {
-        show = true;
-        dialog.GetAddressPort = [](std::string& address, std::int32_t& port, std::int32_t& time_out,
-                                   bool& use) {
-            address = "zeb";
-            port = 7710;
-            time_out = 10'000;
-            use = true;
-        };
-        dialog.SaveAddressPort = [this](std::string& address, std::int32_t& port, std::int32_t& time_out,
-                                        bool& use) {
-            saved += address + " " + std::to_string(port) + " " + std::to_string(time_out) +
-                     (use ? " yes" : " no");
+        answer.show_details = true;
+        dialog.GetAddressPort = [](ServerSettings& server) { server = {"zeb", 7710, 10'000, true}; };
+        dialog.SaveAddressPort = [this](const ServerSettings& server) {
+            saved += server.address + " " + std::to_string(server.port) + " " +
+                     std::to_string(server.time_out) + (server.use_as_server_for_login ? " yes" : " no");
         };
     }
     void ChangesServer(FakeDialogHost::Script script) {

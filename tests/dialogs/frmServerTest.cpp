@@ -12,7 +12,7 @@ struct ServerDialog : DialogScene {
     // Opens the dialog; the user does as told.
     bool Opens(FakeDialogHost::Script script) {
         host.Expect("frmServer", std::move(script));
-        return frmServer(machine.platform).GetServerInfo(address, port, time_out, use_as_server, icon);
+        return frmServer(machine.platform).GetServerInfo(server, icon);
     }
     // The user types a port (or time-out) and OK. True when that is accepted.
     bool Accepts(const std::string& box, const std::string& text) {
@@ -35,16 +35,13 @@ struct ServerDialog : DialogScene {
         Unchanged();
     }
     void Unchanged() {
-        EXPECT_EQ(address, "zeb");
-        EXPECT_EQ(port, 7710);
-        EXPECT_EQ(time_out, 10'000);
-        EXPECT_TRUE(use_as_server);
+        EXPECT_EQ(server.address, "zeb");
+        EXPECT_EQ(server.port, 7710);
+        EXPECT_EQ(server.time_out, 10'000);
+        EXPECT_TRUE(server.use_as_server_for_login);
     }
 
-    std::string address = "zeb";
-    std::int32_t port = 7710;
-    std::int32_t time_out = 10'000;
-    bool use_as_server = true;
+    ServerSettings server{"zeb", 7710, 10'000, true};
     IconPtr icon;
 };
 
@@ -77,7 +74,7 @@ TEST_F(ServerDialog, ShowsTheCallersValues) {
 }
 
 TEST_F(ServerDialog, LeavesTheCheckBoxEmptyWhenTheApplicationServerIsNotUsed) {
-    use_as_server = false;
+    server.use_as_server_for_login = false;
     Opens([](FakeUser& user) {
         EXPECT_FALSE(user.SeesTicked("chkUseASServerforLogin"));
         user.Closes();
@@ -86,7 +83,7 @@ TEST_F(ServerDialog, LeavesTheCheckBoxEmptyWhenTheApplicationServerIsNotUsed) {
 
 TEST_F(ServerDialog, ShowsAPortBelowOneAsAnEmptyBox) {
     for (const std::int32_t none : {0, -1}) {
-        port = none;
+        server.port = none;
         Opens([](FakeUser& user) {
             EXPECT_EQ(user.Sees("txtPort"), "");
             user.Closes();
@@ -96,7 +93,7 @@ TEST_F(ServerDialog, ShowsAPortBelowOneAsAnEmptyBox) {
 
 TEST_F(ServerDialog, DropsTheFractionOfASecond) {
     for (const auto& [milliseconds, seconds] : {std::pair{1500, "1"}, {999, "0"}, {-1500, "-1"}, {0, "0"}}) {
-        time_out = milliseconds;
+        server.time_out = milliseconds;
         Opens([&](FakeUser& user) {
             EXPECT_EQ(user.Sees("txtTimeOut"), seconds);
             user.Closes();
@@ -158,15 +155,15 @@ TEST_F(ServerDialog, GivesBackWhatTheUserConfirmed) {
         user.Unticks("chkUseASServerforLogin");
         user.Clicks("cmdOK");
     }));
-    EXPECT_EQ(address, " login.example.com ");
-    EXPECT_EQ(port, 80);
-    EXPECT_EQ(time_out, 25'000);
-    EXPECT_FALSE(use_as_server);
+    EXPECT_EQ(server.address, " login.example.com ");
+    EXPECT_EQ(server.port, 80);
+    EXPECT_EQ(server.time_out, 25'000);
+    EXPECT_FALSE(server.use_as_server_for_login);
 }
 
 TEST_F(ServerDialog, AcceptsAnEmptyAddress) {
     EXPECT_TRUE(Accepts("txtAddress", ""));
-    EXPECT_EQ(address, "");
+    EXPECT_EQ(server.address, "");
 }
 
 TEST_F(ServerDialog, RefusesAPortThatIsNone) {
@@ -177,24 +174,24 @@ TEST_F(ServerDialog, RefusesAPortThatIsNone) {
 TEST_F(ServerDialog, AcceptsThePortsOfTheRange) {
     for (const auto& [text, number] : {std::pair{"1", 1}, {"65535", 65535}, {"0.6", 1}}) {
         EXPECT_TRUE(Accepts("txtPort", text)) << text;
-        EXPECT_EQ(port, number) << text;
+        EXPECT_EQ(server.port, number) << text;
     }
 }
 
 TEST_F(ServerDialog, ReadsTheNumberAtTheBeginningOfThePort) {
     for (const auto text : {"80x", " 80"}) {
-        port = 7710;
+        server.port = 7710;
         EXPECT_TRUE(Accepts("txtPort", text)) << text;
-        EXPECT_EQ(port, 80) << text;
+        EXPECT_EQ(server.port, 80) << text;
     }
 }
 
 TEST_F(ServerDialog, RoundsAPortThatEndsInAHalfToTheEvenNeighbour) {
     for (const auto& [text, number] : {std::pair{"80.5", 80}, {"81.5", 82}}) {
         EXPECT_TRUE(Accepts("txtPort", text)) << text;
-        EXPECT_EQ(port, number) << text;
+        EXPECT_EQ(server.port, number) << text;
     }
-    port = 7710;
+    server.port = 7710;
     Refuses("txtPort", "65535.5", kBadPort);
 }
 
@@ -205,19 +202,19 @@ TEST_F(ServerDialog, RefusesATimeOutThatIsNone) {
 
 TEST_F(ServerDialog, AcceptsATimeOutOf60SecondsThoughTheMessageSaysLess) {
     EXPECT_TRUE(Accepts("txtTimeOut", "60"));
-    EXPECT_EQ(time_out, 60'000);
+    EXPECT_EQ(server.time_out, 60'000);
 }
 
 TEST_F(ServerDialog, RoundsATimeOutThatEndsInAHalfToTheEvenNeighbourForTheCheck) {
     EXPECT_TRUE(Accepts("txtTimeOut", "60.5"));
-    EXPECT_EQ(time_out, 60'500);
+    EXPECT_EQ(server.time_out, 60'500);
 }
 
 TEST_F(ServerDialog, KeepsTheFractionOfATimeOutThatItCheckedRounded) {
     for (const auto& [text, milliseconds] :
          {std::pair{"1", 1000}, {"1.4", 1400}, {"0.6", 600}, {"60.4", 60'400}, {"5s", 5000}}) {
         EXPECT_TRUE(Accepts("txtTimeOut", text)) << text;
-        EXPECT_EQ(time_out, milliseconds) << text;
+        EXPECT_EQ(server.time_out, milliseconds) << text;
     }
 }
 
@@ -241,7 +238,7 @@ TEST_F(ServerDialog, ComplainsAboutTheTimeOutInAPlainBoxAndStaysOpen) {
         user.Clicks("cmdOK");
     }));
     BoxSaid(kBadTimeOut, "KQAppSessionLib", BoxStyle::Warning);
-    EXPECT_EQ(time_out, 7000);
+    EXPECT_EQ(server.time_out, 7000);
 }
 
 TEST_F(ServerDialog, GoesBackToTheBoxThatItComplainsAboutWithItsTextSelected) {

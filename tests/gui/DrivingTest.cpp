@@ -44,11 +44,10 @@ class AtTheWindow : public testing::Test {
 
 class LoginWindow : public AtTheWindow {
  protected:
-    bool Login() { return dialog.Login(login_id, password, use_profiles, new_password, ask, show, nullptr); }
+    bool Login() { return dialog.Login(answer, use_profiles, nullptr); }
     frmLogin dialog{stage.Machine()};
-    std::string login_id = "ann";
-    Secret password, new_password;
-    bool use_profiles = true, ask = false, show = false;
+    LoginAnswer answer{.login_id = "ann"};
+    bool use_profiles = true;
 };
 
 TEST_F(LoginWindow, TakesIdAndPasswordWithEnter) {
@@ -60,8 +59,8 @@ TEST_F(LoginWindow, TakesIdAndPasswordWithEnter) {
         user.Presses("Return");
     });
     EXPECT_TRUE(Login());
-    EXPECT_EQ(login_id, "Bob2");
-    EXPECT_EQ(password.Reveal(), "Swordfish 1");
+    EXPECT_EQ(answer.login_id, "Bob2");
+    EXPECT_EQ(answer.password.Reveal(), "Swordfish 1");
 }
 
 TEST_F(LoginWindow, BeginsWithThePasswordOfAKnownLoginId) {
@@ -71,11 +70,11 @@ TEST_F(LoginWindow, BeginsWithThePasswordOfAKnownLoginId) {
         user.Presses("Return");
     });
     EXPECT_TRUE(Login());
-    EXPECT_EQ(login_id, "ann");
+    EXPECT_EQ(answer.login_id, "ann");
 }
 
 TEST_F(LoginWindow, BeginsWithTheLoginIdWhenThereIsNone) {
-    login_id = "";
+    answer.login_id = "";
     stage.When("frmLogin", [&](QWidget& window) {
         user.SeesFocusOn(window, "txtLoginID");
         user.Presses("Escape");
@@ -90,7 +89,7 @@ TEST_F(LoginWindow, ShowsOnlyStarsForThePassword) {
         user.Clicks(window, "cmdCancel");
     });
     EXPECT_FALSE(Login());
-    EXPECT_TRUE(password.Empty());
+    EXPECT_TRUE(answer.password.Empty());
 }
 
 TEST_F(LoginWindow, AsksForWhatIsMissingAndStaysOpen) {
@@ -126,9 +125,9 @@ TEST_F(LoginWindow, OpensItsLowerPartAndTellsSo) {
         user.Clicks(window, "cmdOK");
     });
     EXPECT_TRUE(Login());
-    EXPECT_TRUE(show);
-    EXPECT_TRUE(ask);
-    EXPECT_EQ(new_password.Reveal(), "new");
+    EXPECT_TRUE(answer.show_details);
+    EXPECT_TRUE(answer.ask_for_profile);
+    EXPECT_EQ(answer.new_password.Reveal(), "new");
 }
 
 TEST_F(LoginWindow, IsAsBeforeWhenItsLowerPartIsClosedAgain) {
@@ -141,26 +140,20 @@ TEST_F(LoginWindow, IsAsBeforeWhenItsLowerPartIsClosedAgain) {
         user.Presses("Escape");
     });
     EXPECT_FALSE(Login());
-    EXPECT_FALSE(show);
+    EXPECT_FALSE(answer.show_details);
 }
 
 TEST_F(LoginWindow, IsCancelledByItsCloseBox) {
     stage.When("frmLogin", [&](QWidget& window) { user.ClosesByTheSystem(window); });
     EXPECT_FALSE(Login());
-    EXPECT_EQ(login_id, "ann");
+    EXPECT_EQ(answer.login_id, "ann");
 }
 
 TEST_F(LoginWindow, OpensTheServerDialogAndGoesOnAfterIt) {
     std::string saved;
-    dialog.GetAddressPort = [](std::string& address, std::int32_t& port, std::int32_t& time_out, bool&) {
-        address = "zeb";
-        port = 7710;
-        time_out = 5000;
-    };
-    dialog.SaveAddressPort = [&](std::string& address, std::int32_t&, std::int32_t&, bool&) {
-        saved = address;
-    };
-    show = true;
+    dialog.GetAddressPort = [](ServerSettings& server) { server = {"zeb", 7710, 5000}; };
+    dialog.SaveAddressPort = [&](const ServerSettings& server) { saved = server.address; };
+    answer.show_details = true;
     stage.When("frmLogin", [&](QWidget& window) { user.Clicks(window, "cmdChangeServer"); });
     stage.When("frmServer", [&](QWidget& window) {
         EXPECT_FALSE(FindWindow("frmLogin")->isActiveWindow());
@@ -188,12 +181,8 @@ TEST_F(LoginWindow, TakesNoClicksWhileAMessageIsOpen) {
 
 class ServerWindow : public AtTheWindow {
  protected:
-    bool Ask() {
-        return frmServer(stage.Machine()).GetServerInfo(address, port, time_out, use_as_server, nullptr);
-    }
-    std::string address = "zeb";
-    std::int32_t port = 7710, time_out = 5000;
-    bool use_as_server = false;
+    bool Ask() { return frmServer(stage.Machine()).GetServerInfo(server, nullptr); }
+    ServerSettings server{"zeb", 7710, 5000};
 };
 
 TEST_F(ServerWindow, TakesNewValues) {
@@ -207,10 +196,10 @@ TEST_F(ServerWindow, TakesNewValues) {
         user.Clicks(window, "cmdOK");
     });
     EXPECT_TRUE(Ask());
-    EXPECT_EQ(address, "login.example.com");
-    EXPECT_EQ(port, 80);
-    EXPECT_EQ(time_out, 1400);
-    EXPECT_TRUE(use_as_server);
+    EXPECT_EQ(server.address, "login.example.com");
+    EXPECT_EQ(server.port, 80);
+    EXPECT_EQ(server.time_out, 1400);
+    EXPECT_TRUE(server.use_as_server_for_login);
 }
 
 TEST_F(ServerWindow, RefusesAPortAndATimeOut) {
@@ -234,7 +223,7 @@ TEST_F(ServerWindow, RefusesAPortAndATimeOut) {
         user.Clicks(window, "cmdCancel");
     });
     EXPECT_FALSE(Ask());
-    EXPECT_EQ(port, 7710);
+    EXPECT_EQ(server.port, 7710);
 }
 
 TEST_F(ServerWindow, GoesFromControlToControlByTab) {
@@ -258,7 +247,7 @@ TEST_F(ServerWindow, ChangesNothingWhenItIsClosedByItsCloseBox) {
         user.ClosesByTheSystem(window);
     });
     EXPECT_FALSE(Ask());
-    EXPECT_EQ(address, "zeb");
+    EXPECT_EQ(server.address, "zeb");
 }
 
 // --- Password

@@ -16,9 +16,7 @@ TEST(FrameThatComesLate, IsPartOfTheHeightOfTheLoginWindow) {
     Stage stage;
     User user(stage);
     Hand manager;
-    std::string login_id = "ann";
-    Secret password, new_password;
-    bool ask = false, show = true;
+    LoginAnswer answer{.login_id = "ann", .show_details = true};
     stage.When("frmLogin", [&](QWidget& window) {
         const int asked = qRound(3360 / 1440.0 * window.logicalDpiY());
         EXPECT_EQ(window.height(), asked);
@@ -27,7 +25,7 @@ TEST(FrameThatComesLate, IsPartOfTheHeightOfTheLoginWindow) {
         EXPECT_EQ(window.frameGeometry().height(), asked);
         window.close();
     });
-    frmLogin(stage.Machine()).Login(login_id, password, false, new_password, ask, show, nullptr);
+    frmLogin(stage.Machine()).Login(answer, false, nullptr);
 }
 
 TEST(FrameThatComesLate, IsPartOfTheRectangleOfAPlacement) {

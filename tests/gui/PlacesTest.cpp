@@ -25,19 +25,17 @@ class PlacesOfWindows : public testing::Test {
         };
         for (const auto* const form : {"frmServer", "frmLogin", "frmWait", "MessageBox", "frmPassword"})
             stage.When(form, visit_and_close);
-        std::string text;
-        std::int32_t number = 0;
-        bool flag = false;
-        Secret password, new_password;
-        frmServer(stage.Machine()).GetServerInfo(text, number, number, flag, nullptr);
-        frmLogin(stage.Machine()).Login(text, password, flag, new_password, flag, flag, nullptr);
+        ServerSettings server;
+        LoginAnswer answer;
+        frmServer(stage.Machine()).GetServerInfo(server, nullptr);
+        frmLogin(stage.Machine()).Login(answer, false, nullptr);
         frmWait wait(stage.Machine());
         wait.ShowWait(300);
         stage.Await([] { return FindWindow("frmWait") == nullptr; }, "the end of the wait");
         wait.HideWait();
         stage.Machine()->Parts().dialogs->ShowMessageBox(std::string(200, 'a') + " b", "Title",
                                                          BoxStyle::YesNo);
-        frmPassword(stage.Machine()).GetPassword(password, new_password, nullptr);
+        frmPassword(stage.Machine()).GetPassword(answer.password, answer.new_password, nullptr);
     }
     // Odd sizes have no pixel in the middle.
     static void ExpectInTheMiddleOf(const QRect& place, const QWidget& window) {

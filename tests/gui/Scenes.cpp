@@ -28,17 +28,13 @@ Scene Modal(std::string name, std::string window, std::function<void(const Platf
 }
 
 void Login(const PlatformPtr& machine, bool use_profiles, bool more) {
-    std::string login_id = "ann";
-    Secret password, new_password;
-    bool ask = true;
-    frmLogin(machine).Login(login_id, password, use_profiles, new_password, ask, more, nullptr);
+    LoginAnswer answer{.login_id = "ann", .ask_for_profile = true, .show_details = more};
+    frmLogin(machine).Login(answer, use_profiles, nullptr);
 }
 
 void Server(const PlatformPtr& machine) {
-    std::string address = "login.example.com";
-    std::int32_t port = 7710, time_out = 10'000;
-    bool use_as_server = true;
-    frmServer(machine).GetServerInfo(address, port, time_out, use_as_server, nullptr);
+    ServerSettings server{"login.example.com", 7710, 10'000, true};
+    frmServer(machine).GetServerInfo(server, nullptr);
 }
 
 void Password(const PlatformPtr& machine) {

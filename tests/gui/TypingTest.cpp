@@ -14,10 +14,7 @@ namespace {
 
 class Typing : public testing::Test {
  protected:
-    bool Login() {
-        bool ask = false, show = false;
-        return frmLogin(stage.Machine()).Login(login_id, password, false, new_password, ask, show, nullptr);
-    }
+    bool Login() { return frmLogin(stage.Machine()).Login(answer, false, nullptr); }
     void Pastes(const char* text) {
         QApplication::clipboard()->setText(text);
         user.Presses("v", "Control_L");
@@ -28,22 +25,19 @@ class Typing : public testing::Test {
 
     Stage stage;
     User user{stage};
-    std::string login_id = "ann";
-    Secret password, new_password;
+    LoginAnswer answer{.login_id = "ann"};
 };
 
 TEST_F(Typing, KeepsTheFirstLineOfWhatIsPasted) {
-    std::string address = "zeb";
-    std::int32_t port = 7710, time_out = 5000;
-    bool use_as_server = false;
+    ServerSettings server{"zeb", 7710, 5000};
     stage.When("frmServer", [&](QWidget& window) {
         user.SeesFocusOn(window, "txtAddress");
         Pastes("zeb.example.com\r\nsecond\n");
         Awaits(In<QLineEdit>(window, "txtAddress"), "zeb.example.com");
         user.Presses("Return");
     });
-    EXPECT_TRUE(frmServer(stage.Machine()).GetServerInfo(address, port, time_out, use_as_server, nullptr));
-    EXPECT_EQ(address, "zeb.example.com");
+    EXPECT_TRUE(frmServer(stage.Machine()).GetServerInfo(server, nullptr));
+    EXPECT_EQ(server.address, "zeb.example.com");
 }
 
 TEST_F(Typing, KeepsTheFirstLineOfAPasswordThatIsPasted) {
@@ -54,7 +48,7 @@ TEST_F(Typing, KeepsTheFirstLineOfAPasswordThatIsPasted) {
         user.Presses("Return");
     });
     EXPECT_TRUE(Login());
-    EXPECT_EQ(password.Reveal(), "1Swordfish");
+    EXPECT_EQ(answer.password.Reveal(), "1Swordfish");
 }
 
 TEST_F(Typing, KeepsWhatStandsBehindWhatIsPasted) {

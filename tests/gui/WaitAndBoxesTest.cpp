@@ -232,16 +232,14 @@ TEST_F(WaitWindow, ComesAgainAfterTheUserHasClosedIt) {
 }
 
 TEST_F(WaitWindow, TakesNoFocusWhileADialogIsOpen) {
-    std::string name = "ann";
-    Secret password, new_password;
-    bool ask = false, show = false;
+    LoginAnswer answer{.login_id = "ann"};
     stage.When("frmLogin", [&](QWidget& window) {
         user.SeesFocusOn(window, "txtPassword");
         Shows(300);
         user.TypesHere(window, "txtPassword", "bob", "bob");
         user.Presses("Escape");
     });
-    frmLogin(stage.Machine()).Login(name, password, false, new_password, ask, show, nullptr);
+    frmLogin(stage.Machine()).Login(answer, false, nullptr);
 }
 
 // --- Where to save
@@ -337,10 +335,8 @@ TEST_F(OnTheScreen, AModalWindowHasTheIconAndTheHostsWindowAsItsOwner) {
         EXPECT_EQ(window.windowModality(), Qt::ApplicationModal);
         user.Presses("Escape");
     });
-    std::string address;
-    std::int32_t port = 1, time_out = 1000;
-    bool use_as_server = false;
-    frmServer(stage.Machine()).GetServerInfo(address, port, time_out, use_as_server, MakeQtIcon(path));
+    ServerSettings server{"", 1, 1000};
+    frmServer(stage.Machine()).GetServerInfo(server, MakeQtIcon(path));
     EXPECT_TRUE(host.isVisible());
 }
 

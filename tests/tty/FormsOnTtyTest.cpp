@@ -12,19 +12,16 @@ namespace kq {
 namespace {
 
 struct LoginOnTty : TtyScene {
-    bool Login() {
-        return frmLogin(platform).Login(login_id, password, use_profiles, new_password, ask, show, nullptr);
-    }
-    std::string login_id = "ann";
-    Secret password, new_password;
-    bool use_profiles = false, ask = false, show = false;
+    bool Login() { return frmLogin(platform).Login(answer, use_profiles, nullptr); }
+    LoginAnswer answer{.login_id = "ann"};
+    bool use_profiles = false;
 };
 
 TEST_F(LoginOnTty, AsksBoxesAndThenButtons) {
     terminal->Types({"bob", "secret", ""});
     EXPECT_TRUE(Login());
-    EXPECT_EQ(login_id, "bob");
-    EXPECT_EQ(password.Reveal(), "secret");
+    EXPECT_EQ(answer.login_id, "bob");
+    EXPECT_EQ(answer.password.Reveal(), "secret");
     EXPECT_EQ(terminal->Screen(),
               "\n-- Please Login\nLogin ID [ann]: bob\nPassword: \n"
               "  1. OK\n  2. Cancel\n  3. Show More >>\n[1]: \n");
@@ -33,14 +30,14 @@ TEST_F(LoginOnTty, AsksBoxesAndThenButtons) {
 TEST_F(LoginOnTty, KeepsWhatIsThereAfterAnEmptyAnswer) {
     terminal->Types({"", "secret", "1"});
     EXPECT_TRUE(Login());
-    EXPECT_EQ(login_id, "ann");
+    EXPECT_EQ(answer.login_id, "ann");
 }
 
 TEST_F(LoginOnTty, AsksAgainAfterAMessage) {
     terminal->Types({" ", "secret", "", /* the message */ "", "eve", "", ""});
     EXPECT_TRUE(Login());
-    EXPECT_EQ(login_id, "eve");
-    EXPECT_EQ(password.Reveal(), "secret");
+    EXPECT_EQ(answer.login_id, "eve");
+    EXPECT_EQ(answer.password.Reveal(), "secret");
     EXPECT_TRUE(terminal->Shows("A login ID must be specified.\n"));
     EXPECT_TRUE(terminal->Shows("Password [*]: "));
 }
@@ -48,14 +45,14 @@ TEST_F(LoginOnTty, AsksAgainAfterAMessage) {
 TEST_F(LoginOnTty, AsksAgainForWhatTheMessageNames) {
     terminal->Types({"", "", "", /* the message */ "", "secret", ""});
     EXPECT_TRUE(Login());
-    EXPECT_EQ(password.Reveal(), "secret");
+    EXPECT_EQ(answer.password.Reveal(), "secret");
     EXPECT_TRUE(terminal->Shows("[1]: \n\n-- Please Login\nPassword: \n  1. OK")) << terminal->Screen();
 }
 
 TEST_F(LoginOnTty, AsksEverythingAgainAfterAButtonThatLeavesItOpen) {
     terminal->Types({"", "secret", "3", "bob", "", "", ""});
     EXPECT_TRUE(Login());
-    EXPECT_EQ(login_id, "bob");
+    EXPECT_EQ(answer.login_id, "bob");
 }
 
 TEST_F(LoginOnTty, NeverShowsAPassword) {
@@ -68,9 +65,9 @@ TEST_F(LoginOnTty, AsksForTheRestWhenTheUserWantsMore) {
     use_profiles = true;
     terminal->Types({"", "old", "3", "", "", "new", "y", "ok"});
     EXPECT_TRUE(Login());
-    EXPECT_EQ(new_password.Reveal(), "new");
-    EXPECT_TRUE(ask);
-    EXPECT_TRUE(show);
+    EXPECT_EQ(answer.new_password.Reveal(), "new");
+    EXPECT_TRUE(answer.ask_for_profile);
+    EXPECT_TRUE(answer.show_details);
     EXPECT_TRUE(terminal->Shows("Always prompt for profile (y/n) [n]: "));
 }
 
@@ -79,26 +76,26 @@ TEST_F(LoginOnTty, IsCancelledByTheInterruptKeyAndByTheEndOfTheInput) {
     terminal->PressesInterrupt();
     EXPECT_FALSE(Login());
     EXPECT_FALSE(Login());
-    EXPECT_EQ(login_id, "ann");
+    EXPECT_EQ(answer.login_id, "ann");
 }
 
 TEST_F(LoginOnTty, EndsWhenTheFormIsHiddenDuringAQuestion) {
     auto dialog = std::make_unique<frmLogin>(platform);
     terminal->Types({"bob"});
     terminal->Waits([&] { dialog.reset(); });
-    EXPECT_FALSE(dialog->Login(login_id, password, false, new_password, ask, show, nullptr));
+    EXPECT_FALSE(dialog->Login(answer, false, nullptr));
 }
 
 TEST_F(LoginOnTty, LeadsToTheServerDialogAndBack) {
     frmLogin dialog(platform);
     std::string saved;
-    dialog.SaveAddressPort = [&](std::string& address, std::int32_t& port, std::int32_t& time_out, bool&) {
-        saved = address + " " + std::to_string(port) + " " + std::to_string(time_out);
+    dialog.SaveAddressPort = [&](const ServerSettings& server) {
+        saved = server.address + " " + std::to_string(server.port) + " " + std::to_string(server.time_out);
     };
-    show = true;
+    answer.show_details = true;
     terminal->Types({"", "pw", "", "Change", "zeb", "7710", "5", "n", ""});
     terminal->PressesInterrupt();
-    EXPECT_FALSE(dialog.Login(login_id, password, false, new_password, ask, show, nullptr));
+    EXPECT_FALSE(dialog.Login(answer, false, nullptr));
     EXPECT_EQ(saved, "zeb 7710 5000");
     EXPECT_TRUE(terminal->Shows("Connection Time-out (in seconds) [0]: "));
 }
