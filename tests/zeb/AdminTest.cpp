@@ -45,7 +45,7 @@ TEST_F(Admin, InitMakesAPrivateFolderWithAPrivateDatabase) {
 TEST_F(Admin, InitNeverTouchesADatabase) {
     InitData(folder.Path("data"));
     ExpectRefused([&] { InitData(folder.Path("data")); },
-                  "There is a database in " + folder.Path("data") + " already; nothing was changed");
+                  "There is already a database in " + folder.Path("data") + "; nothing was changed");
     EXPECT_TRUE(OpenData(folder.Path("data")));
 }
 
@@ -69,7 +69,7 @@ TEST_F(Admin, AddedUsersHaveUidsOfTheirOwnAndTheirPasswords) {
 
 TEST_F(Admin, AUserIsAddedOnce) {
     Add("ana");
-    ExpectRefused([&] { Add("ana", "another one"); }, "There is a user \"ana\" already");
+    ExpectRefused([&] { Add("ana", "another one"); }, "There is already a user \"ana\"");
     EXPECT_EQ(Accounts(store).All().size(), 1U);
     EXPECT_TRUE(hasher.Verify(Accounts(store).Find("ana")->password_hash, Secret("correct horse")));
 }

@@ -187,18 +187,18 @@ TEST(AccountsStore, TakesALoginIdOnce) {
     Account account;
     account.login = "ana";
     Accounts(store).Add(account);
-    ExpectNotAdded(store, account, "There is a user \"ana\" already");
+    ExpectNotAdded(store, account, "There is already a user \"ana\"");
 }
 
 TEST(AccountsStore, RefusesWhatIsNoLoginIdAndSaysWhy) {
     const std::pair<std::string, std::string> refused[] = {
         {"", "A login id cannot be empty"},
-        {" ana", "A login id cannot begin or end with a blank"},
-        {"ana ", "A login id cannot begin or end with a blank"},
-        {"a\nb", "A login id cannot hold control characters"},
-        {{"a\0b", 3}, "A login id cannot hold control characters"},
+        {" ana", "A login id cannot begin or end with a space"},
+        {"ana ", "A login id cannot begin or end with a space"},
+        {"a\nb", "A login id cannot contain control characters"},
+        {{"a\0b", 3}, "A login id cannot contain control characters"},
         {"a\xff", "A login id must be UTF-8 text"},
-        {std::string(65, 'x'), "A login id has at most 64 characters"}};
+        {std::string(65, 'x'), "A login id may have at most 64 characters"}};
     Store store(":memory:");
     for (const auto& [login, why] : refused) {
         Account account;
@@ -207,7 +207,7 @@ TEST(AccountsStore, RefusesWhatIsNoLoginIdAndSaysWhy) {
     }
 }
 
-TEST(AccountsStore, TakesALoginIdOfSixtyFourCharactersAndOneWithBlanksInside) {
+TEST(AccountsStore, TakesALoginIdOfSixtyFourCharactersAndOneWithSpacesInside) {
     Store store(":memory:");
     for (const std::string& login : {std::string(64, 'x'), std::string("ana maria")}) {
         Account account;
