@@ -69,8 +69,10 @@ TEST_F(UsersLanguageTest, AnUploadThatCannotConnectIsRaisedInIt) {
     login.Password = Secret("secret word");
     ASSERT_TRUE(SystemLogin());
     zeb.StopListening();
-    const Error error =
-        ErrorOf([this] { client->UpdateProfilesEx(false, FakeZeb::kAddress, FakeZeb::kPort); });
+    std::string address = FakeZeb::kAddress;
+    std::int32_t port = FakeZeb::kPort;
+    std::int32_t time_out = 1000;
+    const Error error = ErrorOf([&] { client->UpdateProfilesEx(false, address, port, time_out); });
     EXPECT_EQ(error.Description(),
               "No se pudo conectar al servidor de inicio de sesión: Se rechazó la conexión.");
 }

@@ -65,9 +65,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Refused{"TextInPlaceOfFields", Message("x"), "beside", 0},
                       Refused{"TextBesideChildren", Message("<F><G/>x</F>"), "<F> has a text beside", 20},
                       Refused{"CDATABesideChildren", Message("<F><G/><![CDATA[x]]></F>"), "beside", 20},
-                      Refused{"NameWithColon", Message("<a:F/>"), "<a:F> is no name", 20},
-                      Refused{"NameOutsideAscii", Message("<\xC3\xA9/>"), "is no name", 20},
-                      Refused{"ReservedName", Message("<xmlF/>"), "is no name", 20}),
+                      Refused{"NameWithColon", Message("<a:F/>"), "<a:F> cannot be the name", 20},
+                      Refused{"NameOutsideAscii", Message("<\xC3\xA9/>"), "cannot be the name", 20},
+                      Refused{"ReservedName", Message("<xmlF/>"), "cannot be the name", 20}),
     NameOf);
 
 INSTANTIATE_TEST_SUITE_P(
