@@ -67,6 +67,7 @@ struct Texts {
 // Children of other names are read like those.
 struct SessionIDList {
     using Type = std::optional<std::vector<std::string>>;
+    static constexpr std::string_view kItem = "SessionID";
     static constexpr std::string_view kForm = "list of SessionID, left out when there is none";
     static void Write(XMLMessage& message, std::string_view name, const Type& ids);
     static void Read(const XMLMessage& message, std::string_view name, Type& ids);

@@ -55,7 +55,7 @@ void SessionIDList::Write(XMLMessage& message, std::string_view name, const Type
     if (!ids) return;
     XMLElement list(name);
     for (const auto& id : *ids)
-        list.Add("SessionID", id);
+        list.Add(kItem, id);
     message.SetField(std::move(list));
 }
 

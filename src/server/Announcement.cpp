@@ -16,7 +16,6 @@ namespace kq {
 namespace {
 
 constexpr std::string_view kInfoPath = "ApplicationInfos/ApplicationInfo";
-constexpr std::string_view kInfoState = "InfoState";
 
 // The letters of the state.
 constexpr std::string_view kAllSessions = "C";
@@ -34,7 +33,7 @@ void SetChild(XMLElement& element, std::string_view name, std::string_view text)
 // The application that the message speaks of: one process may announce several over one bus client.
 std::string SubjectOf(const XMLMessage& message, const XMLElement& application) {
     std::string subject = message.Type();
-    for (const auto name : {"AppID", "Address", "Port"})
+    for (const auto name : {ApplicationInfo::kAppID, ApplicationInfo::kAddress, ApplicationInfo::kPort})
         subject += '\n' + application.TextOf(name);
     return subject;
 }
@@ -79,35 +78,35 @@ XMLElement& Announcement::Info() {
 }
 
 void Announcement::SetBroadcastInterval(std::int32_t seconds) {
-    if (message_) SetChild(Info(), "BroadcastInterval", TextOf(seconds));
+    if (message_) SetChild(Info(), ApplicationInfo::kBroadcastInterval, TextOf(seconds));
 }
 
 void Announcement::Send(std::string_view letter, const Hand& hand) {
     if (!message_) return;
-    SetChild(Info(), kInfoState, letter);
+    SetChild(Info(), ApplicationInfo::kInfoState, letter);
     hand(*message_);
 }
 
 void Announcement::SendWith(XMLElement& list, std::string_view letter, const Hand& hand) {
     if (!message_) return;
-    SetChild(Info(), kInfoState, letter);
+    SetChild(Info(), ApplicationInfo::kInfoState, letter);
     const Attached attached(Info(), list);
     hand(*message_);
 }
 
 void Announcement::SendSessions(const SessionIndex& index, const Hand& hand) {
     if (!list_) {
-        XMLElement list("Sessions");
+        XMLElement list(ApplicationInfo::kSessions);
         for (const auto& session : index.Sessions())
-            list.Add("SessionID", session->SessionID());
+            list.Add(field::SessionIDList::kItem, session->SessionID());
         list_ = std::move(list);
     }
     SendWith(*list_, kAllSessions, hand);
 }
 
 void Announcement::SendRemoved(const std::string& session_id, const Hand& hand) {
-    XMLElement list("Sessions");
-    list.Add("SessionID", session_id);
+    XMLElement list(ApplicationInfo::kSessions);
+    list.Add(field::SessionIDList::kItem, session_id);
     SendWith(list, kEndedSession, hand);
 }
 
@@ -120,13 +119,13 @@ void Announcement::SendDown(const Hand& hand) {
 }
 
 void Announcement::SessionAdded(const std::string& session_id) {
-    if (list_) list_->Add("SessionID", session_id);
+    if (list_) list_->Add(field::SessionIDList::kItem, session_id);
 }
 
 void SendState(XMLBusClient& bus, const XMLMessage& message) {
     const XMLElement* application = message.Root().Find(kInfoPath);
     if (application == nullptr) return bus.Send(message);
-    const auto outdates = OutdatedBy(application->TextOf(kInfoState));
+    const auto outdates = OutdatedBy(application->TextOf(ApplicationInfo::kInfoState));
     outdates ? bus.Send(message, BusState{SubjectOf(message, *application), *outdates}) : bus.Send(message);
 }
 
