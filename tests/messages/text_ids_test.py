@@ -27,9 +27,10 @@ def without_comments(text):
 
 
 def source_of(room):
-    folder = os.path.join(ROOT, "src", room)
-    return "\n".join(without_comments(read(os.path.join("src", room, name))) for name in sorted(os.listdir(folder))
-                     if name.endswith((".h", ".cpp")) and name != "TextIds.h")
+    """The source of a room and of the rooms inside it."""
+    paths = (os.path.join(folder, name) for folder, _, names in os.walk(os.path.join(ROOT, "src", room))
+             for name in names if name.endswith((".h", ".cpp")) and name != "TextIds.h")
+    return "\n".join(without_comments(read(path)) for path in sorted(paths))
 
 
 class Row:
