@@ -7,7 +7,7 @@
 
 // clang-format off
 #define KQ_BUS_CONTROLS(CONTROL, FIELD)                                                                      \
-    CONTROL(BusHello, "peer", "the first word. \"Client\" names the peer over its reconnections; "           \
+    CONTROL(BusHello, "peer", "the first message. \"Client\" identifies the peer across reconnections; "     \
                               "\"Taken\" is how many of its messages are confirmed",                         \
         FIELD(Text, Client)                                                                                  \
         FIELD(Text, Nonce)                                                                                   \
@@ -19,14 +19,14 @@
     CONTROL(BusWelcome, "hub", "the hub knows the key; \"Taken\" is how many of the peer's messages it has", \
         FIELD(Text, Proof)                                                                                   \
         FIELD(Count, Taken))                                                                                 \
-    CONTROL(BusSubscribe, "peer", "option 0 ordinary, 1 shared; again changes the option",                   \
+    CONTROL(BusSubscribe, "peer", "option 0 ordinary, 1 shared; a repetition changes the option",            \
         FIELD(Text, Type)                                                                                    \
         FIELD(Text, SubType)                                                                                 \
         FIELD(Count, Option))                                                                                \
     CONTROL(BusUnsubscribe, "peer", "ends the subscription of the address",                                  \
         FIELD(Text, Type)                                                                                    \
         FIELD(Text, SubType))                                                                                \
-    CONTROL(BusTaken, "hub", "how many messages the hub has taken of this peer, in all",                     \
+    CONTROL(BusTaken, "hub", "how many messages the hub has received from this peer, in total",              \
         FIELD(Count, Taken))                                                                                 \
     CONTROL(BusRefused, "hub", "why the hub ends the connection, which follows",                             \
         FIELD(Text, ErrorDesc))
