@@ -46,7 +46,7 @@ Sub RefusesWhatIsNoMessage
     Err.Clear
     Expect "unchanged", Message("LoginID"), "ann"
     Message("no name") = "x"
-    ExpectError "a field that cannot be", 5, "KQAppSessionLib", """no name"" cannot name an element or attribute."
+    ExpectError "a field that cannot be", 5, "KQAppSessionLib", """no name"" cannot name an element or attribute"
 End Sub
 
 Sub IsATreeOfElements
