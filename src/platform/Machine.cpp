@@ -1,3 +1,4 @@
+// Apart from the members of Platform, which only the main library holds.
 #include "platform/Machine.h"
 
 #include <string>
@@ -6,18 +7,6 @@
 #include <kqappsession/Error.h>
 
 namespace kq {
-
-Platform::Platform(std::unique_ptr<const Machine> machine) : machine_(std::move(machine)) {}
-
-Platform::~Platform() = default;
-
-const std::shared_ptr<EventLoop>& Platform::Loop() const {
-    return machine_->loop;
-}
-
-bool Platform::Interactive() const {
-    return machine_->dialogs != nullptr;
-}
 
 PlatformPtr MakeBundle(Platform::Machine machine) {
     return std::make_shared<const Platform>(std::make_unique<const Platform::Machine>(std::move(machine)));
