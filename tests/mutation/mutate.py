@@ -5,6 +5,7 @@ Changes one operator, constant, call or branch at a time in a copy of the tree, 
 tests of the changed room, and lists the changes that no test noticed. See scripts/mutate --help.
 """
 import argparse
+import contextlib
 import json
 import pathlib
 import queue
@@ -147,7 +148,7 @@ def drawn(root, rooms, count, seed):
 
 
 def try_all(trees, mutations, known, report):
-    """Tries mutations on all trees at once."""
+    """Tries mutations on all trees at once; an interrupt lets those that are under way end and tries no more."""
     waiting = queue.SimpleQueue()
     for mutation in mutations:
         waiting.put(mutation)
@@ -168,8 +169,15 @@ def try_all(trees, mutations, known, report):
     threads = [threading.Thread(target=work, args=(tree,)) for tree in trees]
     for thread in threads:
         thread.start()
-    for thread in threads:
-        thread.join()
+    try:
+        for thread in threads:
+            thread.join()
+    except KeyboardInterrupt:
+        with contextlib.suppress(queue.Empty):
+            while True:
+                waiting.get_nowait()
+        for thread in threads:
+            thread.join()
 
 
 def main():
