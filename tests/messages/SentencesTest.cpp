@@ -1,4 +1,7 @@
 // What users of each language are told of errors of connections and of texts that do not load.
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -28,6 +31,20 @@ std::set<std::string> PlaceholdersOf(const std::string& text) {
         if (text.find(placeholder) != text.npos) found.insert(placeholder);
     }
     return found;
+}
+
+// KQ_UPDATE_GOLDEN=1 rewrites the file.
+TEST(Sentences, AreAsAgreed) {
+    std::string all;
+    for (const auto sentence : kSentences) {
+        for (const auto tongue : kTongues)
+            all += std::string(TranslationsOf(sentence).In(tongue)) + "\n";
+        all += "\n";
+    }
+    const std::string path = KQ_SOURCE_DIR "/tests/golden/sentences.txt";
+    if (std::getenv("KQ_UPDATE_GOLDEN")) std::ofstream(path, std::ios::binary) << all;
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_EQ(all, std::string(std::istreambuf_iterator<char>(file), {}));
 }
 
 TEST(Sentences, KeepThePlaceholdersInEveryLanguage) {
