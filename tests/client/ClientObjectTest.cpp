@@ -33,6 +33,12 @@ TEST_F(ClientObjectTest, AFreshOneIsNotLoggedInAndUsesProfiles) {
     EXPECT_THAT(machine.profile_file->files, IsEmpty());
 }
 
+TEST_F(ClientObjectTest, AFreshOneKnowsNoApplicationServer) {
+    EXPECT_EQ(client->AppServerAddress(), "");
+    EXPECT_EQ(client->AppServerPort(), 0);
+    EXPECT_EQ(client->AppServerTimeOut(), 0);
+}
+
 TEST_F(ClientObjectTest, NeedsAPlatform) {
     ExpectError(ErrorOf([] { KQAppSessClient(nullptr); }), NumberOf(RuntimeError::ObjectNotSet),
                 "A client object needs a platform, such as that of MakePlatform");
